@@ -1,0 +1,27 @@
+# What every target of the house shares. The folder's CMakeLists.txt names sources and arrows only.
+
+option(TWDP_WARNINGS_AS_ERRORS "Stop at the first warning" OFF)
+set(TWDP_SANITIZE "" CACHE STRING "Sanitizers to build with, as the compiler names them")
+
+function(twdp_set_warnings target)
+    target_compile_options(${target} PRIVATE
+        -Wall -Wextra -Wpedantic -Wshadow -Wold-style-cast -Wcast-align -Wformat=2 -Wundef
+        -Woverloaded-virtual $<$<BOOL:${TWDP_WARNINGS_AS_ERRORS}>:-Werror>)
+endfunction()
+
+function(twdp_set_sanitizers target)
+    if(TWDP_SANITIZE)
+        target_compile_options(${target} PRIVATE
+            -fsanitize=${TWDP_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        target_link_options(${target} PRIVATE -fsanitize=${TWDP_SANITIZE})
+    endif()
+endfunction()
+
+# twdp_target(<target>): include paths from the project's root, so that every #include names the
+# room it reaches into; warnings and sanitizers as the preset asks.
+function(twdp_target target)
+    target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR})
+    target_compile_definitions(${target} PRIVATE QT_DEPRECATED_WARNINGS QT_NO_FOREACH)
+    twdp_set_warnings(${target})
+    twdp_set_sanitizers(${target})
+endfunction()
