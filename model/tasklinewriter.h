@@ -1,0 +1,9 @@
+#pragma once
+
+#include "model/testtask.h"
+
+/// Writes a task as one line of a config file, without line end: fourteen fields, each closed by
+/// ";", with the padding that belongs to the format. The record is normalised first, in place.
+/// Bytes of a path from 128 on appear sign-extended, so that their low byte gives them back. What
+/// passes 1000 characters is dropped silently. Returns `line`.
+_kvString<1000>& writeTaskLine(_kvString<1000>& line, TestTask& task);

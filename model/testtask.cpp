@@ -1,0 +1,146 @@
+#include "model/testtask.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::int32_t largestFileSize = 1073741824; // 1 GiB, the limit that the form announces
+constexpr std::int64_t largestCreatedFile = 2147483600;
+
+bool isMemory(const _kvString8_allSize<500>& path)
+{
+    return path.isEmpty() || path.isEqual("MEMORY");
+}
+
+TestType typeByEmptiness(const TestTask& task)
+{
+    if (task.sourcePath.isEmpty())
+        return TestType::Write;
+    return task.destPath.isEmpty() ? TestType::Read : TestType::Copy;
+}
+
+void applyMethodLimits(TestTask& task, TestType type)
+{
+    _fileGLobal& io = task.io;
+    switch (task.method) {
+    case IoMethod::Posix:
+        io.sysBufferMode = std::min(io.sysBufferMode, 1);
+        break;
+    case IoMethod::WinApi:
+        io.sysBufferMode = std::min(io.sysBufferMode, 2);
+        break;
+    case IoMethod::Stream:
+    case IoMethod::AnsiC:
+        io.sysBufferMode = std::min(io.sysBufferMode, 1);
+        if (io.sysBufferMode >= 0 && io.chunkSize <= 0)
+            io.sysBufferMode = -1;
+        break;
+    case IoMethod::System:
+        io.sysBufferMode = -1;
+        break;
+    }
+
+    const bool copiesInChunks = type == TestType::Copy &&
+                                (task.method == IoMethod::Posix ||
+                                 task.method == IoMethod::WinApi || task.method == IoMethod::AnsiC);
+    if (io.chunkSize == 0 && (task.method == IoMethod::System || copiesInChunks))
+        task.setChunkSize(copyFile_chunksize());
+}
+
+} // namespace
+
+TestTask::TestTask()
+{
+    io.cacheMode = 0;
+    io.fileSize = 0;
+    io.unused = 0;
+}
+
+void TestTask::setDefaults()
+{
+    using Path = _kvString8_allSize<500>;
+    method = IoMethod::Stream;
+    io.sysBufferMode = -1;
+    setChunkWait(50);
+    setChunkSize(bytesFromKib(1024));
+    io.preallocate = false;
+    io.flush = false;
+    io.cacheMode = 0;
+    io.fileSize = bytesFromKib(102400);
+    iterations = 1;
+    sourcePath = Path("[cfgPath]/testfile_[cfgName]-[cfgTaskID].dat");
+    destPath = Path("[temp]/[cfgName]/testfile_[cfgName]-[cfgTaskID].dat");
+    logPath = Path("[cfgPath]/[cfgName]/[host].txt");
+    csvPath = Path("[cfgPath]/[cfgName]-[cfgTaskID]_results.csv");
+    writeDone = true;
+    waitForNextConfig = false;
+    configId = 0;
+}
+
+void TestTask::setFileCreation(const _kvString8_allSize<500>& path, std::int64_t bytes)
+{
+    waitForNextConfig = false;
+    writeDone = true;
+    iterations = 1;
+    configId = 0;
+    csvPath.clear();
+    logPath.clear();
+    method = IoMethod::Stream;
+    sourcePath.clear();
+    destPath = path;
+    io.preallocate = false;
+    io.flush = false;
+    io.fileSize = static_cast<std::int32_t>(std::min(bytes, largestCreatedFile));
+    io.sysBufferMode = -1;
+    setChunkWait(0);
+    setChunkSize(0);
+    io.cacheMode = 0;
+}
+
+bool TestTask::usesMemory() const
+{
+    return isMemory(sourcePath) || isMemory(destPath);
+}
+
+bool TestTask::readsIntoMemory() const
+{
+    return isMemory(destPath);
+}
+
+TestType TestTask::testType() const
+{
+    if (!usesMemory())
+        return TestType::Copy;
+    return readsIntoMemory() ? TestType::Read : TestType::Write;
+}
+
+void TestTask::setChunkWait(std::int32_t ms)
+{
+    io.chunkWait = ms;
+    io.ioChunkWait = static_cast<std::uint16_t>(ms);
+}
+
+void TestTask::setChunkSize(std::int32_t bytes)
+{
+    io.chunkSize = bytes;
+    io.ioBufferSize = bytes;
+}
+
+void TestTask::normalise()
+{
+    io.fileSize = std::min(io.fileSize, largestFileSize);
+
+    const TestType type = typeByEmptiness(*this);
+    applyMethodLimits(*this, type);
+
+    const bool canPreallocate = method == IoMethod::Posix || method == IoMethod::WinApi;
+    if (!canPreallocate || type == TestType::Read)
+        io.preallocate = false;
+    // A system copy keeps its flush setting even where nothing is written.
+    if (type == TestType::Read && method != IoMethod::System)
+        io.flush = false;
+    if (io.chunkSize == 0) {
+        io.flush = false;
+        setChunkWait(0);
+    }
+}
