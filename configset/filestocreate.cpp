@@ -1,0 +1,57 @@
+#include "configset/filestocreate.h"
+
+#include "model/pathvariables.h"
+#include "shared/kvpath.h"
+#include "shared/kvtext.h"
+
+namespace {
+
+const QString dummyName = QStringLiteral("dummyFile");
+
+QString expanded(_kvString<500> name, const TestTask& task, int taskNumber, int iteration,
+                 bool keepCfgPath)
+{
+    return kvToQString(replaceFileVariables(task, name, taskNumber, iteration, keepCfgPath));
+}
+
+void collectFolder(FileToCreateList& list, const _kvString8_allSize<500>& path,
+                   const TestTask& task, int taskNumber)
+{
+    constexpr qint64 dummySize = 1;
+    const QString folder = kvGetDirName(kvConvertPDToOS(kvToQString(path), _kvOS::Linux), '/');
+    collectFilesToCreate(list, folder + dummyName, dummySize, task, taskNumber);
+}
+
+} // namespace
+
+void FileToCreateList::append(const FileToCreate& file)
+{
+    m_files.append(file);
+    m_texts.insert(file.text);
+}
+
+void collectFilesToCreate(FileToCreateList& list, const QString& name, qint64 size,
+                          const TestTask& task, const int& taskNumber)
+{
+    const auto wideName = kvToString16<500>(name);
+    for (int iteration = 0; iteration < task.iterations; ++iteration) {
+        const QString text = expanded(wideName, task, taskNumber, iteration, true);
+        if (list.contains(text))
+            continue;
+        const QString resolved = expanded(wideName, task, taskNumber, iteration, false);
+        list.append({text, resolved, size, name.endsWith(dummyName)});
+    }
+}
+
+void collectFilesOfTask(FileToCreateList& list, const TestTask& task, int taskNumber)
+{
+    if (task.sourcePath.hasData())
+        collectFilesToCreate(list, kvToQString(task.sourcePath), task.io.fileSize, task,
+                             taskNumber);
+    if (task.destPath.startsWith("[cfgPath]"))
+        collectFolder(list, task.destPath, task, taskNumber);
+    if (task.logPath.hasData())
+        collectFolder(list, task.logPath, task, taskNumber);
+    if (task.csvPath.hasData())
+        collectFolder(list, task.csvPath, task, taskNumber);
+}

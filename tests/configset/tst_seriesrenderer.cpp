@@ -1,0 +1,261 @@
+#include "configset/seriesrenderer.h"
+#include "shared/kvtext.h"
+#include "tests/support/tasks.h"
+
+#include <QtTest>
+
+namespace {
+
+const SeriesName mytest{"/x/", "mytest"};
+
+QStringList textsOf(const FileToCreateList& list)
+{
+    QStringList texts;
+    for (const FileToCreate& file : list.files())
+        texts += file.text;
+    return texts;
+}
+
+/// What one task in a file of its own needs.
+QVector<FileToCreate> filesOf(const TestTask& task)
+{
+    FileToCreateList list;
+    collectFilesOfTask(list, task, 0);
+    return list.files();
+}
+
+bool nothingExists(const QString& /*resolved*/)
+{
+    return false;
+}
+
+} // namespace
+
+class TestSeriesRenderer : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void markersSplitTheListIntoFiles()
+    {
+        TaskList tasks{taskTo("/t/a"), taskTo("/t/b"), marker(),
+                       taskTo("/t/c"), marker(),       taskTo("/t/d")};
+        const RenderedSeries series = renderSeries(tasks, "", mytest, "_wait/");
+        QCOMPARE(series.files.size(), 3);
+        QCOMPARE(series.files[0].path, QStringLiteral("/x/_wait/mytest.dpc"));
+        QCOMPARE(series.files[0].content,
+                 "# \n\n" + lineTo("/t/a") + lineTo("/t/b") + "/x/_wait/mytest1.dpc\n");
+        QCOMPARE(series.files[1].path, QStringLiteral("/x/_wait/mytest1.dpc"));
+        QCOMPARE(series.files[1].content, lineTo("/t/c") + "/x/_wait/mytest2.dpc\n");
+        QCOMPARE(series.files[2].path, QStringLiteral("/x/_wait/mytest2.dpc"));
+        QCOMPARE(series.files[2].content, lineTo("/t/d"));
+        QList<int> ids;
+        for (const TestTask& task : qAsConst(tasks))
+            ids += task.configId;
+        QCOMPARE(ids, (QList<int>{0, 0, 0, 1, 0, 2}));
+    }
+
+    void listThatEndsWithAMarkerHasAnEmptyLastFile()
+    {
+        TaskList tasks{taskTo("/t/a"), marker()};
+        const RenderedSeries series = renderSeries(tasks, "", mytest, "_wait/");
+        QCOMPARE(series.files.size(), 2);
+        QCOMPARE(series.files[1].path, QStringLiteral("/x/_wait/mytest1.dpc"));
+        QCOMPARE(series.files[1].content, QString());
+    }
+
+    void listThatStartsWithAMarkerHasAFirstFileWithoutTasks()
+    {
+        TaskList tasks{marker(), taskTo("/t/a")};
+        const RenderedSeries series = renderSeries(tasks, "i", mytest, "_wait/");
+        QCOMPARE(series.files[0].content, QStringLiteral("# i\n\n/x/_wait/mytest1.dpc\n"));
+        QCOMPARE(tasks[1].configId, 1);
+    }
+
+    void onlyTheFirstFileStaysInWaitWithoutThatFolder()
+    {
+        TaskList tasks{taskTo("/t/a"), marker(), taskTo("/t/b")};
+        const RenderedSeries series = renderSeries(tasks, "", mytest, "");
+        QCOMPARE(series.files[0].path, QStringLiteral("/x/_wait/mytest.dpc"));
+        QVERIFY(series.files[0].content.endsWith("\n/x/mytest1.dpc\n"));
+        QCOMPARE(series.files[1].path, QStringLiteral("/x/mytest1.dpc"));
+    }
+
+    void infoTextBecomesCommentsOfTheFirstFile_data()
+    {
+        QTest::addColumn<QString>("info");
+        QTest::addColumn<QString>("header");
+        QTest::newRow("empty") << ""
+                               << "# \n\n";
+        QTest::newRow("one line") << "a"
+                                  << "# a\n\n";
+        QTest::newRow("two lines") << "a\nb"
+                                   << "# a\n# b\n\n";
+        QTest::newRow("line end") << "a\n"
+                                  << "# a\n# \n\n";
+        QTest::newRow("own mark") << "# a"
+                                  << "# # a\n\n";
+    }
+
+    void infoTextBecomesCommentsOfTheFirstFile()
+    {
+        QFETCH(QString, info);
+        QFETCH(QString, header);
+        TaskList tasks{taskTo("/t/a"), marker(), taskTo("/t/b")};
+        const RenderedSeries series = renderSeries(tasks, info, mytest, "_wait/");
+        QCOMPARE(series.files[0].content, header + lineTo("/t/a") + "/x/_wait/mytest1.dpc\n");
+        QCOMPARE(series.files[1].content, lineTo("/t/b"));
+    }
+
+    void taskNumbersStartAgainInEachFile()
+    {
+        TestTask numbered = taskTo("/t/d");
+        numbered.sourcePath = path("[cfgPath]/[cfgID]-[cfgTaskID]");
+        TaskList tasks{numbered, numbered, marker(), numbered};
+        const RenderedSeries series = renderSeries(tasks, "", mytest, "_wait/");
+        QCOMPARE(textsOf(series.filesToCreate),
+                 (QStringList{"[cfgPath]/0-0", "[cfgPath]/0-1", "[cfgPath]/1-0"}));
+    }
+
+    void recordsAreNormalisedInPlace()
+    {
+        TestTask system = taskTo("/t/a");
+        system.method = IoMethod::System;
+        system.setChunkSize(0);
+        TaskList tasks{system};
+        renderSeries(tasks, "", mytest, "_wait/");
+        QCOMPARE(tasks[0].io.chunkSize, 1048576);
+    }
+
+    void eachIterationHasItsFile()
+    {
+        TestTask task;
+        task.sourcePath = path("[cfgPath]/src_[iter].bin");
+        task.io.fileSize = 5242880;
+        task.iterations = 3;
+        const QVector<FileToCreate> files = filesOf(task);
+        QCOMPARE(files.size(), 3);
+        QCOMPARE(files[2].text, QStringLiteral("[cfgPath]/src_2.bin"));
+        QCOMPARE(files[2].size, qint64(5242880));
+        QVERIFY(!files[2].isDummy);
+
+        task.sourcePath = path("[cfgPath]/src.bin");
+        QCOMPARE(filesOf(task).size(), 1);
+        task.iterations = 0;
+        QCOMPARE(filesOf(task).size(), 0);
+        task.iterations = -5;
+        QCOMPARE(filesOf(task).size(), 0);
+    }
+
+    void sameTextIsCollectedOnce()
+    {
+        TestTask first = taskTo("");
+        first.sourcePath = path("/s/./a");
+        TestTask second = taskTo("");
+        second.sourcePath = path("/s//a");
+        TaskList tasks{first, second};
+        const RenderedSeries series = renderSeries(tasks, "", mytest, "_wait/");
+        QCOMPARE(textsOf(series.filesToCreate), QStringList{"/s/a"});
+    }
+
+    void sourceDestinationLogAndCsvComeInThisOrder()
+    {
+        TestTask task;
+        task.iterations = 1;
+        task.io.fileSize = 7;
+        task.sourcePath = path("s.bin");
+        task.destPath = path("[cfgPath]/out/d.bin");
+        task.logPath = path("/log/l.txt");
+        task.csvPath = path("c.csv");
+        const QVector<FileToCreate> files = filesOf(task);
+        QCOMPARE(files.size(), 4);
+        QCOMPARE(files[0].text, QStringLiteral("s.bin"));
+        QCOMPARE(files[1].text, QStringLiteral("[cfgPath]/out/dummyFile"));
+        QCOMPARE(files[2].text, QStringLiteral("/log/dummyFile"));
+        QCOMPARE(files[3].text, QStringLiteral("dummyFile"));
+        for (int i = 1; i < 4; ++i) {
+            QVERIFY(files[i].isDummy);
+            QCOMPARE(files[i].size, qint64(1));
+        }
+    }
+
+    void onlyDestinationsBelowTheConfigPathGetAFolder()
+    {
+        for (const char* dest :
+             {"/out/d", "out/d", "[temp]/d", "[CFGPATH]/d", "x[cfgPath]/d", ""}) {
+            TestTask task = taskTo(dest);
+            QVERIFY2(filesOf(task).isEmpty(), dest);
+        }
+        QCOMPARE(filesOf(taskTo("[cfgPath]/d")).size(), 1);
+        QCOMPARE(filesOf(taskTo("[cfgPath]d")).value(0).text, QStringLiteral("dummyFile"));
+    }
+
+    void memoryIsAFileNameHere()
+    {
+        TestTask task = taskTo("");
+        task.sourcePath = path("MEMORY");
+        QCOMPARE(filesOf(task).value(0).text, QStringLiteral("MEMORY"));
+    }
+
+    void resolvedNamesFollowTheConfigPathOfTheTask()
+    {
+        TestTask task = taskTo("");
+        task.sourcePath = path("[cfgPath]/../[cfgName].bin");
+        task.configPath = path("/cfg/set/mytest3.dpc");
+        QCOMPARE(filesOf(task).value(0).text, QStringLiteral("[cfgPath]/../mytest.bin"));
+        QCOMPARE(filesOf(task).value(0).resolved, QStringLiteral("/cfg/mytest.bin"));
+    }
+
+    void unsavedTaskHasAnEmptyConfigName()
+    {
+        TestTask task;
+        task.setDefaults();
+        TaskList tasks{task};
+        const RenderedSeries series = renderSeries(tasks, "", mytest, "_wait/");
+        QCOMPARE(textsOf(series.filesToCreate).value(0),
+                 QStringLiteral("[cfgPath]/testfile_-0.dat"));
+    }
+
+    void dummyNamesAreRecognisedBySuffix()
+    {
+        FileToCreateList list;
+        const TestTask task = taskTo("");
+        for (const char* name : {"/a/dummyFile", "/a/xdummyFile", "/a/dummyfile", "/a/dummyFile2"})
+            collectFilesToCreate(list, name, 1, task, 0);
+        QList<bool> dummies;
+        for (const FileToCreate& file : list.files())
+            dummies += file.isDummy;
+        QCOMPARE(dummies, (QList<bool>{true, true, false, false}));
+    }
+
+    void companionCreatesWhatDoesNotExist()
+    {
+        FileToCreateList list;
+        list.append({"[cfgPath]/a.dat", "/x/a.dat", 5242880, false});
+        list.append({"/log/dummyFile", "/log/dummyFile", 1, true});
+        const ConfigFile file = renderInitFile(
+            list, mytest, [](const QString& resolved) { return resolved == "/x/a.dat"; });
+        QCOMPARE(file.path, QStringLiteral("/x/mytest_init.dpc"));
+        QCOMPARE(file.content,
+                 QStringLiteral("# Stream;NOflush;NOprealloc;  0;    0; -1; 5120;1;0;  MEMORY;  "
+                                "[cfgPath]/a.dat;  ;  ;  true;\n"
+                                "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
+                                "/log/dummyFile;  ;  ;  true;\n"));
+    }
+
+    void companionOfNothingIsEmpty()
+    {
+        QCOMPARE(renderInitFile({}, mytest, nothingExists).content, QString());
+    }
+
+    void companionCutsNamesAt500AndSizesAtOneGiB()
+    {
+        FileToCreateList list;
+        list.append({'/' + QString(600, 'n'), "", qint64(3000000000), false});
+        const QString line = renderInitFile(list, mytest, nothingExists).content;
+        QVERIFY(line.contains("; 1048576;1;0;  MEMORY;  /" + QString(499, 'n') + ";  ;"));
+    }
+};
+
+QTEST_APPLESS_MAIN(TestSeriesRenderer)
+#include "tst_seriesrenderer.moc"
