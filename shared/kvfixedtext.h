@@ -12,6 +12,12 @@ constexpr unsigned short codeUnit(unsigned short c)
     return c;
 }
 
+/// Space, tab, CR, LF, VT and FF.
+constexpr bool isWhiteSpace(unsigned short c)
+{
+    return c == ' ' || (c >= 9 && c <= 13);
+}
+
 template <class Char>
 constexpr int textLength(const Char* text)
 {

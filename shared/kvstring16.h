@@ -68,11 +68,11 @@ public:
     constexpr void trim()
     {
         int end = length;
-        while (end > 0 && isWhiteSpace(text[end - 1]))
+        while (end > 0 && kvdetail::isWhiteSpace(text[end - 1]))
             --end;
         this->terminateAt(end);
         int start = 0;
-        while (start < end && isWhiteSpace(text[start]))
+        while (start < end && kvdetail::isWhiteSpace(text[start]))
             ++start;
         remove(0, start);
     }
@@ -89,9 +89,6 @@ public:
         remove(0, end + 1);
         return left;
     }
-
-private:
-    static constexpr bool isWhiteSpace(unsigned short c) { return c == ' ' || (c >= 9 && c <= 13); }
 };
 
 /// One instance of each capacity, in the library; every other user of the header links to it.

@@ -1,0 +1,201 @@
+#include "model/tasklinereader.h"
+
+#include "model/pathvariables.h"
+#include "shared/kvpath.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <optional>
+
+namespace {
+
+using Path = _kvString8_allSize<500>;
+
+/// One trimmed field, a view into the line.
+struct Field
+{
+    const unsigned short* text;
+    int length;
+
+    bool is(const char* keyword) const
+    {
+        return length == kvdetail::textLength(keyword) && kvdetail::sameText(text, keyword, length);
+    }
+};
+
+/// Takes the fields of a line one by one. A line with too few of them ends in empty ones.
+class FieldReader
+{
+public:
+    explicit FieldReader(const _kvString<1000>& line)
+        : m_line(line)
+    {}
+
+    Field next()
+    {
+        const int found = m_line.indexOf(';', m_position);
+        int end = found < 0 ? m_line.length : found;
+        int start = m_position;
+        m_position = std::min(end + 1, int(m_line.length));
+        while (start < end && kvdetail::isWhiteSpace(m_line.text[start]))
+            ++start;
+        while (end > start && kvdetail::isWhiteSpace(m_line.text[end - 1]))
+            --end;
+        m_last = {++m_count, start, end - start};
+        return {m_line.text + start, end - start};
+    }
+
+    /// The field taken last.
+    const TaskLineProblem& last() const { return m_last; }
+
+private:
+    const _kvString<1000>& m_line;
+    int m_position = 0;
+    int m_count = 0;
+    TaskLineProblem m_last;
+};
+
+/// The low byte of each character gives back what the writer sign-extended. A text ends at its
+/// first zero.
+void narrow(Path& path, const unsigned short* text, int length)
+{
+    path.clear();
+    for (int i = 0; i < length && text[i] != 0; ++i)
+        path.addChar(static_cast<char>(text[i] & 0xFF));
+}
+
+std::optional<IoMethod> methodOf(const Field& field)
+{
+    if (field.is("Stream"))
+        return IoMethod::Stream;
+    if (field.is("AnsiC"))
+        return IoMethod::AnsiC;
+    if (field.is("Posix"))
+        return IoMethod::Posix;
+    if (field.is("System"))
+        return IoMethod::System;
+    // "WinApi" is written but not read: such tasks do not come back.
+    return std::nullopt;
+}
+
+bool isTrue(const Field& field, const char* keyword)
+{
+    return field.is(keyword) || field.is("true") || field.is("1");
+}
+
+/// An empty field and a lone "-" count as 0.
+std::optional<std::int32_t> numberOf(const Field& field)
+{
+    constexpr int longestNumber = 249;
+    char digits[longestNumber + 1] = {};
+    for (int i = 0; i < field.length; ++i) {
+        const unsigned short c = field.text[i];
+        if (!kvIsDigit(c) && !(i == 0 && c == '-'))
+            return std::nullopt;
+        if (i < longestNumber)
+            digits[i] = static_cast<char>(c);
+    }
+    return static_cast<std::int32_t>(std::strtol(digits, nullptr, 10));
+}
+
+/// Reads the six numbers; `set` gets 0 for a text that is no number, which ends the reading.
+template <class Set>
+bool readNumber(FieldReader& fields, const Set& set)
+{
+    const std::optional<std::int32_t> number = numberOf(fields.next());
+    set(number.value_or(0));
+    return number.has_value();
+}
+
+bool readNumbers(TestTask& task, FieldReader& fields)
+{
+    constexpr std::int32_t largestSysBufferMode = 5;
+    _fileGLobal& io = task.io;
+    return readNumber(fields, [&](std::int32_t ms) { task.setChunkWait(ms); }) &&
+           readNumber(fields, [&](std::int32_t kib) { task.setChunkSize(bytesFromKib(kib)); }) &&
+           readNumber(fields,
+                      [&](std::int32_t mode) {
+                          io.sysBufferMode = std::min(mode, largestSysBufferMode);
+                      }) &&
+           readNumber(fields, [&](std::int32_t kib) { io.fileSize = bytesFromKib(kib); }) &&
+           readNumber(fields, [&](std::int32_t count) { task.iterations = count; }) &&
+           readNumber(fields, [&](std::int32_t mode) { io.cacheMode = mode; });
+}
+
+void readPath(Path& path, FieldReader& fields)
+{
+    const Field field = fields.next();
+    narrow(path, field.text, field.length);
+}
+
+void makeAbsolute(Path& path, const Path& folder)
+{
+    if (!isRelativePath(path))
+        return;
+    Path absolute = folder;
+    absolute.add(path);
+    path = absolute;
+}
+
+void readPaths(TestTask& task, FieldReader& fields, const Path& folder)
+{
+    Path* const paths[] = {&task.sourcePath, &task.destPath, &task.logPath, &task.csvPath};
+    for (Path* path : paths)
+        readPath(*path, fields);
+    for (Path* path : {&task.sourcePath, &task.destPath}) {
+        if (path->isEqual("MEMORY"))
+            path->clear();
+    }
+    for (Path* path : paths)
+        *path = kvConvertPDToOS(*path);
+    for (Path* path : {&task.sourcePath, &task.destPath}) {
+        if (path->hasData())
+            makeAbsolute(*path, folder);
+    }
+    // An empty log or .csv path becomes the folder itself.
+    makeAbsolute(task.logPath, folder);
+    makeAbsolute(task.csvPath, folder);
+
+    task.logPathAsRead = task.logPath;
+    task.csvPathAsRead = task.csvPath;
+    task.sourcePathAsRead = task.sourcePath;
+    task.destPathAsRead = task.destPath;
+}
+
+void readMarker(TestTask& task, const _kvString<1000>& line)
+{
+    task.waitForNextConfig = true;
+    narrow(task.sourcePath, line.text, line.length);
+    task.sourcePath = kvConvertPDToOS(replaceFileVariables8(task, task.sourcePath, 0, 0, false));
+}
+
+} // namespace
+
+bool readTaskLine(TestTask& task, const _kvString<1000>& line, const Path& configPath,
+                  TaskLineProblem* problem)
+{
+    task.configPath = configPath;
+    task.lineText = line;
+    if (line.endsWith(".dpc")) {
+        readMarker(task, line);
+        return true;
+    }
+
+    task.waitForNextConfig = false;
+    FieldReader fields(line);
+    const std::optional<IoMethod> method = methodOf(fields.next());
+    if (method) {
+        task.method = *method;
+        task.io.flush = isTrue(fields.next(), "flush");
+        task.io.preallocate = isTrue(fields.next(), "prealloc");
+    }
+    if (!method || !readNumbers(task, fields)) {
+        if (problem != nullptr)
+            *problem = fields.last();
+        return false;
+    }
+    readPaths(task, fields, kvGetDirName(configPath));
+    task.writeDone = fields.next().is("true");
+    task.normalise();
+    return true;
+}
