@@ -41,7 +41,8 @@ void TestMessageText::showsShortTextsWholeWithOneMoreLineFeed_data()
     QTest::newRow("one line") << QStringLiteral("Nothing special");
     QTest::newRow("line feed at the end") << QStringLiteral("closed\n");
     for (const int lineFeeds : {44, 45})
-        QTest::addRow("%d line feeds", lineFeeds) << numberedLines(lineFeeds).join('\n');
+        QTest::newRow(qPrintable(QString::number(lineFeeds)))
+            << numberedLines(lineFeeds).join('\n');
 }
 
 void TestMessageText::showsShortTextsWholeWithOneMoreLineFeed()

@@ -15,7 +15,6 @@ class TestDialogAnswer : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
     void answersDialogsInOrder();
     void answersADialogThatAnAnswerOpens();
     void failsWhereAPlannedDialogNeverCame();
@@ -26,20 +25,17 @@ private slots:
     void answersTheQuestionToOverwrite();
     void typesTheNameOfAFileToOpen();
     void cancelsAFileDialog();
-
-private:
-    DialogAnswers::Fail note()
-    {
-        return [this](const char* reason) { failures_ << QString::fromLatin1(reason); };
-    }
-
-    QStringList failures_;
 };
 
-void TestDialogAnswer::init()
+namespace {
+
+/// Writes failures down instead of letting the test fail.
+DialogAnswers::Fail noteIn(QStringList& failures)
 {
-    failures_.clear();
+    return [&failures](const char* reason) { failures << QString::fromLatin1(reason); };
 }
+
+} // namespace
 
 void TestDialogAnswer::answersDialogsInOrder()
 {
@@ -71,42 +67,46 @@ void TestDialogAnswer::answersADialogThatAnAnswerOpens()
 
 void TestDialogAnswer::failsWhereAPlannedDialogNeverCame()
 {
+    QStringList failures;
     {
-        DialogAnswers answers(5s, note());
+        DialogAnswers answers(5s, noteIn(failures));
         answers.answerNext(cancelDialog());
     }
-    QCOMPARE(failures_, QStringList{"a dialog that the test waits for never came"});
+    QCOMPARE(failures, QStringList{"a dialog that the test waits for never came"});
 }
 
 void TestDialogAnswer::failsAndClosesADialogThatNobodyPlanned()
 {
+    QStringList failures;
     {
-        DialogAnswers answers(5s, note());
+        DialogAnswers answers(5s, noteIn(failures));
         QDialog dialog;
         QCOMPARE(dialog.exec(), int(QDialog::Rejected));
         QCOMPARE(answers.answered(), 0);
     }
-    QCOMPARE(failures_, QStringList{"a dialog came that the test did not expect"});
+    QCOMPARE(failures, QStringList{"a dialog came that the test did not expect"});
 }
 
 void TestDialogAnswer::failsAndClosesADialogThatStaysOpen()
 {
+    QStringList failures;
     {
-        DialogAnswers answers(200ms, note());
+        DialogAnswers answers(200ms, noteIn(failures));
         answers.answerNext([](QDialog& /*dialog*/) {});
         QDialog dialog;
         QCOMPARE(dialog.exec(), int(QDialog::Rejected));
     }
-    QCOMPARE(failures_, QStringList{"a dialog stayed open after its answer"});
+    QCOMPARE(failures, QStringList{"a dialog stayed open after its answer"});
 }
 
 void TestDialogAnswer::keepsQuietWhereNothingIsPlannedAndNothingComes()
 {
+    QStringList failures;
     {
-        const DialogAnswers answers(5s, note());
+        const DialogAnswers answers(5s, noteIn(failures));
         QTest::qWait(50);
     }
-    QCOMPARE(failures_, QStringList());
+    QCOMPARE(failures, QStringList());
 }
 
 void TestDialogAnswer::typesANewNameToSave()
