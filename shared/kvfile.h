@@ -15,13 +15,16 @@ KVSHARED_EXPORT bool kvFileExists(const _kvString<500>& file);
 /// afterwards.
 KVSHARED_EXPORT bool kvCreateFolder(const QString& folder, bool parents);
 
-/// The system's folder for temporary files (TMPDIR or /tmp), without a separator at the end.
+/// The system's folder for temporary files, without a separator at the end: TMPDIR if it is a
+/// folder, else /tmp.
 KVSHARED_EXPORT _kvString8_allSize<500> kvGetTempDir();
 
 /// Replaces the content of a file, whole or not at all: a reader sees the old content or the new
-/// one, at every moment and also after a crash. Missing folders are made. Links are followed and
-/// permissions stay. Nothing happens, and nothing is left behind, where the file can't be written
-/// whole (full disk, no rights) or where the name belongs to something that is no regular file.
+/// one, at every moment and also after a crash. Missing folders are made. Links are followed, and
+/// permissions, owner and group stay, as far as the user may set them. The file keeps its content
+/// where it can't be written whole (full disk, no rights) or where the name belongs to something
+/// that is no regular file; no temporary file is left behind then, only after a crash.
+/// Another name of the same file, a hard link, keeps the old content.
 /// The two flags belong to the interface; every caller passes true and false.
 KVSHARED_EXPORT void writeToLogFile(const _kvString8_allSize<250>& file,
                                     const _kvString8_allSize<5000>& text, bool, bool);

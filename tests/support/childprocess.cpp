@@ -1,0 +1,60 @@
+#include "tests/support/childprocess.h"
+
+#include <QtGlobal>
+
+#include <cerrno>
+#include <cstdlib>
+#include <grp.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace test {
+
+namespace {
+
+void giveUpRights(gid_t group)
+{
+    if (::geteuid() != 0)
+        return;
+    if (::setgroups(1, &group) != 0 || ::setgid(nobody) != 0 || ::setuid(nobody) != 0)
+        ::abort();
+}
+
+} // namespace
+
+pid_t startChild(const std::function<void()>& work)
+{
+    const pid_t child = ::fork();
+    if (child < 0)
+        qFatal("can't start a child process");
+    if (child > 0)
+        return child;
+    ::alarm(childSeconds);
+    work();
+    ::_exit(EXIT_SUCCESS);
+}
+
+bool endedWell(pid_t child)
+{
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0) {
+        if (errno != EINTR)
+            return false;
+    }
+    return WIFEXITED(status) && WEXITSTATUS(status) == EXIT_SUCCESS;
+}
+
+bool runInChild(const std::function<void()>& work)
+{
+    return endedWell(startChild(work));
+}
+
+bool runWithoutRights(const std::function<void()>& work, gid_t group)
+{
+    return runInChild([&] {
+        giveUpRights(group);
+        work();
+    });
+}
+
+} // namespace test

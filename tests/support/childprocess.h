@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+#include <sys/types.h>
+
+// Work that may hang, die or give up rights is done in a child process. A plain fork is enough and
+// costs a millisecond: the child needs no start of its own and no sanitizer in the right order.
+
+namespace test {
+
+/// No child outlives this; one that hangs dies of SIGALRM.
+constexpr unsigned childSeconds = 60;
+
+/// Starts a child that does the work and ends without the destructors and exit handlers of the
+/// test program.
+pid_t startChild(const std::function<void()>& work);
+
+/// True if the child ended on its own and well.
+bool endedWell(pid_t child);
+
+/// Both in one.
+bool runInChild(const std::function<void()>& work);
+
+constexpr gid_t nobody = 65534;
+
+/// The same by a user who may write only what everybody may, or the given group. Root becomes
+/// "nobody" for it, because the system checks no permissions for root.
+bool runWithoutRights(const std::function<void()>& work, gid_t group = nobody);
+
+} // namespace test

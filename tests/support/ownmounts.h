@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+// Small file systems in memory, for disks that run full. They are mounted in a mount namespace of
+// the test's own, so that they are gone when the test ends, in whatever way.
+
+namespace test {
+
+/// Must come first in main(), while there is one thread. Root needs only a mount namespace; other
+/// users get a user namespace as well, where the system lets them. Ends the program with a clear
+/// sentence where mounting is not permitted: a test that can't run has not passed.
+void allowMounts();
+
+/// A tmpfs with mount options such as "size=64k,nr_inodes=20", mounted over a folder for as long
+/// as the object lives.
+class SmallDisk
+{
+public:
+    SmallDisk(const QString& folder, const QByteArray& options);
+    ~SmallDisk();
+    Q_DISABLE_COPY_MOVE(SmallDisk)
+
+private:
+    QByteArray folder_;
+};
+
+/// Takes the right to write from a mounted disk.
+bool mountForReading(const QString& folder);
+
+} // namespace test
