@@ -1,5 +1,4 @@
-#ifndef DIALOGS_KVMESSAGEBOX_H
-#define DIALOGS_KVMESSAGEBOX_H
+#pragma once
 
 #include <QDialog>
 #include <QString>
@@ -105,5 +104,3 @@ private:
     bool* cancelled;                  ///< the caller's flag, or null
     std::int32_t countdown;           ///< seconds left
 };
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef DIALOGS_MESSAGETEXT_H
-#define DIALOGS_MESSAGETEXT_H
+#pragma once
 
 #include <QString>
 
@@ -21,5 +20,3 @@ struct ShortcutKeys
 /// character, an "&" in front passed over, in lower case. Equal letters could not tell the buttons
 /// apart, so that neither button gets one then.
 ShortcutKeys shortcutKeys(const QString& firstButtonText, const QString& secondButtonText);
-
-#endif

@@ -5,7 +5,6 @@
 namespace {
 
 constexpr std::int32_t largestFileSize = 1073741824; // 1 GiB, the limit that the form announces
-constexpr std::int64_t largestCreatedFile = 2147483600;
 
 bool isMemory(const _kvString8_allSize<500>& path)
 {
@@ -90,7 +89,7 @@ void TestTask::setFileCreation(const _kvString8_allSize<500>& path, std::int64_t
     destPath = path;
     io.preallocate = false;
     io.flush = false;
-    io.fileSize = static_cast<std::int32_t>(std::min(bytes, largestCreatedFile));
+    io.fileSize = static_cast<std::int32_t>(std::min<std::int64_t>(bytes, largestTaskFile));
     io.sysBufferMode = -1;
     setChunkWait(0);
     setChunkSize(0);

@@ -1,5 +1,4 @@
-#ifndef TESTS_SUPPORT_DIALOGANSWER_H
-#define TESTS_SUPPORT_DIALOGANSWER_H
+#pragma once
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -167,5 +166,3 @@ inline DialogAnswers::Answer cancelDialog()
 {
     return [](QDialog& dialog) { pressKey(dialog, Qt::Key_Escape); };
 }
-
-#endif

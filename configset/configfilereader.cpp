@@ -1,0 +1,50 @@
+#include "configset/configfilereader.h"
+
+#include "shared/kvtext.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+ConfigFileReader::ConfigFileReader(const _kvString8_allSize<500>& path)
+    : m_file(kvToQString(path))
+{
+    if (QFileInfo(m_file.fileName()).isFile())
+        m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+}
+
+bool ConfigFileReader::readLine(_kvString<1000>& line)
+{
+    line.clear();
+    m_lineLength = 0;
+    bool reachedZero = false;
+    while (m_position < m_end || fillBuffer()) {
+        const char* const start = m_buffer + m_position;
+        const char* const bufferEnd = m_buffer + m_end;
+        const char* const lineEnd = std::find(start, bufferEnd, '\n');
+        if (!reachedZero) {
+            const char* const textEnd = std::find(start, lineEnd, '\0');
+            line.add(start, static_cast<int>(textEnd - start));
+            reachedZero = textEnd != lineEnd;
+        }
+        m_lineLength += lineEnd - start;
+        m_position = static_cast<int>(lineEnd - m_buffer);
+        if (lineEnd != bufferEnd) {
+            ++m_position;
+            ++m_lineNumber;
+            return true;
+        }
+    }
+    m_lineNumber += m_lineLength > 0 ? 1 : 0;
+    return m_lineLength > 0;
+}
+
+bool ConfigFileReader::fillBuffer()
+{
+    const qint64 wanted = std::min<qint64>(sizeof m_buffer, largestFile - m_bytesRead);
+    const qint64 count = m_file.isOpen() && wanted > 0 ? m_file.read(m_buffer, wanted) : 0;
+    m_position = 0;
+    m_end = static_cast<int>(std::max<qint64>(count, 0));
+    m_bytesRead += m_end;
+    return m_end > 0;
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "shared/kvstring16.h"
+#include "shared/kvstring8.h"
+
+#include <QFile>
+
+/// Reads a config file line by line, in bounded time and memory whatever the file holds.
+///
+/// Only a regular file is read: a FIFO or a device behind the name would keep the caller waiting
+/// for ever, and counts as a file that can't be opened. Bytes are Latin-1. A line ends at its
+/// first zero byte and is cut at 1000 characters; a file is cut at 64 MiB, which is more than
+/// twelve thousand times what the editor writes.
+class ConfigFileReader
+{
+public:
+    static constexpr qint64 largestFile = 64 * 1024 * 1024; ///< bytes
+
+    /// Opens the file; the name is Latin-1 like every text of a task.
+    explicit ConfigFileReader(const _kvString8_allSize<500>& path);
+
+    bool isOpen() const { return m_file.isOpen(); }
+
+    /// Reads up to the next "\n" or the end of the file; false where nothing is left.
+    bool readLine(_kvString<1000>& line);
+
+    int lineNumber() const { return m_lineNumber; }    ///< of the last line, from 1
+    qint64 lineLength() const { return m_lineLength; } ///< bytes of the last line, uncut
+    bool fileWasCut() const { return m_bytesRead >= largestFile; }
+
+private:
+    bool fillBuffer();
+
+    QFile m_file;
+    char m_buffer[16384] = {};
+    int m_position = 0;
+    int m_end = 0;
+    int m_lineNumber = 0;
+    qint64 m_lineLength = 0;
+    qint64 m_bytesRead = 0;
+};
