@@ -144,6 +144,7 @@ void TestKvMessageBox::focusesTheFirstButton()
     settings.second = "Abort";
     settings.cancelled = &cancelled;
     const auto box = makeMessage(settings);
+    QCOMPARE(box->focusWidget(), MessageParts(*box).button1);
     box->show();
     box->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(box.get()));
