@@ -1,0 +1,251 @@
+#include "tests/ui/cuttexts.h"
+#include "ui/fittexts.h"
+
+#include <QTest>
+
+namespace {
+
+QSize screenSize()
+{
+    return QGuiApplication::primaryScreen()->availableSize();
+}
+
+// Two columns of texts that fit into the smallest screen that tests run on. The group box hides
+// from the layouts what its texts need, as a minimum width of one's own does.
+class SmallWindow : public QMainWindow
+{
+public:
+    SmallWindow()
+    {
+        setCentralWidget(new QWidget);
+        auto* row = new QHBoxLayout(centralWidget());
+        m_left = addLabel(*row);
+        auto* right = new QVBoxLayout;
+        row->addLayout(right);
+        m_right = addLabel(*right);
+        auto* box = new QGroupBox("A box");
+        box->setObjectName("box");
+        box->setMinimumWidth(50);
+        right->addWidget(box);
+        auto* inBox = new QVBoxLayout(box);
+        m_check = new QCheckBox("A check box that cannot wrap");
+        m_check->setObjectName("check");
+        inBox->addWidget(m_check);
+        right->addSpacerItem(new QSpacerItem(0, 100, QSizePolicy::Minimum, QSizePolicy::Expanding));
+        resize(firstSize());
+        fitTexts(*this);
+    }
+
+    static QSize firstSize() { return {120, 90}; }
+    static QString words(int count) { return QString("some words ").repeated(count).trimmed(); }
+
+    QLabel& left() { return *m_left; }
+    QLabel& right() { return *m_right; }
+    QCheckBox& check() { return *m_check; }
+
+private:
+    static QLabel* addLabel(QBoxLayout& layout)
+    {
+        auto* label = new QLabel(words(10));
+        label->setObjectName("label");
+        label->setWordWrap(true);
+        layout.addWidget(label);
+        return label;
+    }
+
+    QLabel* m_left = nullptr;
+    QLabel* m_right = nullptr;
+    QCheckBox* m_check = nullptr;
+};
+
+} // namespace
+
+class TestFitTexts : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void windowThatIsNotShownKeepsItsSize();
+    void windowOpensWithEveryTextWhole();
+    void windowThatIsLargeEnoughKeepsItsSize();
+    void windowLargerThanTheScreenIsNotMadeSmaller();
+    void windowNeverGrowsBeyondTheScreen();
+    void windowOnALowScreenOpensWider();
+    void leastSizeKeepsEveryTextWhole();
+    void leastHeightFallsAsTheWindowWidens();
+    void leastSizeFollowsTheFont();
+    void leastSizeFollowsTheTexts();
+    void spacersGiveWayToTexts();
+    void maximizedWindowStaysMaximized();
+    void windowIsFittedOnlyAtItsFirstShow();
+};
+
+// The same on every platform, whatever its own font is.
+void TestFitTexts::initTestCase()
+{
+    QFont font = QApplication::font();
+    font.setPixelSize(7);
+    QApplication::setFont(font);
+}
+
+void TestFitTexts::windowThatIsNotShownKeepsItsSize()
+{
+    SmallWindow window;
+    window.ensurePolished();
+    window.layout()->activate();
+    QCoreApplication::processEvents();
+    QCOMPARE(window.size(), SmallWindow::firstSize());
+}
+
+void TestFitTexts::windowOpensWithEveryTextWhole()
+{
+    SmallWindow window;
+    window.show();
+    QCOMPARE(cutTexts(window), QStringList());
+    QVERIFY(window.width() > SmallWindow::firstSize().width());
+    QVERIFY(window.height() > SmallWindow::firstSize().height());
+}
+
+void TestFitTexts::windowThatIsLargeEnoughKeepsItsSize()
+{
+    SmallWindow window;
+    window.resize(700, 600);
+    window.show();
+    QCoreApplication::processEvents();
+    QCOMPARE(window.size(), QSize(700, 600));
+    QCOMPARE(cutTexts(window), QStringList());
+}
+
+void TestFitTexts::windowLargerThanTheScreenIsNotMadeSmaller()
+{
+    SmallWindow window;
+    const QSize large = screenSize() + QSize(300, 200);
+    window.resize(large);
+    window.show();
+    QCoreApplication::processEvents();
+    QCOMPARE(window.size(), large);
+}
+
+void TestFitTexts::windowNeverGrowsBeyondTheScreen()
+{
+    SmallWindow window;
+    window.left().setText(SmallWindow::words(4000));
+    window.check().setText(SmallWindow::words(400));
+    window.show();
+    QCoreApplication::processEvents();
+    QCOMPARE(window.size(), window.size().boundedTo(screenSize()));
+    // All of it, but for the frame.
+    QVERIFY(window.width() > screenSize().width() - 50);
+    QVERIFY(window.height() > screenSize().height() - 50);
+}
+
+void TestFitTexts::windowOnALowScreenOpensWider()
+{
+    SmallWindow window;
+    // Too much for the screen's height in a column that is as wide as the label prefers.
+    QLabel& label = window.left();
+    while (label.heightForWidth(label.sizeHint().width()) < screenSize().height())
+        label.setText(label.text() + ' ' + SmallWindow::words(10));
+    window.show();
+    QVERIFY(window.width() > window.minimumWidth());
+    QCOMPARE(window.size(), window.size().boundedTo(screenSize()));
+    QCOMPARE(cutTexts(window), QStringList());
+}
+
+void TestFitTexts::leastSizeKeepsEveryTextWhole()
+{
+    SmallWindow window;
+    window.show();
+    for (const QSize size : {QSize(1, 1), QSize(600, 1), QSize(1, 600), QSize(350, 120)}) {
+        window.resize(size);
+        QCOMPARE(window.size(), window.size().expandedTo(size));
+        QCOMPARE(cutTexts(window), QStringList());
+        QCoreApplication::processEvents();
+        QCOMPARE(cutTexts(window), QStringList());
+    }
+}
+
+void TestFitTexts::leastHeightFallsAsTheWindowWidens()
+{
+    SmallWindow window;
+    window.left().setText(SmallWindow::words(60));
+    window.show();
+    window.resize(1, 1);
+    const int narrow = window.minimumHeight();
+    QCOMPARE(window.height(), narrow);
+    window.resize(screenSize().width() - 50, narrow);
+    const int wide = window.minimumHeight();
+    QVERIFY(wide < narrow);
+    window.resize(window.width(), 1);
+    QCOMPARE(window.height(), wide);
+    window.resize(1, 1);
+    QCOMPARE(window.height(), narrow);
+}
+
+void TestFitTexts::leastSizeFollowsTheFont()
+{
+    SmallWindow window;
+    window.show();
+    window.resize(1, 1);
+    const QSize before = window.size();
+    const QFont font = window.font();
+    QFont larger = font;
+    larger.setPixelSize(10);
+    window.setFont(larger);
+    QTRY_VERIFY(window.width() > before.width() && window.height() > before.height());
+    QTRY_COMPARE(cutTexts(window), QStringList());
+    window.setFont(font);
+    QTRY_COMPARE(window.minimumWidth(), before.width());
+    window.resize(1, 1);
+    QCOMPARE(window.size(), before);
+}
+
+void TestFitTexts::leastSizeFollowsTheTexts()
+{
+    SmallWindow window;
+    window.show();
+    window.resize(1, 1);
+    const QSize before = window.size();
+    window.right().setText(SmallWindow::words(5).replace(' ', '\n').repeated(3));
+    QTRY_VERIFY(window.height() > before.height());
+    QTRY_COMPARE(cutTexts(window), QStringList());
+    window.check().setText(SmallWindow::words(5));
+    QTRY_VERIFY(window.width() > before.width());
+    QTRY_COMPARE(cutTexts(window), QStringList());
+}
+
+void TestFitTexts::spacersGiveWayToTexts()
+{
+    SmallWindow window;
+    window.left().hide();
+    window.show();
+    window.resize(1, 1);
+    const QWidget& box = *window.check().parentWidget();
+    QVERIFY(window.height() - box.geometry().bottom() < 50);
+}
+
+void TestFitTexts::maximizedWindowStaysMaximized()
+{
+    SmallWindow window;
+    window.left().setText(SmallWindow::words(4000));
+    window.showMaximized();
+    QVERIFY(window.isMaximized());
+}
+
+void TestFitTexts::windowIsFittedOnlyAtItsFirstShow()
+{
+    SmallWindow window;
+    window.left().setText(SmallWindow::words(4000));
+    window.show();
+    window.resize(1, 1);
+    const QSize chosen = window.size();
+    QVERIFY(chosen.width() < screenSize().width() / 2 + 300);
+    window.hide();
+    window.show();
+    QCOMPARE(window.size(), chosen);
+}
+
+QTEST_MAIN(TestFitTexts)
+
+#include "tst_fittexts.moc"
