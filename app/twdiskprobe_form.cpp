@@ -1,0 +1,271 @@
+#include "app/twdiskprobe.h"
+
+#include "shared/kvpath.h"
+#include "shared/kvtext.h"
+
+#include <QScopedValueRollback>
+
+#include <algorithm>
+
+// The form: what it shows of a task, what it makes of one, and how it keeps itself consistent.
+
+namespace {
+
+enum MethodIndex
+{
+    Posix,
+    SystemCopy,
+    Stream,
+    AnsiC,
+    WinApi
+};
+enum TypeIndex
+{
+    Copy,
+    Write,
+    Read
+};
+
+struct BufferChoice
+{
+    const char* text;
+    int mode; ///< the item's data, and the task's system buffer mode
+};
+
+QVector<BufferChoice> bufferChoices(int method)
+{
+    switch (method) {
+    case Posix:
+        return {{"default", -1}, {"Linux only - use POSIX_FADV_SEQUENTIAL flag", 1}};
+    case SystemCopy:
+        return {{"default", -1}};
+    case Stream:
+        return {{"default", -1}, {"disable buffer", 0}, {"use same size as chunk size", 1}};
+    case AnsiC:
+        // The second "default" is meant: people know the list with four entries.
+        return {{"default", -1},
+                {"default", -1},
+                {"disable buffer", 0},
+                {"use same size as chunk size", 1}};
+    case WinApi:
+        return {{"default", -1},
+                {"FILE_FLAG_WRITE_THROUGH", 0},
+                {"FILE_FLAG_SEQUENTIAL_SCAN", 1},
+                {" FILE_FLAG_WRITE_THROUGH + FILE_FLAG_SEQUENTIAL_SCAN", 2}};
+    default:
+        return {};
+    }
+}
+
+QString mebibytes(int kib, int precision)
+{
+    constexpr float mibPerKib = 0.0009765625F;
+    const double mib = static_cast<float>(kib) * mibPerKib;
+    return QStringLiteral("%1 MiB").arg(mib, 0, 'f', precision);
+}
+
+_kvString8_allSize<500> textOf(const QLineEdit* edit)
+{
+    return kvToString8<500>(edit->text());
+}
+
+void toLinuxNotation(_kvString8_allSize<500>& path)
+{
+    path = kvToString8<500>(kvConvertPDToOS(kvToQString(path), _kvOS::Linux));
+}
+
+QString toOsPath(const QString& path)
+{
+    return kvConvertPDToOS(path);
+}
+
+/// Several machines may run the test: each gets a log of its own.
+QString logFileOfEachHost(const QString& file)
+{
+    if (file.contains(QLatin1String("[host]"), Qt::CaseInsensitive))
+        return file;
+    return kvGetDirNameAutoPD(file) + kvGetFileNameBase(file, '/') + "_[host].txt";
+}
+
+} // namespace
+
+void twDiskProbe::loadTaskIntoForm(const TestTask& task)
+{
+    if (task.waitForNextConfig) {
+        ui.radioNextConfig->setChecked(true);
+        return;
+    }
+    // The method comes before the test type, which it may force, and the system buffer after both
+    // have refilled its choices.
+    ui.radioNewTest->setChecked(true);
+    ui.comboMethod->setCurrentIndex(static_cast<int>(task.method));
+    ui.comboTestType->setCurrentIndex(static_cast<int>(task.testType()));
+    ui.editSource->setText(kvToQString(task.sourcePath));
+    ui.editDest->setText(kvToQString(task.destPath));
+    ui.editExcel->setText(kvToQString(task.csvPath));
+    ui.editLog->setText(kvToQString(task.logPath));
+    ui.spinFileSize->setValue(kibFromBytes(task.io.fileSize));
+    ui.spinIterations->setValue(task.iterations);
+    ui.checkNoChunks->setChecked(task.io.chunkSize == 0);
+    ui.spinChunkSize->setValue(kibFromBytes(task.io.chunkSize));
+    ui.checkFlush->setChecked(task.io.flush);
+    ui.spinChunkWait->setValue(task.io.chunkWait);
+    const int buffer = ui.comboSystemBuffer->findData(task.io.sysBufferMode);
+    if (buffer >= 0)
+        ui.comboSystemBuffer->setCurrentIndex(buffer);
+    ui.checkPreallocate->setChecked(task.io.preallocate);
+    ui.comboCacheMode->setCurrentIndex(task.io.cacheMode);
+    ui.checkWriteDone->setChecked(task.writeDone);
+}
+
+TestTask twDiskProbe::taskFromForm() const
+{
+    TestTask task;
+    task.lineText.clear();
+    if (ui.radioNextConfig->isChecked()) {
+        task.waitForNextConfig = true;
+        return task;
+    }
+    task.waitForNextConfig = false;
+    task.method = static_cast<IoMethod>(ui.comboMethod->currentIndex());
+    setPathsFromForm(task);
+    task.iterations = ui.spinIterations->value();
+    task.setChunkSize(ui.checkNoChunks->isChecked() ? 0 : bytesFromKib(ui.spinChunkSize->value()));
+    task.io.flush = ui.checkFlush->isChecked();
+    task.setChunkWait(ui.spinChunkWait->value());
+    task.io.preallocate = ui.checkPreallocate->isChecked();
+    task.io.cacheMode = ui.comboCacheMode->currentIndex();
+    task.writeDone = ui.checkWriteDone->isChecked();
+    task.io.sysBufferMode = ui.comboSystemBuffer->currentData().toInt();
+    return task;
+}
+
+void twDiskProbe::setPathsFromForm(TestTask& task) const
+{
+    const int type = ui.comboTestType->currentIndex();
+    if (type == Copy || type == Read)
+        task.sourcePath = textOf(ui.editSource);
+    if (type == Copy || type == Write)
+        task.destPath = textOf(ui.editDest);
+    if (type >= Copy && type <= Read)
+        task.io.fileSize = std::min(bytesFromKib(ui.spinFileSize->value()), largestTaskFile);
+    task.csvPath = textOf(ui.editExcel);
+    task.logPath = textOf(ui.editLog);
+    for (auto* path : {&task.sourcePath, &task.destPath, &task.csvPath, &task.logPath})
+        toLinuxNotation(*path);
+}
+
+void twDiskProbe::updateControlStates()
+{
+    if (formUpdating)
+        return;
+    const QScopedValueRollback<bool> guard(formUpdating, true);
+
+    ui.comboTestType->setEnabled(true);
+    ui.comboSystemBuffer->clear();
+    const bool methodPreallocates = applyMethod(ui.comboMethod->currentIndex());
+
+    const int type = ui.comboTestType->currentIndex();
+    const bool chunks = !ui.checkNoChunks->isChecked();
+    ui.spinChunkSize->setEnabled(chunks);
+    ui.checkFlush->setEnabled(chunks && type != Read);
+    ui.spinChunkWait->setEnabled(chunks);
+    ui.label_FileSizeNotice->setVisible(type != Write);
+    ui.editSource->setEnabled(type != Write);
+    ui.editDest->setEnabled(type != Read);
+    ui.checkPreallocate->setEnabled(methodPreallocates && type != Read);
+}
+
+bool twDiskProbe::applyMethod(int method)
+{
+    const bool known = method >= Posix && method <= WinApi;
+    if (known)
+        ui.comboSystemBuffer->setEnabled(method != SystemCopy);
+    if (method == SystemCopy) {
+        ui.comboTestType->setCurrentIndex(Copy);
+        ui.comboTestType->setEnabled(false);
+    }
+    fillSystemBuffer(method);
+
+    // These methods copy in chunks only; a system copy starts out without.
+    const bool copiesInChunks = (method == Posix || method == AnsiC || method == WinApi) &&
+                                ui.comboTestType->currentIndex() == Copy;
+    ui.checkNoChunks->setEnabled(!copiesInChunks);
+    if (copiesInChunks || method == SystemCopy)
+        ui.checkNoChunks->setChecked(method == SystemCopy);
+    return method == Posix || method == WinApi;
+}
+
+void twDiskProbe::fillSystemBuffer(int method)
+{
+    for (const BufferChoice& choice : bufferChoices(method))
+        ui.comboSystemBuffer->addItem(QString::fromLatin1(choice.text), choice.mode);
+}
+
+void twDiskProbe::on_comboTestType_currentIndexChanged(int /*index*/)
+{
+    updateControlStates();
+}
+
+void twDiskProbe::on_comboMethod_currentIndexChanged(int /*index*/)
+{
+    updateControlStates();
+}
+
+void twDiskProbe::on_checkNoChunks_toggled(bool /*checked*/)
+{
+    updateControlStates();
+}
+
+void twDiskProbe::on_spinFileSize_valueChanged(int value)
+{
+    ui.labelFileSizeMB->setText(mebibytes(value, 1));
+}
+
+void twDiskProbe::on_spinChunkSize_valueChanged(int value)
+{
+    // Chunks are small: one decimal would show most of them as zero.
+    ui.labelChunkSizeMB->setText(mebibytes(value, 3));
+}
+
+QString twDiskProbe::chooseFile(FileDialog dialog, const QLineEdit* edit, const QString& caption,
+                                const QString& filter)
+{
+    const QString start = edit->text().isEmpty() ? lastDirectory : edit->text();
+    const QString file = dialog(this, caption, start, filter, nullptr, {});
+    if (!file.isEmpty())
+        lastDirectory = kvGetDirNameAutoPD(file);
+    return file;
+}
+
+void twDiskProbe::on_buttonBrowseSource_clicked()
+{
+    const QString file = chooseFile(&QFileDialog::getOpenFileName, ui.editSource,
+                                    tr("Source File..."), tr("All Files (*)"));
+    if (!file.isEmpty())
+        ui.editSource->setText(toOsPath(file));
+}
+
+void twDiskProbe::on_buttonBrowseDest_clicked()
+{
+    const QString file = chooseFile(&QFileDialog::getSaveFileName, ui.editDest,
+                                    tr("Destination File..."), tr("All Files (*)"));
+    if (!file.isEmpty())
+        ui.editDest->setText(toOsPath(file));
+}
+
+void twDiskProbe::on_buttonBrowseLog_clicked()
+{
+    const QString file = chooseFile(&QFileDialog::getSaveFileName, ui.editLog, tr("Log File..."),
+                                    tr("Text Files (*.txt)"));
+    if (!file.isEmpty())
+        ui.editLog->setText(toOsPath(logFileOfEachHost(file)));
+}
+
+void twDiskProbe::on_buttonBrowseExcel_clicked()
+{
+    const QString file = chooseFile(&QFileDialog::getSaveFileName, ui.editExcel,
+                                    tr("Excel File..."), tr("Csv Files (*.csv)"));
+    if (!file.isEmpty())
+        ui.editExcel->setText(toOsPath(file));
+}
