@@ -124,8 +124,10 @@ bool writeWhole(const QByteArray& path, const Target& target, const char* text, 
     const int descriptor = ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     if (descriptor < 0)
         return false;
-    const bool whole = (!target.exists || takeRights(descriptor, target.status)) &&
-                       writeAll(descriptor, text, size) && syncToDisk(descriptor);
+    // A write takes the rights of a program away again, so they come after it.
+    const bool whole = writeAll(descriptor, text, size) &&
+                       (!target.exists || takeRights(descriptor, target.status)) &&
+                       syncToDisk(descriptor);
     // A network share may tell only now that there was no room.
     return ::close(descriptor) == 0 && whole;
 }
@@ -159,8 +161,11 @@ _kvString8_allSize<500> kvGetTempDir()
 void writeToLogFile(const _kvString8_allSize<250>& file, const _kvString8_allSize<5000>& text, bool,
                     bool)
 {
-    const QByteArray path = linkTarget(QFile::encodeName(kvToQString(file)));
-    if (path.isEmpty() || path.endsWith('/') || path.contains('\0'))
+    const QByteArray name = QFile::encodeName(kvToQString(file));
+    if (name.isEmpty() || name.contains('\0'))
+        return;
+    const QByteArray path = linkTarget(name);
+    if (path.endsWith('/'))
         return;
     const Target target = lookAt(path);
     const QByteArray folder = path.contains('/') ? folderOf(path) : QByteArrayLiteral("./");

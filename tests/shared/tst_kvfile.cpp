@@ -250,8 +250,10 @@ private slots:
         for (const char* name : {"", "file/below", "file/", "missing/", ".", "..", "/"})
             save(QString::fromLatin1(name), "x");
         save(QString(200, QChar(0xFC)), "x");
+        link("file", in("link"));
         save(QString::fromLatin1("file\0hidden", 11), "x");
-        QCOMPARE(entriesOf(in(".")), QStringList("file"));
+        save(QString::fromLatin1("link\0hidden", 11), "x");
+        QCOMPARE(entriesOf(in(".")), QStringList({"file", "link"}));
         QCOMPARE(contentOf(in("file")), QByteArray("kept"));
     }
 

