@@ -1,4 +1,5 @@
 #include "tests/app/editor.h"
+#include "tests/app/messages.h"
 #include "tests/support/files.h"
 #include "tests/support/tasks.h"
 
@@ -16,11 +17,8 @@ const QString savedText =
 
 QString messageIn(const QDialog& dialog)
 {
-    for (const QLabel* label : dialog.findChildren<QLabel*>()) {
-        if (!label->text().isEmpty() && !label->text().contains("CTRL-C"))
-            return label->text();
-    }
-    return {};
+    const QLabel* label = messageLabel(dialog);
+    return label != nullptr ? label->text() : QString();
 }
 
 } // namespace
