@@ -37,7 +37,6 @@ public:
 private:
     void open();
     void follow();
-    void settle();
     QSize available() const;
 
     QMainWindow& m_window;
@@ -81,22 +80,15 @@ void TextFitter::open()
         m_window.resize(width, m_window.height());
 }
 
-// Growing the least size also resizes a window that is smaller, and so comes back here: the second
-// time finds nothing more to grow.
+// The layouts have had the event before this filter, so the columns have their new widths. Growing
+// the least size also resizes a window that is smaller, and so comes back here at once, to find
+// nothing more to grow.
 void TextFitter::follow()
 {
     // Below its size hint a layout takes room from texts that cannot wrap. Its minimum size does
     // not tell: a group box with a minimum width of its own hides there what its texts need.
     m_window.setMinimumWidth(std::min(m_row.sizeHint().width(), available().width()));
-    settle();
     m_window.setMinimumHeight(std::min(leastRowHeight(m_row), available().height()));
-}
-
-// An event filter comes before the layouts, but the columns' widths are known only after them.
-void TextFitter::settle()
-{
-    m_window.layout()->activate();
-    m_window.layout()->setGeometry(m_window.rect());
 }
 
 // What the window manager's frame leaves of the screen. The frame is known only some time after the

@@ -9,6 +9,6 @@ class QMainWindow;
 /// From then on its least size follows what the layout needs: after resizing, and when font or
 /// texts change.
 ///
-/// The window never grows beyond the available part of its screen, and is never made smaller. Until
-/// it is shown its size stays untouched.
+/// The window never grows beyond the available part of its screen, where texts then stay cut, and
+/// is never made smaller. Until it is shown its size stays untouched.
 void fitTexts(QMainWindow& window);

@@ -133,6 +133,8 @@ void TestFitTexts::windowNeverGrowsBeyondTheScreen()
     window.left().setText(SmallWindow::words(4000));
     window.check().setText(SmallWindow::words(400));
     window.show();
+    const int titleBar = window.style()->pixelMetric(QStyle::PM_TitleBarHeight);
+    QCOMPARE(window.size(), window.size().boundedTo(screenSize() - QSize(0, titleBar)));
     QCoreApplication::processEvents();
     QCOMPARE(window.size(), window.size().boundedTo(screenSize()));
     // All of it, but for the frame.

@@ -31,7 +31,7 @@ QFont pixelFont(int pixels)
 
 } // namespace
 
-// The form, shown with its helper: no text is cut and nothing overlaps.
+// The form, shown with room for its texts: none is cut and nothing overlaps.
 class TestFormFits : public QObject
 {
     Q_OBJECT
