@@ -1,6 +1,5 @@
 #include "configset/filestocreate.h"
 
-#include "model/pathvariables.h"
 #include "shared/kvpath.h"
 #include "shared/kvtext.h"
 
@@ -9,17 +8,18 @@ namespace {
 const QString dummyName = QStringLiteral("dummyFile");
 
 QString expanded(_kvString<500> name, const TestTask& task, int taskNumber, int iteration,
-                 bool keepCfgPath)
+                 bool keepCfgPath, const MachineValues& machine)
 {
-    return kvToQString(replaceFileVariables(task, name, taskNumber, iteration, keepCfgPath));
+    return kvToQString(
+        replaceFileVariables(task, name, taskNumber, iteration, keepCfgPath, machine));
 }
 
 void collectFolder(FileToCreateList& list, const _kvString8_allSize<500>& path,
-                   const TestTask& task, int taskNumber)
+                   const TestTask& task, int taskNumber, const MachineValues& machine)
 {
     constexpr qint64 dummySize = 1;
     const QString folder = kvGetDirName(kvConvertPDToOS(kvToQString(path), _kvOS::Linux), '/');
-    collectFilesToCreate(list, folder + dummyName, dummySize, task, taskNumber);
+    collectFilesToCreate(list, folder + dummyName, dummySize, task, taskNumber, machine);
 }
 
 } // namespace
@@ -31,27 +31,28 @@ void FileToCreateList::append(const FileToCreate& file)
 }
 
 void collectFilesToCreate(FileToCreateList& list, const QString& name, qint64 size,
-                          const TestTask& task, const int& taskNumber)
+                          const TestTask& task, const int& taskNumber, const MachineValues& machine)
 {
     const auto wideName = kvToString16<500>(name);
     for (int iteration = 0; iteration < task.iterations; ++iteration) {
-        const QString text = expanded(wideName, task, taskNumber, iteration, true);
+        const QString text = expanded(wideName, task, taskNumber, iteration, true, machine);
         if (list.contains(text))
             continue;
-        const QString resolved = expanded(wideName, task, taskNumber, iteration, false);
+        const QString resolved = expanded(wideName, task, taskNumber, iteration, false, machine);
         list.append({text, resolved, size, name.endsWith(dummyName)});
     }
 }
 
-void collectFilesOfTask(FileToCreateList& list, const TestTask& task, int taskNumber)
+void collectFilesOfTask(FileToCreateList& list, const TestTask& task, int taskNumber,
+                        const MachineValues& machine)
 {
     if (task.sourcePath.hasData())
-        collectFilesToCreate(list, kvToQString(task.sourcePath), task.io.fileSize, task,
-                             taskNumber);
+        collectFilesToCreate(list, kvToQString(task.sourcePath), task.io.fileSize, task, taskNumber,
+                             machine);
     if (task.destPath.startsWith("[cfgPath]"))
-        collectFolder(list, task.destPath, task, taskNumber);
+        collectFolder(list, task.destPath, task, taskNumber, machine);
     if (task.logPath.hasData())
-        collectFolder(list, task.logPath, task, taskNumber);
+        collectFolder(list, task.logPath, task, taskNumber, machine);
     if (task.csvPath.hasData())
-        collectFolder(list, task.csvPath, task, taskNumber);
+        collectFolder(list, task.csvPath, task, taskNumber, machine);
 }

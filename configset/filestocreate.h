@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/testtask.h"
+#include "model/pathvariables.h"
 
 #include <QSet>
 #include <QString>
@@ -31,8 +31,10 @@ private:
 /// Adds the files that a name stands for, one for each iteration of the task (fewer where they have
 /// the same text), each of `size` bytes.
 void collectFilesToCreate(FileToCreateList& list, const QString& name, qint64 size,
-                          const TestTask& task, const int& taskNumber);
+                          const TestTask& task, const int& taskNumber,
+                          const MachineValues& machine = {});
 
 /// Adds all files that a task needs: its source, and a dummy in each folder that it writes to. A
 /// destination counts only below "[cfgPath]"; the folders of log and .csv files always count.
-void collectFilesOfTask(FileToCreateList& list, const TestTask& task, int taskNumber);
+void collectFilesOfTask(FileToCreateList& list, const TestTask& task, int taskNumber,
+                        const MachineValues& machine = {});

@@ -108,7 +108,9 @@ typename Convert::Text expand(const TestTask& task, typename Convert::Text& text
     if (!keepCfgPath)
         replaceVariable(text, "[cfgPath]",
                         [&] { return Convert::fromPath(kvGetDirName(task.configPath)); });
-    replaceVariable(text, "[temp]", [] { return Convert::fromPath(kvGetTempDir()); });
+    replaceVariable(text, "[temp]", [&] {
+        return Convert::fromPath(machine.tempFolder ? *machine.tempFolder : kvGetTempDir());
+    });
     return kvPathResolve(text);
 }
 

@@ -9,8 +9,9 @@
 /// What the variables of a machine stand for. A value that is not set is asked of this machine.
 struct MachineValues
 {
-    std::optional<_kvString<500>> computerName; ///< "[host]"
-    std::optional<QString> date;                ///< "[date]"
+    std::optional<_kvString<500>> computerName;        ///< "[host]"
+    std::optional<QString> date;                       ///< "[date]"
+    std::optional<_kvString8_allSize<500>> tempFolder; ///< "[temp]"
 };
 
 /// This machine's name as used in file names.

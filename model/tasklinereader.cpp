@@ -45,6 +45,9 @@ public:
         return {m_line.text + start, end - start};
     }
 
+    int position() const { return m_position; }
+    bool atEnd() const { return m_position >= m_line.length; }
+
     /// The field taken last.
     const TaskLineProblem& last() const { return m_last; }
 
@@ -171,8 +174,32 @@ void readMarker(TestTask& task, const _kvString<1000>& line)
 
 } // namespace
 
+TaskLineFields splitTaskLine(const _kvString<1000>& line)
+{
+    TaskLineFields split;
+    FieldReader reader(line);
+    for (TaskLineField& field : split.fields) {
+        split.count += reader.atEnd() ? 0 : 1;
+        reader.next();
+        field = {reader.last().column, reader.last().length};
+    }
+    split.beyond = {reader.position(), line.length - reader.position()};
+    return split;
+}
+
 bool readTaskLine(TestTask& task, const _kvString<1000>& line, const Path& configPath,
                   TaskLineProblem* problem)
+{
+    if (!readTaskLineAsIs(task, line, configPath, problem))
+        return false;
+    // A marker has no settings.
+    if (!task.waitForNextConfig)
+        task.normalise();
+    return true;
+}
+
+bool readTaskLineAsIs(TestTask& task, const _kvString<1000>& line, const Path& configPath,
+                      TaskLineProblem* problem)
 {
     task.configPath = configPath;
     task.lineText = line;
@@ -196,6 +223,5 @@ bool readTaskLine(TestTask& task, const _kvString<1000>& line, const Path& confi
     }
     readPaths(task, fields, kvGetDirName(configPath));
     task.writeDone = fields.next().is("true");
-    task.normalise();
     return true;
 }

@@ -2,6 +2,8 @@
 
 #include "model/testtask.h"
 
+#include <array>
+
 /// Where and why a line was rejected.
 struct TaskLineProblem
 {
@@ -9,6 +11,25 @@ struct TaskLineProblem
     int column = 0; ///< first character of the trimmed field, from 0
     int length = 0; ///< of the trimmed field, in characters
 };
+
+/// Where a trimmed field stands in its line.
+struct TaskLineField
+{
+    int column = 0; ///< first character, from 0
+    int length = 0; ///< in characters
+};
+
+constexpr int taskLineFieldCount = 14;
+
+struct TaskLineFields
+{
+    std::array<TaskLineField, taskLineFieldCount> fields;
+    int count = 0;        ///< fields that the line holds; those that it lacks are empty
+    TaskLineField beyond; ///< what follows the last field
+};
+
+/// The fields of a line as the reader takes them.
+TaskLineFields splitTaskLine(const _kvString<1000>& line);
 
 /// Reads one line of a config file, without line end, into a record. A line that ends in ".dpc" is
 /// a marker that names the next config file: its path lands in `sourcePath`. Relative paths get the
@@ -19,3 +40,8 @@ struct TaskLineProblem
 /// Overlong texts are cut silently: paths at 500 characters, numbers at 249.
 bool readTaskLine(TestTask& task, const _kvString<1000>& line,
                   const _kvString8_allSize<500>& configPath, TaskLineProblem* problem = nullptr);
+
+/// The same, but the settings stay as the line has them: the record is not normalised.
+bool readTaskLineAsIs(TestTask& task, const _kvString<1000>& line,
+                      const _kvString8_allSize<500>& configPath,
+                      TaskLineProblem* problem = nullptr);

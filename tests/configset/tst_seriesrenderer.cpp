@@ -127,6 +127,19 @@ private slots:
         QCOMPARE(tasks[0].io.chunkSize, 1048576);
     }
 
+    void namesCanBeThoseOfAnotherMachine()
+    {
+        TestTask task;
+        task.sourcePath = path("[cfgPath]/[host]/a");
+        task.logPath = path("/l/[host]/log");
+        task.iterations = 1;
+        MachineValues machine;
+        machine.computerName = computerNameFrom("pc07.lan");
+        FileToCreateList list;
+        collectFilesOfTask(list, task, 0, machine);
+        QCOMPARE(textsOf(list), (QStringList{"[cfgPath]/pc07/a", "/l/pc07/dummyFile"}));
+    }
+
     void eachIterationHasItsFile()
     {
         TestTask task;

@@ -60,6 +60,14 @@ class TestPathVariables : public QObject
     Q_OBJECT
 
 private slots:
+    void folderForTemporaryFilesOfAnotherMachine()
+    {
+        MachineValues values = machine();
+        values.tempFolder = _kvString8_allSize<500>("/scratch");
+        QCOMPARE(wide({}, "[temp]/a", 0, 0, false, values), QStringLiteral("/scratch/a"));
+        QCOMPARE(narrow({}, "[temp]/a", 0, 0, false, values), QStringLiteral("/scratch/a"));
+    }
+
     void computerNameLosesItsDomain()
     {
         const auto name = [](const char* host) { return kvToQString(computerNameFrom(host)); };

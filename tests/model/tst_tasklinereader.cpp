@@ -346,6 +346,47 @@ private slots:
         QVERIFY(!system.io.preallocate);
     }
 
+    void settingsAsTheLineHasThem()
+    {
+        const auto line =
+            kvToString16<1000>("System;flush;prealloc;5;0;9;2000000;1;0;/s;d;;;true;");
+        TestTask task;
+        QVERIFY(readTaskLineAsIs(task, line, path("/cfg/a.dpc")));
+        QCOMPARE(task.io.chunkSize, 0);
+        QCOMPARE(task.io.fileSize, 2048000000);
+        QCOMPARE(task.io.sysBufferMode, 5);
+        QVERIFY(task.io.preallocate);
+        QVERIFY(task.destPath.isEqual("/cfg/d"));
+        // Normalised, it is what the editor reads.
+        task.normalise();
+        QCOMPARE(task.io.fileSize, readLine("Posix;;;;;;2000000;").task.io.fileSize);
+        TaskLineProblem problem;
+        QVERIFY(!readTaskLineAsIs(task, kvToString16<1000>("x"), path("/a.dpc"), &problem));
+        QCOMPARE(problem.field, 1);
+    }
+
+    void placesOfTheFields()
+    {
+        const auto line = kvToString16<1000>(" Posix ; flush;;4");
+        const TaskLineFields split = splitTaskLine(line);
+        QCOMPARE(split.count, 4);
+        QCOMPARE(split.fields[0].column, 1);
+        QCOMPARE(split.fields[0].length, 5);
+        QCOMPARE(split.fields[1].column, 9);
+        QCOMPARE(split.fields[2].length, 0);
+        QCOMPARE(split.fields[3].column, 16);
+        QCOMPARE(split.fields[13].length, 0);
+        QCOMPARE(split.beyond.length, 0);
+
+        const TaskLineFields more =
+            splitTaskLine(kvToString16<1000>("1;2;3;4;5;6;7;8;9;a;b;c;d;e;f;"));
+        QCOMPARE(more.count, taskLineFieldCount);
+        QCOMPARE(more.fields[13].column, 26);
+        QCOMPARE(more.beyond.column, 28);
+        QCOMPARE(more.beyond.length, 2);
+        QCOMPARE(splitTaskLine(kvToString16<1000>("")).count, 0);
+    }
+
 private:
     static _kvString8_allSize<500> path(const char* text) { return _kvString8_allSize<500>(text); }
 };
