@@ -2,6 +2,8 @@
 
 option(TWDP_WARNINGS_AS_ERRORS "Stop at the first warning" OFF)
 set(TWDP_SANITIZE "" CACHE STRING "Sanitizers to build with, as the compiler names them")
+option(TWDP_FUZZ "Build the fuzzers; needs clang" OFF)
+option(TWDP_COVERAGE "Count lines and branches; needs gcc" OFF)
 
 function(twdp_set_warnings target)
     target_compile_options(${target} PRIVATE
@@ -17,6 +19,17 @@ function(twdp_set_sanitizers target)
     endif()
 endfunction()
 
+# Every target counts: the fuzzer learns from all code that it reaches.
+function(twdp_set_counters target)
+    if(TWDP_FUZZ)
+        target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+    endif()
+    if(TWDP_COVERAGE)
+        target_compile_options(${target} PRIVATE --coverage)
+        target_link_options(${target} PRIVATE --coverage)
+    endif()
+endfunction()
+
 # twdp_target(<target>): include paths from the project's root, so that every #include names the
 # room it reaches into; warnings and sanitizers as the preset asks.
 function(twdp_target target)
@@ -24,4 +37,5 @@ function(twdp_target target)
     target_compile_definitions(${target} PRIVATE QT_DEPRECATED_WARNINGS QT_NO_FOREACH)
     twdp_set_warnings(${target})
     twdp_set_sanitizers(${target})
+    twdp_set_counters(${target})
 endfunction()

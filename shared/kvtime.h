@@ -25,5 +25,5 @@ public:
     kvTimer() = default;
 
 private:
-    qint64 m_startNanoseconds = 0;
+    [[maybe_unused]] qint64 m_startNanoseconds = 0;
 };

@@ -130,7 +130,7 @@ inline std::optional<SlowReading> read(const QString& line, const QString& folde
     QString* const paths[] = {&r.source, &r.dest, &r.log, &r.csv};
     for (int i = 0; i < 4; ++i) {
         QString& path = *paths[i];
-        path = fields[9 + i].left(500);
+        path = fields[9 + i].section(QChar(0), 0, 0).left(500);
         if (i < 2 && path == "MEMORY")
             path.clear();
         const bool mayStayEmpty = i < 2 && path.isEmpty();

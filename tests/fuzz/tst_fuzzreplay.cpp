@@ -1,0 +1,45 @@
+#include "fuzz/check.h"
+
+#include <QDir>
+#include <QFile>
+#include <QtTest>
+
+// Gives every input of the corpus, and every one that ever failed, to the function that the fuzzer
+// calls. A broken promise aborts: the name of the input is the name of the row.
+
+class TestFuzzReplay : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void corpusIsThere() { QVERIFY(!inputsIn("corpus").isEmpty()); }
+
+    void promisesHold_data()
+    {
+        QTest::addColumn<QString>("path");
+        for (const char* kind : {"corpus", "regressions"}) {
+            for (const QFileInfo& file : inputsIn(kind))
+                QTest::newRow(qPrintable(QString(kind) + '/' + file.fileName())) << file.filePath();
+        }
+    }
+
+    void promisesHold()
+    {
+        QFETCH(QString, path);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray input = file.readAll();
+        LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.constData()),
+                               static_cast<std::size_t>(input.size()));
+    }
+
+private:
+    static QFileInfoList inputsIn(const QString& kind)
+    {
+        return QDir(QStringLiteral(FUZZ_FOLDER "/") + kind + "/" FUZZ_TARGET)
+            .entryInfoList(QDir::Files, QDir::Name);
+    }
+};
+
+QTEST_APPLESS_MAIN(TestFuzzReplay)
+#include "tst_fuzzreplay.moc"
