@@ -1,0 +1,18 @@
+# What the package tests share. Each is called with the folders of sources and build.
+set -eu
+source=$1
+build=$2
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+trap 'exit 1' INT TERM
+export LC_ALL=C.UTF-8
+
+fail() {
+    echo "FAIL: $*" >&2
+    exit 1
+}
+
+# Installs the build where the test may look at it, as a user of the prefix would.
+install_to() {
+    cmake --install "$build" --prefix "$1" >/dev/null
+}
