@@ -19,7 +19,6 @@ twDiskProbe::twDiskProbe(QWidget* parent, Qt::WindowFlags flags)
     : QMainWindow(parent, flags)
 {
     ui.setupUi(this);
-    formUpdating = false;
     constexpr int rowHeight = 20;
     ui.tableWidget->verticalHeader()->setDefaultSectionSize(rowHeight);
 

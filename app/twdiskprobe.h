@@ -13,6 +13,7 @@
 class twDiskProbe : public QMainWindow
 {
     Q_OBJECT
+    Q_DISABLE_COPY_MOVE(twDiskProbe)
 
 public:
     explicit twDiskProbe(QWidget* parent = nullptr, Qt::WindowFlags flags = {});
@@ -63,7 +64,7 @@ private:
     QString chooseFile(FileDialog dialog, const QLineEdit* edit, const QString& caption,
                        const QString& filter);
 
-    Ui::twDiskProbeClass ui;
+    Ui::twDiskProbeClass ui{};
     TaskList taskList;
     QString lastDirectory;     ///< where the last file was chosen, in whichever dialog
     bool formUpdating = false; ///< true while updateControlStates() changes the form itself

@@ -232,7 +232,7 @@ QString twDiskProbe::chooseFile(FileDialog dialog, const QLineEdit* edit, const 
                                 const QString& filter)
 {
     const QString start = edit->text().isEmpty() ? lastDirectory : edit->text();
-    const QString file = dialog(this, caption, start, filter, nullptr, {});
+    QString file = dialog(this, caption, start, filter, nullptr, {});
     if (!file.isEmpty())
         lastDirectory = kvGetDirNameAutoPD(file);
     return file;

@@ -14,7 +14,7 @@
 class ConfigFileReader
 {
 public:
-    static constexpr qint64 largestFile = 64 * 1024 * 1024; ///< bytes
+    static constexpr qint64 largestFile = 64LL * 1024 * 1024; ///< bytes
 
     /// Opens the file; the name is Latin-1 like every text of a task.
     explicit ConfigFileReader(const _kvString8_allSize<500>& path);

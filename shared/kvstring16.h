@@ -91,6 +91,9 @@ public:
     }
 };
 
+// A parenthesis around any of the arguments would not compile.
+// NOLINTBEGIN(bugprone-macro-parentheses)
+
 /// One instance of each capacity, in the library; every other user of the header links to it.
 #define KV_STRING16_INSTANCE(prefix, visibility, N)                                                \
     prefix template class visibility kvFixedText<_kvString<N>, unsigned short, N>;                 \
@@ -99,6 +102,8 @@ public:
 #define KV_STRING16_INSTANCES(prefix, visibility)                                                  \
     KV_STRING16_INSTANCE(prefix, visibility, 500)                                                  \
     KV_STRING16_INSTANCE(prefix, visibility, 1000)
+
+// NOLINTEND(bugprone-macro-parentheses)
 
 KV_STRING16_INSTANCES(extern, KVSHARED_EXPORT)
 

@@ -48,6 +48,9 @@ public:
     }
 };
 
+// A parenthesis around any of the arguments would not compile.
+// NOLINTBEGIN(bugprone-macro-parentheses)
+
 /// One instance of each capacity, in the library; every other user of the header links to it.
 #define KV_STRING8_INSTANCE(prefix, visibility, N)                                                 \
     prefix template class visibility kvFixedText<_kvString8_allSize<N>, char, N>;                  \
@@ -60,6 +63,8 @@ public:
     KV_STRING8_INSTANCE(prefix, visibility, 250)                                                   \
     KV_STRING8_INSTANCE(prefix, visibility, 500)                                                   \
     KV_STRING8_INSTANCE(prefix, visibility, 5000)
+
+// NOLINTEND(bugprone-macro-parentheses)
 
 KV_STRING8_INSTANCES(extern, KVSHARED_EXPORT)
 
