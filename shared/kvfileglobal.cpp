@@ -17,6 +17,8 @@ _fileGLobal::_fileGLobal()
     auto* const blockEnd = reinterpret_cast<unsigned char*>(&timer) + sizeof timer;
     std::fill(blockStart, blockEnd, static_cast<unsigned char>(0));
 
+    // Only now, for two of these lie in the block.
+    // NOLINTBEGIN(cppcoreguidelines-prefer-member-initializer)
     sysBufferMode = -1;
     chunkWait = 0;
     chunkSize = 0;
@@ -24,6 +26,7 @@ _fileGLobal::_fileGLobal()
     flush = false;
     generation = 1;
     ioBufferSize = copyFile_chunksize();
+    // NOLINTEND(cppcoreguidelines-prefer-member-initializer)
 }
 
 bool _fileGLobal::preallocateFile()
