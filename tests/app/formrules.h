@@ -22,12 +22,12 @@ enum Type
 /// What the form must look like, said once for every method and test type.
 struct Expected
 {
-    int type; ///< after what the method forces
-    bool typeEnabled;
-    bool noChunksEnabled;
-    bool noChunks;    ///< given what it was before
-    bool preallocate; ///< enabled
-    bool bufferEnabled;
+    int type = 0; ///< after what the method forces
+    bool typeEnabled = false;
+    bool noChunksEnabled = false;
+    bool noChunks = false;    ///< given what it was before
+    bool preallocate = false; ///< enabled
+    bool bufferEnabled = false;
     QStringList buffers;
 };
 
