@@ -6,6 +6,19 @@
 
 #include <algorithm>
 
+ConfigLine takeConfigLine(_kvString<1000>& line)
+{
+    constexpr unsigned short commentMark = '#';
+    // Before trimming: a "#" after blanks is no comment.
+    const bool isComment = line.startsWith(commentMark);
+    if (isComment)
+        line.remove(0, 1);
+    line.trim();
+    if (isComment)
+        return ConfigLine::Comment;
+    return line.isEmpty() ? ConfigLine::Blank : ConfigLine::Entry;
+}
+
 ConfigFileReader::ConfigFileReader(const _kvString8_allSize<500>& path)
     : m_file(kvToQString(path))
 {

@@ -5,6 +5,17 @@
 
 #include <QFile>
 
+enum class ConfigLine
+{
+    Comment, ///< begins with "#"
+    Blank,
+    Entry ///< for the task line reader
+};
+
+/// Tells what a line of a config file is, and brings it into the form in which it is used: an entry
+/// trimmed, a comment without its mark and trimmed.
+ConfigLine takeConfigLine(_kvString<1000>& line);
+
 /// Reads a config file line by line, in bounded time and memory whatever the file holds.
 ///
 /// Only a regular file is read: a FIFO or a device behind the name would keep the caller waiting

@@ -6,19 +6,6 @@
 #include "shared/kvpath.h"
 #include "shared/kvtext.h"
 
-namespace {
-
-constexpr unsigned short commentMark = '#';
-
-QString commentText(_kvString<1000> line)
-{
-    line.remove(0, 1);
-    line.trim();
-    return kvToQString(line);
-}
-
-} // namespace
-
 void loadConfigFile(QString& file, TaskList& tasks, const LoadListener& listener)
 {
     file = kvConvertPDToOS(file);
@@ -30,13 +17,10 @@ void loadConfigFile(QString& file, TaskList& tasks, const LoadListener& listener
     ConfigFileReader reader(path);
     _kvString<1000> line;
     while (reader.readLine(line)) {
-        if (line.startsWith(commentMark)) {
-            if (takesComments)
-                listener.infoLine(commentText(line));
-            continue;
-        }
-        line.trim();
-        if (line.isEmpty())
+        const ConfigLine kind = takeConfigLine(line);
+        if (kind == ConfigLine::Comment && takesComments)
+            listener.infoLine(kvToQString(line));
+        if (kind != ConfigLine::Entry)
             continue;
         TestTask task;
         if (readTaskLine(task, line, path))

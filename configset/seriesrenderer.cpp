@@ -22,7 +22,7 @@ QString taskLine(TestTask& task)
 } // namespace
 
 RenderedSeries renderSeries(TaskList& tasks, const QString& infoText, const SeriesName& name,
-                            const QString& followUpFolder)
+                            const QString& followUpFolder, const MachineValues& machine)
 {
     RenderedSeries series;
     int configId = 0;
@@ -33,7 +33,7 @@ RenderedSeries renderSeries(TaskList& tasks, const QString& infoText, const Seri
         if (!task.waitForNextConfig) {
             task.configId = configId;
             current.content += taskLine(task);
-            collectFilesOfTask(series.filesToCreate, task, taskNumber);
+            collectFilesOfTask(series.filesToCreate, task, taskNumber, machine);
             ++taskNumber;
             continue;
         }

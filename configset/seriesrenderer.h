@@ -26,7 +26,7 @@ struct RenderedSeries
 /// first file lies in "_wait"; the others lie in `followUpFolder`, "_wait/" or empty, below the
 /// folder of the series.
 RenderedSeries renderSeries(TaskList& tasks, const QString& infoText, const SeriesName& name,
-                            const QString& followUpFolder);
+                            const QString& followUpFolder, const MachineValues& machine = {});
 
 /// Renders the companion file: a line for each file to create, a comment where `exists` says that
 /// the file is there.

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "cli/checker.h"
+#include "cli/listing.h"
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+// What each command does once its arguments are understood.
+
+/// How a command ends.
+enum ExitCode
+{
+    exitGood = 0,      ///< nothing found, nothing different
+    exitFindings = 1,  ///< findings that count, or a difference
+    exitImpossible = 2 ///< wrong use, or something that can't be read
+};
+
+/// Where a command writes to.
+struct Output
+{
+    std::ostream& out;
+    std::ostream& err;
+    bool colour = false; ///< of `out`
+};
+
+struct CheckCommand
+{
+    QStringList paths;
+    CheckOptions options;
+    bool json = false;
+    bool quiet = false;
+    bool warningsCount = false;
+};
+
+struct ShowCommand
+{
+    QString path;
+    ListFormat format = ListFormat::Text;
+    std::optional<Expansion> expansion;
+};
+
+int runCheck(const CheckCommand& command, const Output& output);
+int runShow(const ShowCommand& command, const Output& output);
+int runDiff(const QString& first, const QString& second, const Output& output);
+int runRoundTrip(const QString& path, const Output& output);
+
+/// One sentence to the error stream; returns exitImpossible.
+int fail(const Output& output, const std::string& sentence);

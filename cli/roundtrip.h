@@ -1,0 +1,15 @@
+#pragma once
+
+#include "cli/seriesfacts.h"
+
+#include <string>
+
+struct RoundTrip
+{
+    std::string changes; ///< what a load and a save would change, file by file; empty for nothing
+    std::string problem; ///< one sentence why it can't be told, or empty
+};
+
+/// Loads a series with the editor's loader, renders it in memory as the editor saves it under the
+/// same name, and compares with the disk. Nothing is written.
+RoundTrip roundTrip(const SeriesFacts& facts);

@@ -1,0 +1,138 @@
+#pragma once
+
+#include "configset/seriesname.h"
+#include "model/tasklinereader.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QString>
+
+#include <array>
+#include <string>
+#include <vector>
+
+// What a series holds, read once with the editor's own reader. Rules and listings ask only this.
+
+/// The settings of a task line, in bytes and ms like a record.
+struct TaskSettings
+{
+    IoMethod method = IoMethod::Posix;
+    bool flush = false;
+    bool preallocate = false;
+    std::int32_t chunkWait = 0;
+    std::int32_t chunkSize = 0;
+    std::int32_t sysBufferMode = 0;
+    std::int32_t fileSize = 0;
+    std::int32_t iterations = 0;
+    std::int32_t cacheMode = 0;
+    bool writeDone = false;
+};
+
+TaskSettings settingsOf(const TestTask& task);
+
+/// The paths of a task in the order of the line.
+enum TaskPath
+{
+    SourcePath,
+    DestPath,
+    LogPath,
+    CsvPath,
+    taskPathCount
+};
+
+constexpr int firstPathField = 10; ///< field number of the source, from 1
+
+/// A line that holds something: a task, a marker, a line that the reader rejects, or a comment that
+/// was cut.
+struct LineFact
+{
+    enum class Kind
+    {
+        Task,
+        Marker,
+        Rejected,
+        Comment
+    };
+
+    Kind kind = Kind::Comment;
+    int file = 0;      ///< its place among the files of the series
+    int line = 0;      ///< from 1
+    int column = 0;    ///< of `text` in the line, from 0
+    qint64 length = 0; ///< bytes of the whole line in the file
+    bool hasZero = false;
+    QByteArray text; ///< as the reader was given it: trimmed, cut
+    int taskNumber = 0;
+
+    // Of tasks and rejected lines only.
+    TaskLineFields fields;
+    TaskLineProblem problem;
+    TaskSettings written; ///< as the line has them
+    TaskSettings used;    ///< as the editor loads them
+    bool fromMemory = false;
+    bool toMemory = false;
+
+    /// The text of a field, from 1.
+    QByteArray field(int number) const;
+    /// A path as the line has it; empty for memory and for what is not given.
+    QByteArray path(TaskPath which) const;
+    /// Where a field begins, from 1.
+    int columnOf(int number) const;
+    int columnOf(TaskPath which) const { return columnOf(firstPathField + which); }
+};
+
+struct FileFact
+{
+    QString path;       ///< absolute
+    QString shown;      ///< as the user spells the folder
+    int number = 0;     ///< in the series, from 0
+    bool waits = false; ///< lies in "_wait"
+    bool isRead = true; ///< false for a number that no load looks for, and for the "_init" file
+    bool readable = false;
+    qint64 size = 0;     ///< bytes
+    bool wasCut = false; ///< the reader's limit came first
+    int lineAtLimit = 0; ///< the line that holds the last character of a saved file, 0 if none
+    int columnAtLimit = 0;
+    int lineCount = 0;
+    int firstEntry = 0; ///< index of its first line that holds something
+    int endEntry = 0;   ///< one after its last
+    int tasks = 0;
+    int markers = 0;
+};
+
+/// One line of the "_init" file.
+struct InitEntry
+{
+    int line = 0;
+    qint64 size = 0;
+    bool isActive = false; ///< not commented out
+};
+
+struct SeriesFacts
+{
+    SeriesName name;     ///< with an absolute folder
+    QString shownFolder; ///< as the user spells it
+    QString runFolder;   ///< where the files lie when they run: outside "_wait"
+    bool isInit = false; ///< the companion was chosen itself
+    std::vector<FileFact> files;
+    std::vector<LineFact> lines;
+    std::vector<std::string> info; ///< comments that a load shows as the info text
+    int initFile = -1;             ///< its place among the files, -1 if there is none
+    QHash<QByteArray, InitEntry> init;
+    bool limitReached = false; ///< not everything was read
+
+    const FileFact& fileOf(const LineFact& line) const { return files[size_t(line.file)]; }
+};
+
+/// What a saved config file can hold, and what its name can.
+constexpr int longestConfigFile = 5000;
+constexpr int longestFileName = 250;
+constexpr int longestLine = 1000;
+constexpr int longestPath = 500;
+
+/// Lines that hold something which are read of one series: a thousand times what the editor can
+/// save, and a bound to memory and time whatever the files hold.
+constexpr int mostLines = 50000;
+
+/// Reads all files of a series that exist. Never fails: what can't be read is a fact as well.
+SeriesFacts readSeries(const SeriesName& name, const QString& shownFolder,
+                       int lineLimit = mostLines);

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "configset/seriesname.h"
+
+#include <QString>
+
+#include <string>
+#include <vector>
+
+struct FoundSeries
+{
+    SeriesName name;     ///< with an absolute folder
+    QString shownFolder; ///< the folder as the user spells it
+};
+
+struct SeriesSearch
+{
+    std::vector<FoundSeries> series;
+    std::string problem; ///< one sentence where nothing was found
+};
+
+/// The series that a path leads to: a file to the one that the editor would load for it, a folder
+/// to all that have a file in it or in its "_wait". Companion files belong to their series.
+SeriesSearch findSeries(const QString& path);
+
+/// The same where exactly one is wanted.
+SeriesSearch findOneSeries(const QString& path);

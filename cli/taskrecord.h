@@ -1,0 +1,57 @@
+#pragma once
+
+#include "cli/seriesfacts.h"
+#include "model/pathvariables.h"
+
+/// Expands the names of the tasks of a series as they are on the machines that run it: its files
+/// lie outside "_wait" then, and have their number as config file ID.
+class NameExpander
+{
+public:
+    NameExpander(const SeriesFacts& facts, MachineValues machine);
+
+    /// Where a path lies; a relative one counts from the folder of the config file.
+    QString place(const LineFact& line, const QByteArray& path, int iteration = 0);
+
+    /// The same with "[cfgPath]" left in, as an "_init" file names it.
+    QString initName(const LineFact& line, const QByteArray& path, int iteration = 0);
+
+    /// As an "_init" file names it that was saved before the tasks belonged to a config file.
+    QString namelessInitName(const LineFact& line, const QByteArray& path, int iteration = 0);
+
+    /// The task as a record of the editor, as far as its files go: paths as the line has them.
+    TestTask& record(const LineFact& line);
+
+private:
+    QString expand(const LineFact& line, const QByteArray& path, int iteration, bool keepCfgPath);
+    void turnTo(const LineFact& line);
+
+    const SeriesFacts& m_facts;
+    MachineValues m_machine;
+    int m_iterationLimit;
+    TestTask m_task;
+    int m_file = -1;
+};
+
+/// Values that leave "[host]", "[date]" and "[temp]" in the names: what two tasks have in common on
+/// every machine.
+MachineValues noMachine();
+
+/// This machine, asked once.
+MachineValues thisMachine();
+
+/// True if a name that was expanded by noMachine() is another one on each machine or at each run.
+bool dependsOnMachine(const QString& name);
+
+/// How many names a path stands for.
+int iterationsOf(const LineFact& line, const QByteArray& path);
+
+/// How many names all paths of the series stand for.
+long long namesOf(const SeriesFacts& facts);
+
+/// How many iterations of each task are looked at: all, unless the series stands for more names
+/// than anybody will wait for; then one.
+int iterationLimit(const SeriesFacts& facts);
+
+bool isMarker(const LineFact& line);
+bool isTask(const LineFact& line);

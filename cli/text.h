@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <string>
+
+// Everything that dpc prints is UTF-8.
+
+inline std::string utf8(const QString& text)
+{
+    return text.toStdString();
+}
+
+/// Text of a config file or a task; both are Latin-1.
+inline std::string utf8(const QByteArray& latin1)
+{
+    return QString::fromLatin1(latin1).toStdString();
+}
+
+/// With control characters as "\x1B": a config file must not steer the terminal, and no text may
+/// break the line.
+std::string printable(const QString& text);
+
+/// Printable, in quotes, long texts shortened in the middle.
+std::string quoted(const QString& text);
+std::string quoted(const QByteArray& latin1);
+
+/// "1 task", "2 tasks".
+std::string counted(long long count, const char* noun);
+
+/// The candidate that a person most likely meant: equal but for case, or at most two letters off.
+/// Null where there is none.
+const char* closest(const std::string& word, const char* const* candidates, int count);
+
+template <int N>
+const char* closest(const std::string& word, const char* const (&candidates)[N])
+{
+    return closest(word, candidates, N);
+}
+
+/// " (did you mean ...?)", or nothing.
+std::string didYouMean(const char* candidate);
