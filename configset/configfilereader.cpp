@@ -5,6 +5,18 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cstring>
+
+namespace {
+
+/// The first such byte, or the end.
+const char* findByte(const char* start, const char* end, char byte)
+{
+    const void* const found = std::memchr(start, byte, static_cast<std::size_t>(end - start));
+    return found != nullptr ? static_cast<const char*>(found) : end;
+}
+
+} // namespace
 
 ConfigLine takeConfigLine(_kvString<1000>& line)
 {
@@ -34,9 +46,9 @@ bool ConfigFileReader::readLine(_kvString<1000>& line)
     while (m_position < m_end || fillBuffer()) {
         const char* const start = m_buffer + m_position;
         const char* const bufferEnd = m_buffer + m_end;
-        const char* const lineEnd = std::find(start, bufferEnd, '\n');
+        const char* const lineEnd = findByte(start, bufferEnd, '\n');
         if (!reachedZero) {
-            const char* const textEnd = std::find(start, lineEnd, '\0');
+            const char* const textEnd = findByte(start, lineEnd, '\0');
             line.add(start, static_cast<int>(textEnd - start));
             reachedZero = textEnd != lineEnd;
         }

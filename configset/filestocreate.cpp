@@ -3,6 +3,8 @@
 #include "shared/kvpath.h"
 #include "shared/kvtext.h"
 
+#include <algorithm>
+
 namespace {
 
 const QString dummyName = QStringLiteral("dummyFile");
@@ -22,6 +24,13 @@ void collectFolder(FileToCreateList& list, const _kvString8_allSize<500>& path,
     collectFilesToCreate(list, folder + dummyName, dummySize, task, taskNumber, machine);
 }
 
+/// False where every iteration has the same name. Host and date count as well: what they put in
+/// comes before "[iter]" is replaced and may complete it, and the date goes on meanwhile.
+bool dependsOnIteration(const _kvString<500>& name)
+{
+    return name.contains("[iter]") || name.contains("[host]") || name.contains("[date]");
+}
+
 } // namespace
 
 void FileToCreateList::append(const FileToCreate& file)
@@ -34,7 +43,9 @@ void collectFilesToCreate(FileToCreateList& list, const QString& name, qint64 si
                           const TestTask& task, const int& taskNumber, const MachineValues& machine)
 {
     const auto wideName = kvToString16<500>(name);
-    for (int iteration = 0; iteration < task.iterations; ++iteration) {
+    const int iterations =
+        dependsOnIteration(wideName) ? task.iterations : std::min(task.iterations, 1);
+    for (int iteration = 0; iteration < iterations; ++iteration) {
         const QString text = expanded(wideName, task, taskNumber, iteration, true, machine);
         if (list.contains(text))
             continue;

@@ -83,11 +83,10 @@ typename Convert::Text seriesName(const TestTask& task)
 }
 
 template <class Convert>
-typename Convert::Text expand(const TestTask& task, typename Convert::Text& text,
-                              std::int32_t taskNumber, std::int32_t iteration, bool keepCfgPath,
-                              const MachineValues& machine)
+void replaceVariables(const TestTask& task, typename Convert::Text& text, std::int32_t taskNumber,
+                      std::int32_t iteration, bool keepCfgPath, const MachineValues& machine,
+                      const _kvString<500>& computerName)
 {
-    const auto computerName = machine.computerName ? *machine.computerName : getComputerName();
     replaceVariable(text, "[host]", [&] { return Convert::fromComputerName(computerName); });
     replaceVariable(text, "[date]", [&] {
         return Convert::fromQString(machine.date ? *machine.date
@@ -111,6 +110,18 @@ typename Convert::Text expand(const TestTask& task, typename Convert::Text& text
     replaceVariable(text, "[temp]", [&] {
         return Convert::fromPath(machine.tempFolder ? *machine.tempFolder : kvGetTempDir());
     });
+}
+
+template <class Convert>
+typename Convert::Text expand(const TestTask& task, typename Convert::Text& text,
+                              std::int32_t taskNumber, std::int32_t iteration, bool keepCfgPath,
+                              const MachineValues& machine)
+{
+    const auto computerName = machine.computerName ? *machine.computerName : getComputerName();
+    // Many names are plain: one look at the text instead of one for each variable.
+    if (text.contains("["))
+        replaceVariables<Convert>(task, text, taskNumber, iteration, keepCfgPath, machine,
+                                  computerName);
     return kvPathResolve(text);
 }
 

@@ -9,7 +9,8 @@
 
 namespace {
 
-using Path = _kvString8_allSize<500>;
+constexpr int longestPath = 500;
+using Path = _kvString8_allSize<longestPath>;
 
 /// One trimmed field, a view into the line.
 struct Field
@@ -33,9 +34,9 @@ public:
 
     Field next()
     {
-        const int found = m_line.indexOf(';', m_position);
-        int end = found < 0 ? m_line.length : found;
+        const auto* const lineEnd = m_line.text + m_line.length;
         int start = m_position;
+        auto end = static_cast<int>(std::find(m_line.text + start, lineEnd, ';') - m_line.text);
         m_position = std::min(end + 1, int(m_line.length));
         while (start < end && kvdetail::isWhiteSpace(m_line.text[start]))
             ++start;
@@ -62,9 +63,11 @@ private:
 /// first zero.
 void narrow(Path& path, const unsigned short* text, int length)
 {
-    path.clear();
-    for (int i = 0; i < length && text[i] != 0; ++i)
-        path.addChar(static_cast<char>(text[i] & 0xFF));
+    const auto end = static_cast<int>(std::find(text, text + length, 0) - text);
+    const int fitting = std::min(end, longestPath);
+    for (int i = 0; i < fitting; ++i)
+        path.text[i] = static_cast<char>(text[i] & 0xFF);
+    path.setLength(static_cast<short>(fitting));
 }
 
 std::optional<IoMethod> methodOf(const Field& field)

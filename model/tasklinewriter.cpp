@@ -1,6 +1,53 @@
 #include "model/tasklinewriter.h"
 
+#include <charconv>
+#include <cstring>
+
 namespace {
+
+/// A line in 8 bits, uncut: there is room for four whole paths and everything between them.
+class Bytes
+{
+public:
+    void add(const char* text) { add(text, kvdetail::textLength(text)); }
+    void add(const char* text, int count)
+    {
+        std::memcpy(m_text + m_length, text, static_cast<std::size_t>(count));
+        m_length += count;
+    }
+
+    /// The decimal text, padded with blanks on the left.
+    void addNumber(std::int32_t number, int width = 0)
+    {
+        char digits[16];
+        const char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+        const auto count = static_cast<int>(end - digits);
+        for (int padding = width - count; padding > 0; --padding)
+            add(" ");
+        add(digits, count);
+    }
+
+    const char* text() const { return m_text; }
+    int length() const { return m_length; }
+
+private:
+    char m_text[4 * 500 + 200]; // not cleared: only what was added is read
+    int m_length = 0;
+};
+
+void addPath(Bytes& line, const _kvString8_allSize<500>& path)
+{
+    line.add(path.text);
+    line.add(";  ");
+}
+
+void addPathOrMemory(Bytes& line, const _kvString8_allSize<500>& path)
+{
+    if (path.isEmpty())
+        line.add("MEMORY;  ");
+    else
+        addPath(line, path);
+}
 
 /// Padded to six characters, so that the second field starts in the same column for all.
 const char* methodField(IoMethod method)
@@ -20,32 +67,25 @@ const char* methodField(IoMethod method)
     return ";";
 }
 
-void addWideNumber(_kvString<1000>& line, long long number, unsigned char width)
+void addSettings(Bytes& line, const TestTask& task)
 {
-    _kvString8_allSize<20> digits;
-    digits.addNr(number, width);
-    line.add(digits.text, digits.length);
-}
-
-void addNumber(_kvString<1000>& line, std::int32_t number)
-{
-    _kvString8_allSize<15> digits;
-    digits.addNr(number);
-    line.add(digits.text, digits.length);
-}
-
-void addPath(_kvString<1000>& line, const _kvString8_allSize<500>& path)
-{
-    line.addSignExtended(path.text, kvdetail::textLength(path.text));
+    const _fileGLobal& io = task.io;
+    line.add(methodField(task.method));
+    line.add(io.flush ? "flush  ;" : "NOflush;");
+    line.add(io.preallocate ? "prealloc  ; " : "NOprealloc; ");
+    line.addNumber(io.chunkWait, 2);
+    line.add(";");
+    line.addNumber(kibFromBytes(io.chunkSize), 5);
+    // A blank where the number has no sign: the field is two characters wide.
+    line.add(io.sysBufferMode >= 0 ? ";  " : "; ");
+    line.addNumber(io.sysBufferMode);
+    line.add("; ");
+    line.addNumber(kibFromBytes(io.fileSize));
+    line.add(";");
+    line.addNumber(task.iterations);
+    line.add(";");
+    line.addNumber(io.cacheMode);
     line.add(";  ");
-}
-
-void addPathOrMemory(_kvString<1000>& line, const _kvString8_allSize<500>& path)
-{
-    if (path.isEmpty())
-        line.add("MEMORY;  ");
-    else
-        addPath(line, path);
 }
 
 } // namespace
@@ -53,29 +93,16 @@ void addPathOrMemory(_kvString<1000>& line, const _kvString8_allSize<500>& path)
 _kvString<1000>& writeTaskLine(_kvString<1000>& line, TestTask& task)
 {
     task.normalise();
-    const _fileGLobal& io = task.io;
+    Bytes bytes;
+    addSettings(bytes, task);
+    addPathOrMemory(bytes, task.sourcePath);
+    addPathOrMemory(bytes, task.destPath);
+    addPath(bytes, task.logPath);
+    addPath(bytes, task.csvPath);
+    bytes.add(task.writeDone ? "true;" : "false;");
 
+    // Widened once, at the end: all but the paths is ASCII, which has no sign.
     line.clear();
-    line.add(methodField(task.method));
-    line.add(io.flush ? "flush  ;" : "NOflush;");
-    line.add(io.preallocate ? "prealloc  ; " : "NOprealloc; ");
-    addWideNumber(line, io.chunkWait, 2);
-    line.add(";");
-    addWideNumber(line, kibFromBytes(io.chunkSize), 5);
-    // A blank where the number has no sign: the field is two characters wide.
-    line.add(io.sysBufferMode >= 0 ? ";  " : "; ");
-    addNumber(line, io.sysBufferMode);
-    line.add("; ");
-    addNumber(line, kibFromBytes(io.fileSize));
-    line.add(";");
-    addNumber(line, task.iterations);
-    line.add(";");
-    addNumber(line, io.cacheMode);
-    line.add(";  ");
-    addPathOrMemory(line, task.sourcePath);
-    addPathOrMemory(line, task.destPath);
-    addPath(line, task.logPath);
-    addPath(line, task.csvPath);
-    line.add(task.writeDone ? "true;" : "false;");
+    line.addSignExtended(bytes.text(), bytes.length());
     return line;
 }

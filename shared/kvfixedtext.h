@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 /// Helpers on plain character ranges; a char counts as its Latin-1 code unit, never as a sign.
 namespace kvdetail {
 
@@ -26,6 +28,11 @@ constexpr int textLength(const Char* text)
         ++length;
     return length;
 }
+/// Left to the C library, which looks at many characters at once.
+constexpr int textLength(const char* text)
+{
+    return text == nullptr ? 0 : static_cast<int>(std::char_traits<char>::length(text));
+}
 
 template <class A, class B>
 constexpr bool sameText(const A* a, const B* b, int length)
@@ -37,14 +44,26 @@ constexpr bool sameText(const A* a, const B* b, int length)
     return true;
 }
 
+/// Position of the first `unit` at or after `from`, or `length`.
+template <class Char>
+constexpr int findUnit(const Char* text, int length, unsigned short unit, int from)
+{
+    while (from < length && codeUnit(text[from]) != unit)
+        ++from;
+    return from;
+}
+
 /// Position of the first `what` at or after `from`, or -1; an empty `what` is never found.
 template <class A, class B>
 constexpr int findText(const A* text, int length, const B* what, int whatLength, int from)
 {
     if (whatLength == 0)
         return -1;
-    for (int i = from; i + whatLength <= length; ++i) {
-        if (codeUnit(text[i]) == codeUnit(what[0]) && sameText(text + i, what, whatLength))
+    const unsigned short first = codeUnit(what[0]);
+    const int lastEnd = length - whatLength + 1;
+    for (int i = from; i < lastEnd; ++i) {
+        i = findUnit(text, lastEnd, first, i);
+        if (i < lastEnd && sameText(text + i, what, whatLength))
             return i;
     }
     return -1;
@@ -121,11 +140,11 @@ public:
     template <class Source>
     constexpr void add(const Source* source, int count)
     {
-        const int start = self().length;
-        const int fitting = count < N - start ? count : N - start;
+        const int fitting = fittingOf(count);
+        Char* const end = self().text + self().length;
         for (int i = 0; i < fitting; ++i)
-            self().text[start + i] = static_cast<Char>(kvdetail::codeUnit(source[i]));
-        terminateAt(start + (fitting > 0 ? fitting : 0));
+            end[i] = static_cast<Char>(kvdetail::codeUnit(source[i]));
+        terminateAt(self().length + fitting);
     }
 
     /// Appends a zero-terminated Latin-1 text; a null pointer counts as the empty text.
@@ -157,6 +176,13 @@ public:
     constexpr void remove(const Text& what) { replace(what, Text()); }
 
 protected:
+    /// How many of `count` further characters have room.
+    constexpr int fittingOf(int count) const
+    {
+        const int room = N - self().length;
+        return count < 0 ? 0 : (count < room ? count : room);
+    }
+
     constexpr void terminateAt(int end)
     {
         self().length = static_cast<short>(end);

@@ -37,8 +37,11 @@ public:
     /// their low byte gives the byte back.
     constexpr void addSignExtended(const char* source, int count)
     {
-        for (int i = 0; i < count; ++i)
-            this->addChar(static_cast<unsigned short>(static_cast<signed char>(source[i])));
+        const int fitting = this->fittingOf(count);
+        unsigned short* const end = text + length;
+        for (int i = 0; i < fitting; ++i)
+            end[i] = static_cast<unsigned short>(static_cast<signed char>(source[i]));
+        this->terminateAt(length + fitting);
     }
 
     constexpr bool startsWith(const unsigned short& ch) const

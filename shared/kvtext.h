@@ -23,9 +23,10 @@ template <int N>
 QString kvToQString(const _kvString<N>& text)
 {
     QString result(text.length, Qt::Uninitialized);
+    QChar* const characters = result.data(); // result[i] would look for sharers every time
     for (int i = 0; i < text.length; ++i) {
         const ushort unit = text.text[i];
-        result[i] = QChar(unit >= 0xFF80 ? static_cast<ushort>(unit & 0xFF) : unit);
+        characters[i] = QChar(unit >= 0xFF80 ? static_cast<ushort>(unit & 0xFF) : unit);
     }
     return result;
 }
