@@ -1,5 +1,6 @@
 #include "app/twdiskprobe.h"
 
+#include "app/accessibility.h"
 #include "configset/seriesloader.h"
 #include "configset/seriessaver.h"
 #include "dialogs/kvmessagebox.h"
@@ -25,6 +26,7 @@ twDiskProbe::twDiskProbe(QWidget* parent, Qt::WindowFlags flags)
     TestTask task;
     task.setDefaults();
     loadTaskIntoForm(task);
+    makeAccessible(ui);
     fitTexts(*this);
 }
 

@@ -60,9 +60,13 @@ inline bool showsItsText(const QComboBox& combo)
     option.subControls = QStyle::SC_All;
     const QRect room = combo.style()->subControlRect(QStyle::CC_ComboBox, &option,
                                                      QStyle::SC_ComboBoxEditField, &combo);
-    for (int i = 0; i < combo.count(); ++i)
-        if (!holds(room, textSize(combo, combo.itemText(i), QWIDGETSIZE_MAX, 0)))
+    for (int i = 0; i < combo.count(); ++i) {
+        // The box reckons with advances; bounds are rounded up and may say one pixel more.
+        QSize size = textSize(combo, combo.itemText(i), QWIDGETSIZE_MAX, 0);
+        size.setWidth(combo.fontMetrics().horizontalAdvance(combo.itemText(i)));
+        if (!holds(room, size))
             return false;
+    }
     return true;
 }
 

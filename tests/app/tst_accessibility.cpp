@@ -1,0 +1,206 @@
+#include "tests/app/editor.h"
+
+#include <QAccessible>
+
+// The window for those who cannot see it, or use no mouse.
+
+namespace {
+
+/// What a screen reader calls a widget: by the label that is related to it, or else its own name.
+/// Qt relates everything in a group to the group's title as well; that tells nothing apart.
+QString spokenName(QWidget* widget)
+{
+    QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(widget);
+    if (interface == nullptr)
+        return {};
+    for (const auto& relation : interface->relations(QAccessible::Label))
+        if (relation.first->role() == QAccessible::StaticText)
+            return relation.first->text(QAccessible::Name).simplified();
+    return interface->text(QAccessible::Name).simplified();
+}
+
+/// What a person can operate. The parts that Qt's own widgets are made of have no name, or one
+/// that begins with "qt_".
+QVector<QWidget*> controls(const twDiskProbe& window)
+{
+    QVector<QWidget*> found;
+    for (QWidget* widget : window.findChildren<QWidget*>())
+        if (widget->focusPolicy() != Qt::NoFocus && !widget->objectName().isEmpty() &&
+            !widget->objectName().startsWith("qt_"))
+            found += widget;
+    return found;
+}
+
+QStringList titlesAround(const QWidget* widget)
+{
+    QStringList titles;
+    for (const QWidget* parent = widget->parentWidget(); parent; parent = parent->parentWidget())
+        if (const auto* group = qobject_cast<const QGroupBox*>(parent))
+            titles += group->title();
+    return titles;
+}
+
+QRect placeOf(const QWidget* widget)
+{
+    return {widget->mapTo(widget->window(), QPoint()), widget->size()};
+}
+
+/// True if a person who reads the window comes to the first place before the second: columns from
+/// left to right, their rows from top to bottom, and rows from left to right.
+bool isReadBefore(const QRect& first, const QRect& second, int rightColumn)
+{
+    const bool firstIsRight = first.left() >= rightColumn;
+    const bool secondIsRight = second.left() >= rightColumn;
+    if (firstIsRight != secondIsRight)
+        return secondIsRight;
+    const int middle = first.center().y();
+    const bool sameRow = second.top() <= middle && middle <= second.bottom();
+    return sameRow ? first.left() < second.left() : first.top() < second.top();
+}
+
+/// Focus moves only in a window that has it itself.
+void activate(twDiskProbe& window)
+{
+    window.activateWindow();
+    if (!QTest::qWaitForWindowActive(&window))
+        qFatal("the window never became active");
+}
+
+/// Everything that Tab, or another key, comes to until it is back at where it began.
+QVector<QWidget*> walk(twDiskProbe& window, QWidget* first, Qt::Key key)
+{
+    activate(window);
+    first->setFocus(Qt::TabFocusReason);
+    QVector<QWidget*> visited;
+    do {
+        visited += window.focusWidget();
+        pressKey(window, key);
+    } while (window.focusWidget() != first && visited.size() < 100);
+    return visited;
+}
+
+} // namespace
+
+class TestAccessibility : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void everyControlHasANameOfItsOwn()
+    {
+        const Editor editor;
+        QHash<QString, QWidget*> namesakes;
+        const QVector<QWidget*> all = controls(editor.window);
+        QCOMPARE(all.size(), 30);
+        for (QWidget* widget : all) {
+            const QString name = spokenName(widget);
+            QVERIFY2(name.contains(QRegularExpression("[A-Za-z]{3}")),
+                     qPrintable(widget->objectName() + " is called \"" + name + '"'));
+            QVERIFY2(!titlesAround(widget).contains(name),
+                     qPrintable(widget->objectName() + " is called as its group"));
+            QVERIFY2(!namesakes.contains(name), qPrintable(widget->objectName() + " and another " +
+                                                           "control are called " + name));
+            namesakes[name] = widget;
+        }
+    }
+
+    void everyGroupHasANameOfItsOwn()
+    {
+        const Editor editor;
+        QSet<QString> names;
+        for (QGroupBox* group : editor.window.findChildren<QGroupBox*>()) {
+            const QString name = spokenName(group);
+            QVERIFY2(!name.isEmpty() && !names.contains(name), qPrintable(group->objectName()));
+            names += name;
+        }
+    }
+
+    void labelsNameTheFieldBesideThem_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("textInfo") << "Config file info text:";
+        QTest::newRow("comboMethod") << "Method";
+        QTest::newRow("comboTestType") << "Test type";
+        QTest::newRow("editSource") << "Source File";
+        QTest::newRow("editDest") << "Destination File";
+        QTest::newRow("editLog") << "Log File";
+        QTest::newRow("editExcel") << ".csv File (Excel)";
+        QTest::newRow("spinFileSize") << "File size in KiBytes";
+        QTest::newRow("spinIterations") << "Interations";
+        QTest::newRow("spinChunkSize") << "Chunk size in KiB";
+        QTest::newRow("spinChunkWait") << "Wait between chunks";
+        QTest::newRow("comboSystemBuffer") << "System buffer";
+        QTest::newRow("comboCacheMode") << "Clear cache";
+        QTest::newRow("buttonBrowseSource") << "Choose source file";
+        QTest::newRow("buttonBrowseDest") << "Choose destination file";
+        QTest::newRow("buttonBrowseLog") << "Choose log file";
+        QTest::newRow("buttonBrowseExcel") << "Choose .csv file";
+        QTest::newRow("tableWidget") << "Tasks";
+    }
+
+    void labelsNameTheFieldBesideThem()
+    {
+        const Editor editor;
+        QTEST(spokenName(editor.find<QWidget>(QTest::currentDataTag())), "name");
+    }
+
+    void tabFollowsTheEye()
+    {
+        Editor editor;
+        // Where nothing overlaps, also on a platform whose screen is too small for that.
+        editor.window.resize(1900, 1300);
+        editor.addWriteTask("/t/a");
+        auto* first = editor.find<QWidget>("textInfo");
+        const QVector<QWidget*> visited = walk(editor.window, first, Qt::Key_Tab);
+        const int rightColumn = placeOf(editor.find<QWidget>("label_13")).left();
+        for (int i = 1; i < visited.size(); ++i)
+            QVERIFY2(isReadBefore(placeOf(visited[i - 1]), placeOf(visited[i]), rightColumn),
+                     qPrintable(visited[i - 1]->objectName() + " comes before " +
+                                visited[i]->objectName()));
+    }
+
+    void tabComesToEveryEnabledControlOnceAndOutAgain()
+    {
+        Editor editor;
+        editor.addWriteTask("/t/a");
+        editor.addWriteTask("/t/b");
+        auto* first = editor.find<QWidget>("textInfo");
+        QVector<QWidget*> visited = walk(editor.window, first, Qt::Key_Tab);
+        QStringList missed;
+        for (QWidget* widget : controls(editor.window))
+            if (widget->isEnabled() && visited.count(widget) != 1)
+                missed += widget->objectName();
+        // Tab comes to one of the two that exclude each other, and arrow keys to the other.
+        QCOMPARE(missed.size(), 1);
+        QVERIFY2(missed[0].startsWith("radioNe"), qPrintable(missed[0]));
+
+        std::reverse(visited.begin() + 1, visited.end());
+        QCOMPARE(walk(editor.window, first, Qt::Key_Backtab), visited);
+    }
+
+    void arrowsComeToTheOtherKindOfTask()
+    {
+        Editor editor;
+        activate(editor.window);
+        editor.find<QWidget>("radioNewTest")->setFocus();
+        pressKey(editor.window, Qt::Key_Up);
+        QVERIFY(editor.isChecked("radioNextConfig"));
+        pressKey(editor.window, Qt::Key_Down);
+        QVERIFY(editor.isChecked("radioNewTest"));
+    }
+
+    void arrowsSelectATaskInTheTable()
+    {
+        Editor editor;
+        editor.addWriteTask("/t/a");
+        editor.addWriteTask("/t/b");
+        editor.selectRow(0);
+        activate(editor.window);
+        editor.table()->setFocus();
+        pressKey(editor.window, Qt::Key_Down);
+        QCOMPARE(editor.text("editDest"), "/t/b");
+    }
+};
+
+QTEST_MAIN(TestAccessibility)
+#include "tst_accessibility.moc"
