@@ -87,6 +87,18 @@ CLI::ValidationError wrong(const std::string& option, const std::string& reason)
     return CLI::ValidationError(option, reason);
 }
 
+CLI::Validator wholeNumber()
+{
+    const auto problem = [](const std::string& text) {
+        bool isNumber = false;
+        const int number = QString::fromStdString(text).toInt(&isNumber);
+        return isNumber && number >= 0
+                   ? std::string()
+                   : fmt::format("{} is no whole number", quoted(decoded(text)));
+    };
+    return CLI::Validator(problem, "");
+}
+
 void addCheck(CLI::App& app, Arguments& arguments)
 {
     CLI::App& check = *app.add_subcommand("check");
@@ -132,7 +144,7 @@ void addShow(CLI::App& app, Arguments& arguments)
         ->needs(expand);
     show.add_option("--iteration", arguments.iteration, "what [iter] stands for; default: 0")
         ->type_name("NUMBER")
-        ->check(CLI::NonNegativeNumber)
+        ->check(wholeNumber())
         ->needs(expand);
 }
 
@@ -224,6 +236,22 @@ int show(const Arguments& arguments, const Output& output)
     return runShow(command, output);
 }
 
+/// Why there is no command in what was typed; empty where there is one, or an option that comes
+/// first.
+std::string unknownCommand(const std::vector<std::string>& arguments)
+{
+    constexpr const char* commands[] = {"check", "show", "diff", "roundtrip"};
+    if (arguments.empty())
+        return "a command is missing (see dpc --help)";
+    const std::string& name = arguments.front();
+    const bool isKnown = std::any_of(std::begin(commands), std::end(commands),
+                                     [&](const char* command) { return name == command; });
+    if (isKnown || (!name.empty() && name.front() == '-'))
+        return {};
+    return fmt::format("there is no command {}{} (see dpc --help)", quoted(decoded(name)),
+                       didYouMean(closest(name, commands)));
+}
+
 int run(const CLI::App& app, const Arguments& arguments, const Output& output)
 {
     if (app.got_subcommand("check"))
@@ -232,7 +260,9 @@ int run(const CLI::App& app, const Arguments& arguments, const Output& output)
         return show(arguments, output);
     if (app.got_subcommand("diff"))
         return runDiff(decoded(arguments.path), decoded(arguments.second), output);
-    return runRoundTrip(decoded(arguments.path), output);
+    if (app.got_subcommand("roundtrip"))
+        return runRoundTrip(decoded(arguments.path), output);
+    throw CLI::RequiredError("a command");
 }
 
 /// Of the subcommand that was named, or of dpc.
@@ -261,12 +291,14 @@ int runDpc(const std::vector<std::string>& arguments, const Output& output)
     app.formatter(std::make_shared<ManualPage>());
     app.set_version_flag("--version", "dpc " TWDP_VERSION, "print the version, and end");
     app.set_help_flag("-h,--help", "print this page, and end");
-    app.require_subcommand(1);
     Arguments typed;
     addCheck(app, typed);
     addShow(app, typed);
     addOthers(app, typed);
     try {
+        const std::string unknown = unknownCommand(arguments);
+        if (!unknown.empty())
+            return fail(output, unknown);
         // The parser takes them from the end.
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
         return run(app, typed, output);

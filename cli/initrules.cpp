@@ -26,11 +26,12 @@ public:
             if (isTask(line))
                 compareTask(line);
         }
+        lookForNameless();
         findUnneeded();
     }
 
     bool needsAnything() const { return !m_needed.files().isEmpty(); }
-    int lacking() const { return m_lacking; }
+    int lacking() const { return int(m_lacks.size()); }
 
     std::string firstLack;      ///< a name that the series needs and the file does not make
     std::string firstWrongSize; ///< a name that it makes in another size
@@ -39,17 +40,22 @@ public:
     std::string nameInstead;    ///< what the series looks for instead
 
 private:
+    struct Lack
+    {
+        const LineFact* line;
+        QString name;
+    };
+
     void compareTask(const LineFact& line)
     {
         const int known = m_needed.files().size();
-        TestTask& task = m_names.record(line);
-        collectFilesOfTask(m_needed, task, line.taskNumber, noMachine());
+        collectFilesOfTask(m_needed, m_names.record(line), line.taskNumber, m_noMachine);
         const QVector<FileToCreate>& files = m_needed.files();
         for (int i = known; i < files.size(); ++i)
-            compareFile(files[i], task, line.taskNumber);
+            compareFile(files[i], line);
     }
 
-    void compareFile(const FileToCreate& file, const TestTask& task, int taskNumber)
+    void compareFile(const FileToCreate& file, const LineFact& line)
     {
         const QByteArray name = file.text.toLatin1().left(longestPath);
         m_neededNames.insert(name);
@@ -59,26 +65,29 @@ private:
         }
         const auto made = m_facts.init.constFind(name);
         if (made == m_facts.init.cend()) {
-            ++m_lacking;
+            m_lacks.push_back({&line, file.text});
             keepFirst(firstLack, file.text);
-            lookForNameless(task, taskNumber, file.text);
         } else if (made->size / 1024 != std::min<qint64>(file.size, largestSavedFile) / 1024) {
             keepFirst(firstWrongSize, file.text);
         }
     }
 
-    void lookForNameless(TestTask task, int taskNumber, const QString& name)
+    /// Whether the file makes what a task without a config file would need. What any task needs by
+    /// its full name is known by now.
+    void lookForNameless()
     {
-        if (!firstNameless.empty())
-            return;
-        task.configPath.clear();
-        FileToCreateList nameless;
-        collectFilesOfTask(nameless, task, taskNumber, noMachine());
-        for (const FileToCreate& file : nameless.files()) {
-            const QByteArray text = file.text.toLatin1().left(longestPath);
-            if (m_facts.init.contains(text) && !m_neededNames.contains(text)) {
-                keepFirst(firstNameless, file.text);
-                keepFirst(nameInstead, name);
+        for (const Lack& lack : m_lacks) {
+            TestTask task = m_names.record(*lack.line);
+            task.configPath.clear();
+            FileToCreateList nameless;
+            collectFilesOfTask(nameless, task, lack.line->taskNumber, m_noMachine);
+            for (const FileToCreate& file : nameless.files()) {
+                const QByteArray name = file.text.toLatin1().left(longestPath);
+                if (!m_facts.init.contains(name) || m_neededNames.contains(name))
+                    continue;
+                firstNameless = quoted(file.text);
+                nameInstead = quoted(lack.name);
+                return;
             }
         }
     }
@@ -105,10 +114,11 @@ private:
         1073741824; // 1 GiB: what a line of a save can ask for
 
     const SeriesFacts& m_facts;
+    const MachineValues m_noMachine = noMachine();
     NameExpander m_names;
     FileToCreateList m_needed;
     QSet<QByteArray> m_neededNames;
-    int m_lacking = 0;
+    std::vector<Lack> m_lacks;
     bool m_dependsOnMachine = false;
 };
 

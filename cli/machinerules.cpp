@@ -97,9 +97,8 @@ class SpaceRule
 {
 public:
     SpaceRule(const SeriesFacts& facts, const CheckOptions& options)
-        : m_facts(facts)
+        : m_iterationLimit(facts.iterationLimit)
         , m_options(options)
-        , m_iterationLimit(iterationLimit(facts))
         , m_anyMachine(facts, noMachine())
         , m_here(facts, thisMachine())
     {}
@@ -172,9 +171,8 @@ private:
             counted(std::max(m_options.hosts.size(), 1), "machine"));
     }
 
-    const SeriesFacts& m_facts;
-    const CheckOptions& m_options;
     int m_iterationLimit;
+    const CheckOptions& m_options;
     NameExpander m_anyMachine;
     NameExpander m_here;
     QSet<QString> m_counted;

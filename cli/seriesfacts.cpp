@@ -148,7 +148,7 @@ void readInit(SeriesFacts& facts, FileFact& file, int lineLimit)
         if (kind == ConfigLine::Blank || !readTaskLineAsIs(task, line, path) ||
             task.waitForNextConfig || task.destPath.isEmpty())
             continue;
-        const TaskLineField& dest = splitTaskLine(line).fields[firstPathField];
+        const TaskLineField dest = splitTaskLine(line).fields[firstPathField];
         InitEntry& entry = facts.init[latin1(line).mid(dest.column, dest.length)];
         // An active line counts before one that is commented out.
         if (!entry.isActive)
@@ -156,11 +156,15 @@ void readInit(SeriesFacts& facts, FileFact& file, int lineLimit)
     }
 }
 
+/// With the folder as the user spells it; the companion may lie one folder above that.
 QString shownPath(const SeriesFacts& facts, const QString& path)
 {
-    return path.startsWith(facts.name.folder)
-               ? facts.shownFolder + path.mid(facts.name.folder.size())
-               : path;
+    if (path.startsWith(facts.name.folder))
+        return facts.shownFolder + path.mid(facts.name.folder.size());
+    const QString name = path.mid(facts.runFolder.size());
+    return facts.shownFolder.endsWith(waitFolder())
+               ? facts.shownFolder.chopped(waitFolder().size()) + name
+               : facts.shownFolder + "../" + name;
 }
 
 /// True for a file that belongs to the series by its name and that no load looks for: number 20 and
@@ -222,7 +226,24 @@ void findInit(SeriesFacts& facts)
     }
 }
 
+long long namesOf(const SeriesFacts& facts)
+{
+    long long count = 0;
+    for (const LineFact& line : facts.lines) {
+        for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath})
+            count += line.kind == LineFact::Kind::Task
+                         ? std::max(iterationsOf(line, line.path(which)), 0)
+                         : 0;
+    }
+    return count;
+}
+
 } // namespace
+
+int iterationsOf(const LineFact& line, const QByteArray& path)
+{
+    return path.contains("[iter]") ? line.used.iterations : std::min(line.used.iterations, 1);
+}
 
 TaskSettings settingsOf(const TestTask& task)
 {
@@ -267,5 +288,8 @@ SeriesFacts readSeries(const SeriesName& name, const QString& shownFolder, int l
         findInit(facts);
     if (facts.initFile >= 0)
         readInit(facts, facts.files[size_t(facts.initFile)], lineLimit);
+    constexpr long long mostNames = 300000;
+    facts.nameCount = namesOf(facts);
+    facts.iterationLimit = facts.nameCount > mostNames ? 1 : INT32_MAX;
     return facts;
 }

@@ -120,8 +120,16 @@ struct SeriesFacts
     QHash<QByteArray, InitEntry> init;
     bool limitReached = false; ///< not everything was read
 
+    /// How many names all paths of the series stand for, one for each iteration.
+    long long nameCount = 0;
+    /// How many iterations of each task are looked at: all, or one where nobody would wait for all.
+    int iterationLimit = 0;
+
     const FileFact& fileOf(const LineFact& line) const { return files[size_t(line.file)]; }
 };
+
+/// How many names a path stands for.
+int iterationsOf(const LineFact& line, const QByteArray& path);
 
 /// What a saved config file can hold, and what its name can.
 constexpr int longestConfigFile = 5000;

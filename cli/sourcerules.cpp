@@ -12,11 +12,9 @@ namespace {
 class SourceRule
 {
 public:
-    SourceRule(const SeriesFacts& facts, const CheckOptions& options, int iterationLimit,
-               Findings& findings)
+    SourceRule(const SeriesFacts& facts, const CheckOptions& options, Findings& findings)
         : m_facts(facts)
         , m_options(options)
-        , m_iterationLimit(iterationLimit)
         , m_findings(findings)
         , m_anyMachine(facts, noMachine())
         , m_here(facts, thisMachine())
@@ -26,12 +24,12 @@ public:
     {
         const QByteArray source = line.path(SourcePath);
         const QByteArray dest = line.path(DestPath);
-        const int sources = std::min(iterationsOf(line, source), m_iterationLimit);
+        const int sources = std::min(iterationsOf(line, source), m_facts.iterationLimit);
         for (int i = 0; i < sources && !source.isEmpty(); ++i) {
             if (!checkSource(line, source, i))
                 break;
         }
-        const int dests = std::min(iterationsOf(line, dest), m_iterationLimit);
+        const int dests = std::min(iterationsOf(line, dest), m_facts.iterationLimit);
         for (int i = 0; i < dests && !dest.isEmpty(); ++i)
             noteDest(line, source, dest, i);
     }
@@ -118,7 +116,6 @@ private:
 
     const SeriesFacts& m_facts;
     const CheckOptions& m_options;
-    int m_iterationLimit;
     Findings& m_findings;
     NameExpander m_anyMachine;
     NameExpander m_here;
@@ -129,14 +126,13 @@ private:
 
 void checkSources(const SeriesFacts& facts, const CheckOptions& options, Findings& findings)
 {
-    const int limit = iterationLimit(facts);
-    SourceRule rule(facts, options, limit, findings);
-    if (limit == 1)
+    SourceRule rule(facts, options, findings);
+    if (facts.iterationLimit == 1)
         findings.add(
             Rule::ManyIterations, 0, 1, 1,
             fmt::format("the tasks stand for {} file names: only those of the first iteration "
                         "are checked",
-                        namesOf(facts)));
+                        facts.nameCount));
     for (const LineFact& line : facts.lines) {
         if (isTask(line))
             rule.check(line);

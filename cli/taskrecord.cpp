@@ -24,7 +24,6 @@ Path toPath(const QByteArray& text)
 NameExpander::NameExpander(const SeriesFacts& facts, MachineValues machine)
     : m_facts(facts)
     , m_machine(std::move(machine))
-    , m_iterationLimit(iterationLimit(facts))
 {}
 
 void NameExpander::turnTo(const LineFact& line)
@@ -78,7 +77,7 @@ TestTask& NameExpander::record(const LineFact& line)
     int iterations = 0;
     for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath})
         iterations = std::max(iterations, iterationsOf(line, line.path(which)));
-    m_task.iterations = std::min(iterations, m_iterationLimit);
+    m_task.iterations = std::min(iterations, m_facts.iterationLimit);
     m_task.sourcePath = toPath(line.path(SourcePath));
     m_task.destPath = toPath(line.path(DestPath));
     m_task.logPath = toPath(line.path(LogPath));
@@ -100,27 +99,6 @@ bool dependsOnMachine(const QString& name)
 {
     return name.contains(QLatin1String("[host]")) || name.contains(QLatin1String("[date]")) ||
            name.contains(QLatin1String("[temp]"));
-}
-
-int iterationsOf(const LineFact& line, const QByteArray& path)
-{
-    return path.contains("[iter]") ? line.used.iterations : std::min(line.used.iterations, 1);
-}
-
-long long namesOf(const SeriesFacts& facts)
-{
-    long long count = 0;
-    for (const LineFact& line : facts.lines) {
-        for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath})
-            count += isTask(line) ? std::max(iterationsOf(line, line.path(which)), 0) : 0;
-    }
-    return count;
-}
-
-int iterationLimit(const SeriesFacts& facts)
-{
-    constexpr long long mostNames = 300000;
-    return namesOf(facts) > mostNames ? 1 : INT32_MAX;
 }
 
 bool isMarker(const LineFact& line)

@@ -28,7 +28,6 @@ private:
 
     const SeriesFacts& m_facts;
     MachineValues m_machine;
-    int m_iterationLimit;
     TestTask m_task;
     int m_file = -1;
 };
@@ -42,16 +41,6 @@ MachineValues thisMachine();
 
 /// True if a name that was expanded by noMachine() is another one on each machine or at each run.
 bool dependsOnMachine(const QString& name);
-
-/// How many names a path stands for.
-int iterationsOf(const LineFact& line, const QByteArray& path);
-
-/// How many names all paths of the series stand for.
-long long namesOf(const SeriesFacts& facts);
-
-/// How many iterations of each task are looked at: all, unless the series stands for more names
-/// than anybody will wait for; then one.
-int iterationLimit(const SeriesFacts& facts);
 
 bool isMarker(const LineFact& line);
 bool isTask(const LineFact& line);
