@@ -1,11 +1,11 @@
 # The Debian package; script/package makes it.
 set(docs ${CMAKE_INSTALL_DATADIR}/doc/twdiskprobe)
 install(FILES debian/copyright DESTINATION ${docs})
-install_packed(../CHANGELOG.md ${docs} changelog)
-install_packed(debian/changelog ${docs} changelog.Debian)
+install_packed(debian/changelog ${docs})
 
+# No revision of Debian's: the package comes with the program.
 file(STRINGS debian/changelog newest LIMIT_COUNT 1)
-string(REGEX MATCH "\\((.+)-(.+)\\)" newest ${newest})
+string(REGEX MATCH "\\((.+)\\)" newest ${newest})
 if(NOT CMAKE_MATCH_1 STREQUAL PROJECT_VERSION)
     message(FATAL_ERROR "packaging/debian/changelog is of version ${CMAKE_MATCH_1}")
 endif()
@@ -18,7 +18,6 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_RELEASE ${CMAKE_MATCH_2})
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 file(STRINGS debian/changelog signature REGEX "^ -- " LIMIT_COUNT 1)

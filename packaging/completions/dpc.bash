@@ -1,25 +1,33 @@
 # Completion of dpc(1) for bash.
 _dpc() {
-    local cur prev words cword command='' word
+    local cur prev words cword split command='' word options='--help -h'
     _init_completion -s || return
 
-    case $prev in
-        --format) COMPREPLY=($(compgen -W 'text csv json' -- "$cur")); return ;;
-        --hosts-file) _filedir; return ;;
-        --host) _known_hosts_real -- "$cur"; return ;;
-        --hosts | --no-rule | --date | --iteration) return ;;
-    esac
     for word in "${words[@]:1:cword-1}"; do
         [[ $word == @(check|show|diff|roundtrip) ]] && { command=$word; break; }
     done
-    if [[ -z $command ]]; then
-        COMPREPLY=($(compgen -W 'check show diff roundtrip --help' -- "$cur"))
-    elif [[ $cur == -* ]]; then
-        local options=--help
-        case $command in
-            check) options+=' --format --quiet --werror --no-rule --hosts --hosts-file' ;;
-            show) options+=' --format --expand --host --date --iteration' ;;
-        esac
+    case $prev in
+        --format)
+            options='text json'
+            [[ $command == show ]] && options+=' csv'
+            COMPREPLY=($(compgen -W "$options" -- "$cur"))
+            return ;;
+        --hosts-file) _filedir; return ;;
+        --host) _known_hosts_real -- "$cur"; return ;;
+        --no-rule)
+            options=$(dpc check --list-rules 2>/dev/null | sed -n 's/^\([^ ]\+\) (.*/\1/p')
+            COMPREPLY=($(compgen -W "$options" -- "$cur"))
+            return ;;
+        --hosts | --date | --iteration) return ;;
+    esac
+    $split && return
+    case $command in
+        '') COMPREPLY=($(compgen -W "check show diff roundtrip $options --version" -- "$cur"))
+            return ;;
+        check) options+=' --format --quiet -q --werror --no-rule --hosts --hosts-file --list-rules' ;;
+        show) options+=' --format --expand --host --date --iteration' ;;
+    esac
+    if [[ $cur == -* ]]; then
         COMPREPLY=($(compgen -W "$options" -- "$cur"))
     else
         _filedir dpc

@@ -16,3 +16,12 @@ fail() {
 install_to() {
     cmake --install "$build" --prefix "$1" >/dev/null
 }
+
+# Runs a command in a real X server of its own.
+in_x() {
+    xvfb-run --auto-servernum --server-args='-screen 0 1920x1080x24' "$@"
+}
+
+package() {
+    ls "$build"/twdiskprobe_*.deb || fail "script/package has made no package"
+}

@@ -18,6 +18,5 @@ done
 names=$(find "$scratch/moved" -name '*.so')
 [ -z "$names" ] || fail "names to link against: $names"
 
-env -i PATH=/usr/bin:/bin HOME="$scratch" LC_ALL=C.UTF-8 \
-    xvfb-run --auto-servernum --server-args='-screen 0 1920x1080x24' \
-    "$source/script/screenshot" "$scratch/window.png" "$bin/twDiskProbe"
+in_x sh "$source/tests/package/save_through_window.sh" "$scratch/mytest.dpc" "$bin/twDiskProbe"
+grep -q '^Stream;.*;  true;$' "$scratch/_wait/mytest.dpc" || fail "the series holds no task"

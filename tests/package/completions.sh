@@ -1,0 +1,86 @@
+# The shells load the completions without complaint, and offer what fits.
+. "$(dirname "$0")/common.sh"
+
+cd "$scratch"
+mkdir folder
+touch a.dpc b.txt
+completions=$source/packaging/completions
+
+# What bash offers for a command line, as its completion machinery asks for it.
+in_bash() {
+    bash --norc -c '
+        set -e
+        . /usr/share/bash-completion/bash_completion
+        . "$1"
+        complete -p dpc >/dev/null
+        COMP_LINE=$2
+        read -ra COMP_WORDS <<<"$COMP_LINE"
+        [[ $COMP_LINE == *" " ]] && COMP_WORDS+=("")
+        COMP_CWORD=$((${#COMP_WORDS[@]} - 1)) COMP_POINT=${#COMP_LINE}
+        COMP_TYPE=9 COMP_KEY=9
+        set +e
+        _dpc dpc "${COMP_WORDS[COMP_CWORD]}" "${COMP_WORDS[COMP_CWORD-1]}"
+        printf "%s\n" "${COMPREPLY[@]}"' bash "$completions/dpc.bash" "$1" 2>&1
+}
+
+# What zsh types and lists when Tab is pressed: its completion runs in a terminal only.
+in_zsh() {
+    zsh --no-rcs -c '
+        zmodload zsh/zpty
+        zpty shell zsh --no-rcs -i
+        zpty -w shell "PS1=; fpath=($1 \$fpath); autoload -Uz compinit; compinit -u -d $2/dump"
+        zpty -w shell "zstyle \":completion:*\" list-prompt \"\"; zstyle \":completion:*\" verbose no"
+        zpty -w shell "LISTMAX=1000; setopt no_always_last_prompt; unsetopt zle_bracketed_paste; print READY"
+        zpty -r shell output "*READY*READY*"
+        zpty -w -n shell "$3"$'"'\\t\\t'"'
+        sleep 2
+        zpty -r -t shell output "*" || true
+        while zpty -r -t shell more; do output+=$more; done
+        print -r -- $output
+        zpty -d shell' zsh "$completions" "$scratch" "$1" 2>&1
+}
+
+in_fish() {
+    HOME=$scratch fish --no-config -c 'source $argv[1]; complete -C $argv[2]' \
+        "$completions/dpc.fish" "$1" 2>&1
+}
+
+# offers SHELL LINE WORD...: each of the words is offered, and nothing complains.
+offers() {
+    shell=$1 line=$2
+    shift 2
+    offered=$("in_$shell" "$line")
+    for word in "$@"; do
+        printf '%s\n' "$offered" | grep -qF -e "$word" ||
+            fail "$shell does not offer $word for '$line' but: $offered"
+    done
+    case $offered in
+        *rror:* | *'not found'*) fail "$shell, for '$line': $offered" ;;
+    esac
+}
+
+check='--format --quiet --werror --no-rule --hosts --hosts-file --list-rules'
+show='--format --expand --host --date --iteration'
+for shell in bash zsh fish; do
+    offers $shell 'dpc ' check show diff roundtrip
+    # shellcheck disable=SC2086 # a word each
+    offers $shell 'dpc check --' $check
+    # shellcheck disable=SC2086
+    offers $shell 'dpc show --' $show
+    offers $shell 'dpc show --format ' text csv json
+    offers $shell 'dpc diff ' a.dpc folder
+done
+# fish lists other files as well, behind these.
+for shell in bash zsh; do
+    ! in_$shell 'dpc diff ' | grep -q b.txt || fail "$shell offers files of other types"
+done
+
+# They are loaded where the shells look for them, and know every option of the program.
+[ -e "$build/bin/dpc" ] || exit 0
+for command in check show; do
+    for option in $("$build/bin/dpc" $command --help | sed -n '/^OPTIONS/,/^[A-Z]* [A-Z]*$/p' | grep -o -e ' --[a-z-]*'); do
+        for shell in bash zsh fish; do
+            offers $shell "dpc $command --" "$option"
+        done
+    done
+done

@@ -1,0 +1,21 @@
+# The manual pages have no fault that mandoc knows of, refer to pages that exist, and are found.
+. "$(dirname "$0")/common.sh"
+
+install_to "$scratch/usr"
+export MANPATH="$scratch/usr/share/man"
+for page in "$source"/packaging/man/*; do
+    # Pages of programs that are not built are not installed either.
+    mkdir -p "$MANPATH/man${page##*.}"
+    gzip --stdout "$page" >"$MANPATH/man${page##*.}/${page##*/}.gz"
+done
+# mandoc looks for pages that are referred to in the system's folders only.
+faults=$(mandoc -T lint "$source"/packaging/man/* | grep -v 'referenced manual not found') || true
+[ -z "$faults" ] || fail "$faults"
+sed -n 's/^\.Xr \([^ ]*\) \([0-9]\).*/\2 \1/p' "$source"/packaging/man/* | sort -u >"$scratch/references"
+while read -r section name; do
+    man --where "$section" "$name" >"$scratch/page" || fail "there is no $name($section)"
+done <"$scratch/references"
+for program in "$scratch/usr/bin"/*; do
+    man --where 1 "${program##*/}" >"$scratch/page" || fail "$program has no manual page"
+done
+man 5 dpc | grep -q 'fourteen fields' || fail "dpc(5) can't be read"

@@ -1,0 +1,4 @@
+# Debian's own checker has nothing against the package.
+. "$(dirname "$0")/common.sh"
+
+lintian -I --pedantic --allow-root --fail-on error,warning "$(package)"
