@@ -40,7 +40,10 @@ function(twdp_set_counters target)
         target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
     endif()
     if(TWDP_COVERAGE)
-        target_compile_options(${target} PRIVATE --coverage)
+        # Nothing of ours throws or catches: without exceptions each branch is a decision of the
+        # source, and none a way out of every call and past every temporary.
+        target_compile_options(${target} PRIVATE --coverage -fno-exceptions)
+        target_compile_definitions(${target} PRIVATE TWDP_COVERAGE)
         target_link_options(${target} PRIVATE --coverage)
     endif()
 endfunction()

@@ -130,10 +130,9 @@ typename Convert::Text expand(const TestTask& task, typename Convert::Text& text
 _kvString<500> getComputerName()
 {
     char hostName[256] = {};
-    if (::gethostname(hostName, sizeof hostName - 1) != 0)
-        hostName[0] = 0;
+    const bool isKnown = ::gethostname(hostName, sizeof hostName - 1) == 0;
     hostName[sizeof hostName - 2] = 0;
-    return computerNameFrom(hostName);
+    return computerNameFrom(isKnown ? hostName : "");
 }
 
 _kvString<500> computerNameFrom(const char* hostName)

@@ -26,8 +26,7 @@ public:
             addSegment(position, end - position);
             position = end + 1;
         }
-        const bool rooted = m_root > 0;
-        if (m_result.isEmpty() && !rooted)
+        if (m_result.isEmpty())
             m_result.addChar('.');
         if (m_path.text[m_path.length - 1] == '/' && m_result.length > m_root)
             m_result.addChar('/');

@@ -25,6 +25,7 @@ private slots:
         row("/x/A.DPC", "/x/", "A.DPC");
         row("/x.dpc/name.dpc", "/x.dpc/", "name");
         row("/x/.dpc", "/x/", "");
+        row(".dpc", "", "");
         row("mytest.dpc", "", "mytest");
         row("/x/Pr\xC3\xBC"
             "fung.dpc",
@@ -58,6 +59,7 @@ private slots:
         row("/x/bench7_1.dpc", "/x/", "bench7_");
         row("/x/mytest_init.dpc", "/x/", "mytest_init");
         row("/x/12.dpc", "/x/", "");
+        row("12.dpc", "", "");
         row("/x/mytest25.dpc", "/x/", "mytest");
         row("/x/a\xD9\xA3.dpc", "/x/", "a");
         row("mytest1.dpc", "", "mytest");

@@ -122,6 +122,18 @@ private slots:
 
     void aShortWriteIsContinuedOrGivenUp() { failEverywhere(test::Fault::Short, 0); }
 
+    void aWriteThatASignalInterruptsIsRepeated_data() { addScenes(); }
+
+    void aWriteThatASignalInterruptsIsRepeated()
+    {
+        expectNewText(EINTR, [](long call) { return call == SYS_write; });
+    }
+
+    /// Some file systems of users' own can't.
+    void aDiskThatCantSyncGetsTheNewText_data() { addScenes(); }
+
+    void aDiskThatCantSyncGetsTheNewText() { expectNewText(EINVAL, syncs); }
+
     /// After a kill, something may lie beside the file. It must not matter.
     void aKillLeavesAWholeFile_data() { addScenes(); }
 
@@ -214,6 +226,23 @@ private:
                 return;
         }
         qInfo("%d of %d calls, error %d", injected, count, error);
+        QVERIFY(injected > 0);
+    }
+
+    /// The error means no loss where it comes from these calls.
+    template <class IsMeant>
+    void expectNewText(int error, const IsMeant& isMeant)
+    {
+        int injected = 0;
+        for (int at = 0; at < prepareAndCount(); ++at) {
+            if (!isMeant(clean.calls[at]))
+                continue;
+            ++injected;
+            injection = {test::Fault::Fail, at, error};
+            prepareAndRun(true);
+            QVERIFY2(test::contentOf(in(scene.target)) == newText, where());
+            checkNothingElse();
+        }
         QVERIFY(injected > 0);
     }
 

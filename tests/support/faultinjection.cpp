@@ -25,12 +25,15 @@ namespace {
 bool concernsFiles(long call)
 {
     constexpr long others[] = {
-        SYS_brk,          SYS_mmap,         SYS_munmap,      SYS_mremap,         SYS_mprotect,
-        SYS_futex,        SYS_rt_sigaction, SYS_madvise,     SYS_rt_sigprocmask, SYS_getrandom,
-        SYS_exit_group,   SYS_gettid,       SYS_sched_yield, SYS_sigaltstack,    SYS_getpid,
-        SYS_clock_gettime};
+        SYS_brk,           SYS_mmap,         SYS_munmap,      SYS_mremap,         SYS_mprotect,
+        SYS_futex,         SYS_rt_sigaction, SYS_madvise,     SYS_rt_sigprocmask, SYS_getrandom,
+        SYS_exit_group,    SYS_gettid,       SYS_sched_yield, SYS_sigaltstack,    SYS_getpid,
+        SYS_clock_gettime, SYS_tgkill};
     return std::find(std::begin(others), std::end(others), call) == std::end(others);
 }
+
+/// By this signal the child says that what it does from now on is no part of its work.
+constexpr int endOfWork = SIGUSR1;
 
 class Tracer
 {
@@ -46,6 +49,11 @@ public:
         wait(status);
         check(::ptrace(PTRACE_SETOPTIONS, child_, 0, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL));
         while (!WIFEXITED(status) && !WIFSIGNALED(status)) {
+            if (WIFSTOPPED(status) && WSTOPSIG(status) == endOfWork) {
+                check(::ptrace(PTRACE_DETACH, child_, 0, 0));
+                wait(status);
+                break;
+            }
             if (WIFSTOPPED(status) && WSTOPSIG(status) == (SIGTRAP | 0x80))
                 atCall();
             // Other signals are the child's own and reach it; the first one only told us to begin.
@@ -143,6 +151,7 @@ TracedRun runWithFault(const std::function<void()>& work, const Injection& injec
             ::abort();
         ::raise(SIGSTOP);
         work();
+        ::raise(endOfWork);
     });
     return Tracer(child, injection).run();
 }
