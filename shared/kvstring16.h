@@ -40,7 +40,7 @@ public:
         const int fitting = this->fittingOf(count);
         unsigned short* const end = text + length;
         for (int i = 0; i < fitting; ++i)
-            end[i] = static_cast<unsigned short>(static_cast<signed char>(source[i]));
+            end[i] = static_cast<unsigned short>(static_cast<signed char>(source[i])); // NOLINT(bugprone-signed-char-misuse)
         this->terminateAt(length + fitting);
     }
 
