@@ -57,6 +57,7 @@ std::vector<Entry> entriesOf(const SeriesFacts& facts)
 std::vector<std::string> keysOf(const std::vector<Entry>& entries)
 {
     std::vector<std::string> keys;
+    keys.reserve(entries.size());
     for (const Entry& entry : entries)
         keys.push_back(fmt::format("{}", fmt::join(entry.fields, "\n")));
     return keys;

@@ -19,11 +19,22 @@ Path toPath(const QByteArray& text)
     return path;
 }
 
+int longestValueOf(const SeriesFacts& facts, const MachineValues& machine)
+{
+    constexpr int numbersAndAdditions = 20;
+    int longest = std::max(facts.runFolder.size(), facts.name.baseName.size());
+    longest = std::max(longest, machine.computerName ? int(machine.computerName->length) : 0);
+    longest = std::max(longest, machine.tempFolder ? int(machine.tempFolder->length) : 0);
+    longest = std::max(longest, machine.date ? machine.date->size() : 0);
+    return longest + numbersAndAdditions;
+}
+
 } // namespace
 
 NameExpander::NameExpander(const SeriesFacts& facts, MachineValues machine)
     : m_facts(facts)
     , m_machine(std::move(machine))
+    , m_longestValue(longestValueOf(facts, m_machine))
 {}
 
 void NameExpander::turnTo(const LineFact& line)

@@ -19,6 +19,9 @@ public:
     /// As an "_init" file names it that was saved before the tasks belonged to a config file.
     QString namelessInitName(const LineFact& line, const QByteArray& path, int iteration = 0);
 
+    /// At least as long as what any variable stands for, in characters.
+    int longestValue() const { return m_longestValue; }
+
     /// The task as a record of the editor, as far as its files go: paths as the line has them.
     TestTask& record(const LineFact& line);
 
@@ -28,6 +31,7 @@ private:
 
     const SeriesFacts& m_facts;
     MachineValues m_machine;
+    int m_longestValue;
     TestTask m_task;
     int m_file = -1;
 };

@@ -68,8 +68,9 @@ private:
     QString rendered(const QString& arguments) const
     {
         const DpcRun::Result result = m_dpc.run(arguments);
-        return "```console\n$ dpc " + arguments + '\n' +
-               QString::fromUtf8(result.out + result.err) + "```";
+        QByteArray output = result.out + result.err;
+        output.replace("@ROOT@", "/srv/tests");
+        return "```console\n$ dpc " + arguments + '\n' + QString::fromUtf8(output) + "```";
     }
 
     static void compareOrUpdate(const QString& before, const QString& after)
