@@ -12,8 +12,7 @@ namespace {
 
 const QByteArray& lineText()
 {
-    static const QByteArray text =
-        kvToQString(samples::lineOf(samples::defaultTask())).toLatin1();
+    static const QByteArray text = kvToQString(samples::lineOf(samples::defaultTask())).toLatin1();
     return text;
 }
 

@@ -39,8 +39,8 @@ public:
     {
         const int fitting = this->fittingOf(count);
         unsigned short* const end = text + length;
-        for (int i = 0; i < fitting; ++i)
-            end[i] = static_cast<unsigned short>(static_cast<signed char>(source[i])); // NOLINT(bugprone-signed-char-misuse)
+        for (int i = 0; i < fitting; ++i) // NOLINTNEXTLINE(bugprone-signed-char-misuse)
+            end[i] = static_cast<unsigned short>(static_cast<signed char>(source[i]));
         this->terminateAt(length + fitting);
     }
 
