@@ -20,7 +20,7 @@ void writeLine(benchmark::State& state)
 {
     TestTask task = samples::defaultTask();
     _kvString<1000> line;
-    for (auto _ : state)
+    while (state.KeepRunning())
         benchmark::DoNotOptimize(&writeTaskLine(line, task));
 }
 BENCHMARK(writeLine);
@@ -31,7 +31,7 @@ void writePlain(benchmark::State& state)
     PlainTask task = {};
     readByFromChars(task, lineText().constData());
     char buffer[plainLineSize];
-    for (auto _ : state)
+    while (state.KeepRunning())
         benchmark::DoNotOptimize(Write(buffer, task));
 }
 BENCHMARK_TEMPLATE(writePlain, writeBySnprintf);
@@ -42,7 +42,7 @@ void readLine(benchmark::State& state)
     const _kvString<1000> line(lineText().constData());
     const _kvString8_allSize<500> file("/share/test/mytest.dpc");
     TestTask task;
-    for (auto _ : state)
+    while (state.KeepRunning())
         benchmark::DoNotOptimize(readTaskLine(task, line, file));
 }
 BENCHMARK(readLine);
@@ -51,7 +51,7 @@ template <bool (*Read)(PlainTask&, const char*)>
 void readPlain(benchmark::State& state)
 {
     PlainTask task = {};
-    for (auto _ : state)
+    while (state.KeepRunning())
         benchmark::DoNotOptimize(Read(task, lineText().constData()));
 }
 BENCHMARK_TEMPLATE(readPlain, readBySscanf);
@@ -62,7 +62,7 @@ void expandName(benchmark::State& state)
 {
     TestTask task = samples::defaultTask();
     task.configPath = _kvString8_allSize<500>("/share/test/mytest.dpc");
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         _kvString<500> name("[cfgPath]/[cfgName]/[host]/testfile-[cfgTaskID]_[iter].dat");
         benchmark::DoNotOptimize(replaceFileVariables(task, name, 7, 3, false));
     }

@@ -97,6 +97,7 @@ std::vector<AlignedPair> align(const Texts& first, const Texts& second)
     constexpr std::int64_t mostCells = 9000000; // 36 MB, some milliseconds
     const Middle middle = middleOf(first, second);
     std::vector<AlignedPair> pairs;
+    pairs.reserve(first.size() + second.size());
     for (int i = 0; i < middle.begin; ++i)
         pairs.push_back({i, i});
     const std::int64_t cells =
