@@ -166,7 +166,7 @@ void addHost(QStringList& hosts, const QString& name)
 
 void readHosts(QStringList& hosts, const std::string& path)
 {
-    constexpr qint64 largestFile = 1024 * 1024;
+    constexpr qint64 largestFile = 1024LL * 1024;
     QFile file(decoded(path));
     if (!file.open(QIODevice::ReadOnly))
         throw wrong("--hosts-file", fmt::format("{} can't be read", quoted(decoded(path))));

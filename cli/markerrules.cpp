@@ -61,7 +61,7 @@ void checkTarget(const SeriesFacts& facts, const Chain& chain, const LineFact& l
     const int number = facts.fileOf(line).number;
     const QString target = names.place(line, line.text);
     const QString next = seriesFile(QString(), facts.name.baseName, number + 1);
-    if (!chain[size_t(number + 1)].exists)
+    if (!chain[size_t(number) + 1].exists)
         findings.add(
             Rule::LastMarker, line, line.column + 1,
             fmt::format("the marker names {}, but there is no file {}: machines wait for ever",

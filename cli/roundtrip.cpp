@@ -3,6 +3,7 @@
 #include "cli/alignment.h"
 #include "cli/taskrecord.h"
 #include "cli/text.h"
+#include "configset/configfilereader.h"
 #include "configset/seriesloader.h"
 #include "configset/seriesrenderer.h"
 #include "shared/kvfile.h"
@@ -53,7 +54,7 @@ QByteArray contentOf(const QString& path)
 {
     QFile file(path);
     const bool isFile = QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly);
-    return isFile ? file.read(64 * 1024 * 1024) : QByteArray();
+    return isFile ? file.read(ConfigFileReader::largestFile) : QByteArray();
 }
 
 /// The last line has a line end in a file that is whole.

@@ -1,3 +1,6 @@
+set(twdp_test_environment LC_ALL=C.UTF-8
+    LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0)
+
 # twdp_add_test(NAME <name> SOURCE <file> LABEL <unit|gui|fault|package> LIBRARIES <targets...>)
 #
 # One executable per unit. A gui test runs twice: on the offscreen platform and in a real X server
@@ -8,15 +11,13 @@ function(twdp_add_test)
     add_executable(${arg_NAME} ${arg_SOURCE})
     twdp_target(${arg_NAME})
     target_link_libraries(${arg_NAME} PRIVATE ${arg_LIBRARIES} Qt5::Test)
-    set(environment LC_ALL=C.UTF-8
-        LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0)
     add_test(NAME ${arg_NAME} COMMAND ${arg_NAME})
     set_tests_properties(${arg_NAME} PROPERTIES LABELS ${arg_LABEL} TIMEOUT 300
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${environment}")
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${twdp_test_environment}")
     if(arg_LABEL STREQUAL gui)
         add_test(NAME ${arg_NAME}_x11
             COMMAND xvfb-run -a -s "-screen 0 1920x1080x24" $<TARGET_FILE:${arg_NAME}>)
         set_tests_properties(${arg_NAME}_x11 PROPERTIES LABELS ${arg_LABEL} TIMEOUT 300
-            ENVIRONMENT "QT_QPA_PLATFORM=xcb;${environment}")
+            ENVIRONMENT "QT_QPA_PLATFORM=xcb;${twdp_test_environment}")
     endif()
 endfunction()
