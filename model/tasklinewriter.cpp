@@ -6,6 +6,7 @@
 namespace {
 
 /// A line in 8 bits, uncut: there is room for four whole paths and everything between them.
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): clearing it would cost more than the line
 class Bytes
 {
 public:
