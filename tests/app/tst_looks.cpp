@@ -41,7 +41,7 @@ double paintedContrast(QWidget& widget)
 {
     const QImage image = widget.grab().toImage().convertToFormat(QImage::Format_RGB32);
     const auto* first = reinterpret_cast<const QRgb*>(image.constBits());
-    std::vector<QRgb> pixels(first, first + image.width() * image.height());
+    std::vector<QRgb> pixels(first, first + image.sizeInBytes() / qsizetype(sizeof(QRgb)));
     std::sort(pixels.begin(), pixels.end());
     QMap<QRgb, std::ptrdiff_t> counts;
     for (auto run = pixels.cbegin(); run != pixels.cend();) {
