@@ -37,6 +37,12 @@ inline QByteArray bytesOf(const std::uint8_t* data, std::size_t size)
     return {reinterpret_cast<const char*>(data), static_cast<int>(size)};
 }
 
+/// Zeros are characters like others, where QString's own conversion of a byte array ends.
+inline QString latin1(const QByteArray& bytes)
+{
+    return QString::fromLatin1(bytes.constData(), bytes.size());
+}
+
 /// Cuts off and returns the text before the first line feed, or everything.
 inline QByteArray takeLine(QByteArray& rest)
 {

@@ -15,11 +15,6 @@ namespace {
 
 constexpr int longestHost = 499; // The 8-bit twin takes no more, which is a rule of its own.
 
-QString latin1(const QByteArray& bytes, int length)
-{
-    return QString::fromLatin1(bytes.left(length));
-}
-
 slow::NameValues valuesOf(QByteArray& input)
 {
     slow::NameValues values;
@@ -28,9 +23,9 @@ slow::NameValues valuesOf(QByteArray& input)
     values.iteration = words.value(1).toInt();
     values.configId = words.value(2).toInt();
     values.keepCfgPath = words.contains("keep");
-    values.configPath = latin1(fuzz::takeLine(input), 500);
-    values.host = latin1(fuzz::takeLine(input), longestHost);
-    values.date = latin1(fuzz::takeLine(input), 500);
+    values.configPath = fuzz::latin1(fuzz::takeLine(input).left(500));
+    values.host = fuzz::latin1(fuzz::takeLine(input).left(longestHost));
+    values.date = fuzz::latin1(fuzz::takeLine(input).left(500));
     values.temp = kvToQString(kvGetTempDir());
     return values;
 }
@@ -88,7 +83,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     QByteArray input = fuzz::bytesOf(data, size);
     const slow::NameValues values = valuesOf(input);
-    const QString name = latin1(input, 500);
+    const QString name = fuzz::latin1(input.left(500));
 
     const slow::Expansion expected = slow::expandName(name, values);
     const Result is = wide(name, values);

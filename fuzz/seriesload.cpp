@@ -62,7 +62,7 @@ bool leadsElsewhere(const QString& name)
 
 void unpackOne(const QString& folder, QByteArray entry)
 {
-    QString name = QString::fromLatin1(fuzz::takeLine(entry)).left(longestName);
+    QString name = fuzz::latin1(fuzz::takeLine(entry).left(longestName));
     const bool isFolder = name.endsWith('/');
     if (isFolder)
         name.chop(1);
@@ -112,7 +112,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QString root = folder.path() + "set/";
 
     QByteArray input = fuzz::bytesOf(data, size);
-    QString chosen = QString::fromLatin1(input.split('\n').first()).left(longestName);
+    QString chosen = fuzz::latin1(input.split('\n').first().left(longestName));
     const QString infoText = chosen.startsWith('+') ? "info" : "";
     chosen.remove(0, infoText.isEmpty() ? 0 : 1);
     for (const QByteArray& entry : entriesOf(input))

@@ -111,8 +111,8 @@ void checkReading(const QString& text, const Line& line, const Path& configPath)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     QByteArray input = fuzz::bytesOf(data, size);
-    const auto configPath = kvToString8<500>(QString::fromLatin1(fuzz::takeLine(input)));
-    const QString line = QString::fromLatin1(input.left(1000));
+    const auto configPath = kvToString8<500>(fuzz::latin1(fuzz::takeLine(input)));
+    const QString line = fuzz::latin1(input.left(1000));
     checkReading(line, kvToString16<1000>(line), configPath);
     checkReading(line, signExtended(line), configPath);
     checkWriting(line);
