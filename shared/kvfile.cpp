@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QRandomGenerator>
 
+#include <array>
 #include <cerrno>
 #include <climits>
 #include <fcntl.h>
@@ -34,12 +35,13 @@ QByteArray folderOf(const QByteArray& path)
 QByteArray linkTarget(QByteArray path)
 {
     constexpr int mostLinks = 40;
-    QByteArray target(PATH_MAX, '\0');
+    // No QByteArray: the checked readlink takes its bytes for the few behind its header.
+    std::array<char, PATH_MAX> target = {};
     for (int i = 0; i < mostLinks; ++i) {
-        const ssize_t size = ::readlink(path.constData(), target.data(), PATH_MAX);
+        const ssize_t size = ::readlink(path.constData(), target.data(), target.size());
         if (size < 0)
             break;
-        const QByteArray next = target.left(static_cast<int>(size));
+        const QByteArray next(target.data(), static_cast<int>(size));
         path = next.startsWith('/') ? next : folderOf(path) + next;
     }
     return path;

@@ -7,6 +7,7 @@
 #include <QDirIterator>
 #include <QFile>
 
+#include <array>
 #include <climits>
 #include <unistd.h>
 
@@ -65,9 +66,10 @@ mode_t modeOf(const QString& path)
 
 QByteArray linkOf(const QString& path)
 {
-    QByteArray target(PATH_MAX, '\0');
-    const ssize_t size = ::readlink(QFile::encodeName(path).constData(), target.data(), PATH_MAX);
-    return target.left(size < 0 ? 0 : static_cast<int>(size));
+    std::array<char, PATH_MAX> target = {};
+    const ssize_t size =
+        ::readlink(QFile::encodeName(path).constData(), target.data(), target.size());
+    return {target.data(), size < 0 ? 0 : static_cast<int>(size)};
 }
 
 QStringList entriesOf(const QString& folder)
