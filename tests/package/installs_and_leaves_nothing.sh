@@ -60,14 +60,12 @@ chmod +x "$scratch/editor"
 export ROOT="$root"
 in_x sh "$source/tests/package/save_through_window.sh" /tmp/series/mytest.dpc "$scratch/editor"
 [ "$(grep -c '^Stream;' "$root/tmp/series/_wait/mytest.dpc")" -eq 1 ] || fail "no task was saved"
-if [ -e "$root/usr/bin/dpc" ]; then
-    # shellcheck disable=SC2086 # the command and its options
-    $as_user "$root" dpc show /tmp/series/_wait/mytest.dpc | grep -q Stream ||
-        fail "dpc does not show the series"
-    # shellcheck disable=SC2086
-    $as_user "$root" dpc check /tmp/series/mytest.dpc && code=0 || code=$?
-    [ "$code" -le 1 ] || fail "dpc can't check the series"
-fi
+# shellcheck disable=SC2086 # the command and its options
+$as_user "$root" dpc show /tmp/series/_wait/mytest.dpc | grep -q Stream ||
+    fail "dpc does not show the series"
+# shellcheck disable=SC2086
+$as_user "$root" dpc check /tmp/series/mytest.dpc && code=0 || code=$?
+[ "$code" -le 1 ] || fail "dpc can't check the series"
 
 chroot "$root" dpkg --purge twdiskprobe >"$scratch/log" 2>&1 || fail "$(cat "$scratch/log")"
 everything >"$scratch/after"
