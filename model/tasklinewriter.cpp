@@ -1,7 +1,7 @@
 #include "model/tasklinewriter.h"
 
+#include <algorithm>
 #include <charconv>
-#include <cstring>
 
 namespace {
 
@@ -13,7 +13,7 @@ public:
     void add(const char* text) { add(text, kvdetail::textLength(text)); }
     void add(const char* text, int count)
     {
-        std::memcpy(m_text + m_length, text, static_cast<std::size_t>(count));
+        std::copy_n(text, count, m_text + m_length);
         m_length += count;
     }
 
