@@ -23,7 +23,7 @@ void writeSeriesFile(const QString& path, int taskCount)
         file.write(kvToQString(samples::lineOf(task)).toLatin1() + '\n');
 }
 
-/// Moving a row up swaps two records and refreshes the whole table.
+/// Moving a row up swaps two records and refreshes the whole table, which the load did before.
 void countRefresh(const QString& folder, int size)
 {
     writeSeriesFile(folder + "tasks.dpc", size);
@@ -32,7 +32,7 @@ void countRefresh(const QString& folder, int size)
     require(editor.table()->rowCount() == size, "loading into the window");
     editor.table()->setCurrentCell(2, 0);
     auto* const button = editor.find<QPushButton>("buttonMoveUp");
-    count("refresh " + QByteArray::number(size), [&] { button->click(); });
+    counting::countOnce("refresh " + QByteArray::number(size), [&] { button->click(); });
 }
 
 /// A table with the same rows, filled by the shortest code there is.

@@ -160,6 +160,31 @@ private slots:
         QCOMPARE(filesOf(task).size(), 0);
     }
 
+    void whateverANameHoldsItsFilesAreThoseOfAllIterations()
+    {
+        TestTask task;
+        task.configPath = path("/c/my.dpc");
+        task.iterations = 12;
+        MachineValues machine;
+        machine.computerName = _kvString<500>("[it"); // completes a variable that comes later
+        machine.date = QStringLiteral("er]");
+        for (const char* name : {"/s/a", "/s/[iter]", "[temp]/[cfgName]", "[cfgPath]/[iter",
+                                 "/s/[Iter]", "[[iter]]/[cfgTaskID]", "/s/[host]er]/a",
+                                 "/s/[it[date]", "[host][date]"}) {
+            task.sourcePath = path(name);
+            QStringList expected;
+            for (int iteration = 0; iteration < task.iterations; ++iteration) {
+                _kvString<500> text(name);
+                expected +=
+                    kvToQString(replaceFileVariables(task, text, 0, iteration, true, machine));
+            }
+            expected.removeDuplicates();
+            FileToCreateList list;
+            collectFilesOfTask(list, task, 0, machine);
+            QCOMPARE(textsOf(list), expected);
+        }
+    }
+
     void sameTextIsCollectedOnce()
     {
         TestTask first = taskTo("");
