@@ -1,20 +1,10 @@
-#include "tests/ui/formlisting.h"
-#include "tests/ui/formtexts.h"
+#include "tests/ui/formstate.h"
 
 #include "ui_twdiskprobe.h"
 
 #include <QTest>
-#include <QTranslator>
 
 namespace {
-
-QString textOf(const QObject& object)
-{
-    for (const char* property : {"text", "title", "plainText"})
-        if (object.metaObject()->indexOfProperty(property) >= 0)
-            return object.property(property).toString();
-    return "has no text";
-}
 
 void setTextOf(QObject& object, const QString& text)
 {
@@ -23,24 +13,6 @@ void setTextOf(QObject& object, const QString& text)
             object.setProperty(property, text);
 }
 
-QVector<ObjectText> allTexts()
-{
-    return shortTexts() + helpTexts();
-}
-
-// Marks every text, and remembers the contexts that it was asked for.
-class MarkingTranslator : public QTranslator
-{
-public:
-    bool isEmpty() const override { return false; }
-    QString translate(const char* context, const char* text, const char*, int) const override
-    {
-        if (QByteArray(context) != "twDiskProbeClass")
-            return {};
-        return QString("~") + text;
-    }
-};
-
 } // namespace
 
 class TestFormTexts : public QObject
@@ -48,7 +20,6 @@ class TestFormTexts : public QObject
     Q_OBJECT
 
     QWidget* named(const QString& name) { return m_window->findChild<QWidget*>(name); }
-    QStringList state() const;
     void changeEverything();
     std::unique_ptr<QMainWindow> m_window;
     Ui::twDiskProbeClass m_form{};
@@ -196,9 +167,9 @@ void TestFormTexts::retranslatingResetsTheTextsAndNothingElse()
 {
     changeEverything();
     m_form.checkFlush->setToolTip("added");
-    const QStringList before = state();
+    const QStringList before = stateOf(*m_window);
     m_form.retranslateUi(m_window.get());
-    QCOMPARE(state(), before);
+    QCOMPARE(stateOf(*m_window), before);
     QCOMPARE(m_form.checkFlush->toolTip(), QString("added"));
     m_form.checkFlush->setToolTip({});
 
@@ -208,25 +179,6 @@ void TestFormTexts::retranslatingResetsTheTextsAndNothingElse()
     comboBoxesHoldTheirItems();
     m_form.tableWidget->setRowCount(0);
     tableHasItsColumns();
-}
-
-// Every property of every widget that is no text of the form.
-QStringList TestFormTexts::state() const
-{
-    static const QSet<QString> texts = {"text", "title", "plainText", "toolTip", "currentText"};
-    QStringList lines = {m_window->objectName(), sizeName(m_window->size())};
-    for (const QWidget* widget : namedWidgets(*m_window))
-        for (int i = 0; i < widget->metaObject()->propertyCount(); ++i) {
-            const QMetaProperty property = widget->metaObject()->property(i);
-            const bool ownText = qobject_cast<const QLineEdit*>(widget) != nullptr;
-            if (property.isWritable() && (ownText || !texts.contains(property.name())))
-                lines +=
-                    QString("%1 %2 %3")
-                        .arg(widget->objectName(), property.name(), valueName(property, *widget));
-        }
-    for (int row = 0; row < m_form.tableWidget->rowCount(); ++row)
-        lines += m_form.tableWidget->item(row, 0)->text();
-    return lines;
 }
 
 QTEST_MAIN(TestFormTexts)
