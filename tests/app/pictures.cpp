@@ -1,5 +1,6 @@
-#include "tests/app/editor.h"
+#include "tests/app/guideplayer.h"
 #include "tests/support/files.h"
+#include "tests/support/ownmounts.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -8,9 +9,9 @@
 
 namespace {
 
-void save(QWidget& widget, const QString& file)
+void save(const QPixmap& picture, const QString& file)
 {
-    if (!widget.grab().save(file))
+    if (!picture.save(file))
         qFatal("can't write %s", qPrintable(file));
 }
 
@@ -18,7 +19,7 @@ void save(QWidget& widget, const QString& file)
 DialogAnswers::Answer pictureOf(const QString& file)
 {
     return [file](QDialog& dialog) {
-        save(dialog, file);
+        save(dialog.grab(), file);
         pressKey(dialog, Qt::Key_Return);
     };
 }
@@ -41,7 +42,7 @@ void takeWindow(const QString& folder)
 {
     Editor editor;
     composeSeries(editor);
-    save(editor.window, folder + "window.png");
+    save(editor.window.grab(), folder + "window.png");
 }
 
 /// In a font for which the window's initial size is enough.
@@ -55,7 +56,7 @@ void takeSmallWindow(const QString& folder)
     composeSeries(editor);
     if (editor.window.size() != QSize(1200, 880))
         qFatal("the window is not 1200 x 880");
-    save(editor.window, folder + "window-1200x880.png");
+    save(editor.window.grab(), folder + "window-1200x880.png");
     QApplication::setFont(before);
 }
 
@@ -79,14 +80,42 @@ void takeDialogs(const QString& folder)
     editor.click("buttonLoad");
 }
 
+void takeGuide(const QString& guide, const QString& folder)
+{
+    GuidePlayer player;
+    for (const GuidePart& part : guideParts(guide)) {
+        if (part.kind == GuidePart::Kind::Action)
+            player.act(part);
+        else if (part.kind == GuidePart::Kind::Picture)
+            save(player.picture(part.name), folder + part.name + ".png");
+    }
+}
+
+void takeGuides(const QString& folder)
+{
+    const QByteArray page = test::contentOf(TWDP_SOURCE_DIR "/docs/user-guide.md");
+    for (const GuideSection& guide : guideSections(QString::fromUtf8(page))) {
+        // The disk and the share of which the page speaks, so that the file dialogs show no other.
+        const test::SmallDisk disks("/mnt", "size=1m");
+        for (const char* path : {"/mnt/disk/test", "/mnt/nas/test", "/mnt/home"})
+            QDir().mkpath(path);
+        QDir::setCurrent("/mnt/disk");
+        takeGuide(guide.text, folder);
+        QDir::setCurrent("/");
+    }
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
+    test::allowMounts();
+    qputenv("HOME", "/mnt/home"); // file dialogs name the one who takes the pictures
     QApplication application(argc, argv);
     if (argc != 2 || !QDir(argv[1]).exists())
         qFatal("usage: docPictures FOLDER");
-    const QString folder = QString::fromLocal8Bit(argv[1]) + '/';
+    const QString folder = QDir(argv[1]).absolutePath() + '/';
+    takeGuides(folder);
     takeWindow(folder);
     takeSmallWindow(folder);
     takeDialogs(folder);

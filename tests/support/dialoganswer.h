@@ -134,10 +134,11 @@ private:
 };
 
 /// An answer that types @p name into a file dialog, as whole path or relative to the folder that
-/// it shows, and presses Enter.
-inline DialogAnswers::Answer chooseFile(const QString& name)
+/// it shows, and presses Enter. @p beforeEnter may look at the dialog in between.
+inline DialogAnswers::Answer chooseFile(const QString& name,
+                                        const DialogAnswers::Answer& beforeEnter = {})
 {
-    return [name](QDialog& dialog) {
+    return [name, beforeEnter](QDialog& dialog) {
         QVERIFY2(qobject_cast<QFileDialog*>(&dialog) != nullptr, "this is no file dialog");
         auto* edit = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
         QVERIFY(edit != nullptr);
@@ -145,6 +146,8 @@ inline DialogAnswers::Answer chooseFile(const QString& name)
         // As an input method does it: keyClicks() has no keys for letters like umlauts.
         QTest::sendKeyEvent(QTest::Click, edit, Qt::Key_unknown, name, Qt::NoModifier);
         QCOMPARE(edit->text(), name);
+        if (beforeEnter)
+            beforeEnter(dialog);
         QTest::keyClick(edit, Qt::Key_Return);
     };
 }

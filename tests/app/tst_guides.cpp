@@ -1,0 +1,147 @@
+#include "cli/commandline.h"
+#include "tests/app/guideplayer.h"
+#include "tests/support/files.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+
+#include <sstream>
+
+// The guides are played as they are written. Files and output that a page shows are those that the
+// programs make, byte for byte but for the folder in which the test puts them.
+
+class TestGuides : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_folder.reset(new QTemporaryDir);
+        QVERIFY(m_folder->isValid());
+        m_root = QFileInfo(m_folder->path()).canonicalFilePath();
+        m_shown.clear();
+    }
+
+    void guideMakesWhatItShows_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("showsAllFiles");
+        QCOMPARE(addGuides("docs/user-guide.md", true), 4);
+        QCOMPARE(addGuides("README.md", false), 1);
+    }
+
+    void guideMakesWhatItShows()
+    {
+        QFETCH(QString, text);
+        QFETCH(bool, showsAllFiles);
+        GuidePlayer player(m_root);
+        for (const GuidePart& part : guideParts(text)) {
+            QVERIFY(makeFolder(part.value));
+            play(player, part);
+            if (QTest::currentTestFailed())
+                return;
+        }
+        QVERIFY(!m_shown.isEmpty());
+        if (showsAllFiles)
+            QCOMPARE(m_shown, filesBelow(m_root));
+    }
+
+    void everyPictureThatAPageShowsExists()
+    {
+        static const QRegularExpression image(R"(!\[[^]]+\]\(([^)]+)\))");
+        QStringList guidePictures;
+        for (const QString page : {"README.md", "docs/user-guide.md"}) {
+            auto shown = image.globalMatch(contentOf(page));
+            QVERIFY2(shown.hasNext(), qPrintable(page));
+            while (shown.hasNext()) {
+                const QFileInfo file(QFileInfo(source(page)).path() + '/' +
+                                     shown.next().captured(1));
+                QVERIFY2(file.isFile(), qPrintable(file.filePath()));
+                if (file.fileName().startsWith("guide-"))
+                    guidePictures += file.fileName();
+            }
+        }
+        // And none is left over from an older page.
+        guidePictures.sort();
+        QCOMPARE(QDir(source("docs/images")).entryList({"guide-*"}, QDir::Files, QDir::Name),
+                 guidePictures);
+    }
+
+private:
+    static QString source(const QString& file) { return TWDP_SOURCE_DIR "/" + file; }
+    static QString contentOf(const QString& file)
+    {
+        return QString::fromUtf8(test::contentOf(source(file)));
+    }
+
+    /// Adds the sections of a page that can be played, and tells how many they are.
+    static int addGuides(const char* page, bool showAllFiles)
+    {
+        int guides = 0;
+        for (const GuideSection& section : guideSections(contentOf(page))) {
+            if (guideParts(section.text).isEmpty())
+                continue;
+            QTest::newRow(qPrintable(section.title)) << section.text << showAllFiles;
+            ++guides;
+        }
+        return guides;
+    }
+
+    /// The disk or share that a person has already.
+    bool makeFolder(const QString& file) const
+    {
+        return !file.startsWith('/') || QDir().mkpath(QFileInfo(m_root + file).path());
+    }
+
+    void play(GuidePlayer& player, const GuidePart& part)
+    {
+        switch (part.kind) {
+        case GuidePart::Kind::Action:
+            return player.act(part);
+        case GuidePart::Kind::Picture:
+            QVERIFY(!player.picture(part.name).isNull());
+            return;
+        case GuidePart::Kind::Listing:
+            m_shown += part.name;
+            QCOMPARE(QString::fromLatin1(test::contentOf(m_root + part.name)).remove(m_root),
+                     part.value);
+            return;
+        case GuidePart::Kind::Command:
+            QCOMPARE(outputOf(part.name).remove(m_root), part.value);
+            return;
+        }
+    }
+
+    /// Runs a dpc command of the page. Paths begin with "/". How much room the test's own disk has
+    /// is no matter of the page.
+    QString outputOf(const QString& command) const
+    {
+        const QStringList words = command.split(' ');
+        if (words[0] != "dpc")
+            return "this is no command of ours";
+        std::vector<std::string> arguments;
+        for (const QString& word : words.mid(1))
+            arguments.push_back((word.startsWith('/') ? m_root + word : word).toStdString());
+        std::ostringstream output;
+        arguments.insert(arguments.end(), {"--no-rule", "disk-space"});
+        runDpc(arguments, {output, output, false});
+        return QString::fromStdString(output.str());
+    }
+
+    static QStringList filesBelow(const QString& folder)
+    {
+        QStringList files;
+        for (const QString& entry : test::entriesOf(folder))
+            if (QFileInfo(folder + '/' + entry).isFile())
+                files += '/' + entry;
+        return files;
+    }
+
+    QScopedPointer<QTemporaryDir> m_folder;
+    QString m_root;
+    QStringList m_shown; ///< the files of which the page shows the content
+};
+
+QTEST_MAIN(TestGuides)
+#include "tst_guides.moc"
