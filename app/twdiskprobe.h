@@ -16,6 +16,7 @@ class twDiskProbe : public QMainWindow
     Q_DISABLE_COPY_MOVE(twDiskProbe)
 
 public:
+    /// Opens with an empty list, and shows the defaults of a new task in the form.
     explicit twDiskProbe(QWidget* parent = nullptr, Qt::WindowFlags flags = {});
     ~twDiskProbe() override;
 

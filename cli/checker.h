@@ -29,6 +29,7 @@ struct World
 /// This machine.
 World realWorld();
 
+/// What the user asks of a check.
 struct CheckOptions
 {
     QStringList hosts; ///< the machines that run the series; none: this one alone
@@ -41,6 +42,7 @@ struct CheckOptions
 class Findings
 {
 public:
+    /// Of one series; both must outlive it.
     Findings(const SeriesFacts& facts, const CheckOptions& options)
         : m_facts(facts)
         , m_options(options)
@@ -48,6 +50,7 @@ public:
 
     /// At a column of a line, both from 1.
     void add(Rule rule, int file, int line, int column, std::string text);
+    /// At a column of a line that holds something.
     void add(Rule rule, const LineFact& line, int column, std::string text)
     {
         add(rule, line.file, line.line, column, std::move(text));
@@ -62,18 +65,25 @@ private:
     std::vector<Finding> m_findings;
 };
 
-// The rules, by subject.
+/// The rules about a line as text, its fields and their values.
 void checkLines(const SeriesFacts& facts, Findings& findings);
+/// The rules about a path by itself: its variables, its form, its folder.
 void checkPaths(const SeriesFacts& facts, const CheckOptions& options, Findings& findings);
+/// The rules about who makes what a task reads.
 void checkSources(const SeriesFacts& facts, const CheckOptions& options, Findings& findings);
+/// The rules about which files there are, and which are read.
 void checkFiles(const SeriesFacts& facts, Findings& findings);
+/// The rules about the markers that lead from file to file.
 void checkMarkers(const SeriesFacts& facts, Findings& findings);
+/// The rules about the "_init" file.
 void checkInit(const SeriesFacts& facts, Findings& findings);
+/// The rules about what goes wrong only because several machines run the series.
 void checkMachines(const SeriesFacts& facts, const CheckOptions& options, Findings& findings);
 
 /// All findings of a series that was read.
 std::vector<Finding> checkSeries(const SeriesFacts& facts, const CheckOptions& options);
 
+/// What came of a check.
 struct CheckResult
 {
     std::vector<Finding> findings;

@@ -25,15 +25,17 @@ struct Output
     bool colour = false; ///< of `out`
 };
 
+/// The arguments of `dpc check`.
 struct CheckCommand
 {
     QStringList paths;
     CheckOptions options;
     bool json = false;
     bool quiet = false;
-    bool warningsCount = false;
+    bool warningsCount = false; ///< as errors, for the exit status
 };
 
+/// The arguments of `dpc show`.
 struct ShowCommand
 {
     QString path;
@@ -41,9 +43,13 @@ struct ShowCommand
     std::optional<Expansion> expansion;
 };
 
+/// Prints the findings of all series.
 int runCheck(const CheckCommand& command, const Output& output);
+/// Prints the tasks of a series, and its totals.
 int runShow(const ShowCommand& command, const Output& output);
+/// Prints what is different between two series.
 int runDiff(const QString& first, const QString& second, const Output& output);
+/// Prints what a load and a save would change.
 int runRoundTrip(const QString& path, const Output& output);
 
 /// One sentence to the error stream; returns exitImpossible.

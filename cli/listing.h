@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+/// How tasks are listed.
 enum class ListFormat
 {
     Text,

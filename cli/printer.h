@@ -14,4 +14,5 @@ std::string findingsAsJson(const std::vector<Finding>& findings);
 /// "2 errors, 1 warning, 0 notes".
 std::string summaryOf(const std::vector<Finding>& findings);
 
+/// How many of them are of this severity.
 int countOf(const std::vector<Finding>& findings, Severity severity);

@@ -4,6 +4,7 @@
 
 #include <string>
 
+/// What came of a comparison.
 struct RoundTrip
 {
     std::string changes; ///< what a load and a save would change, file by file; empty for nothing

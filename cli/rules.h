@@ -3,6 +3,7 @@
 #include <array>
 #include <string>
 
+/// How bad a finding is.
 enum class Severity
 {
     Error,   ///< the series does not run, or not as it was meant
@@ -10,6 +11,7 @@ enum class Severity
     Note     ///< good to know
 };
 
+/// "error" and so on.
 const char* severityName(Severity severity);
 
 /// Everything that `dpc check` looks for, in the order of the table in rules.cpp.
@@ -84,8 +86,10 @@ struct RuleInfo
     const char* good;    ///< what to write instead
 };
 
+/// All rules, in the order of Rule.
 const std::array<RuleInfo, ruleCount>& ruleTable();
 
+/// The line of one of them.
 const RuleInfo& infoOf(Rule rule);
 
 /// Null where no rule has this name.

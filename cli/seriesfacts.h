@@ -28,6 +28,7 @@ struct TaskSettings
     bool writeDone = false;
 };
 
+/// The settings of a record.
 TaskSettings settingsOf(const TestTask& task);
 
 /// The paths of a task in the order of the line.
@@ -46,6 +47,7 @@ constexpr int firstPathField = 10; ///< field number of the source, from 1
 /// was cut.
 struct LineFact
 {
+    /// What the line is.
     enum class Kind
     {
         Task,
@@ -77,9 +79,11 @@ struct LineFact
     QByteArray path(TaskPath which) const;
     /// Where a field begins, from 1.
     int columnOf(int number) const;
+    /// Where a path begins, from 1.
     int columnOf(TaskPath which) const { return columnOf(firstPathField + which); }
 };
 
+/// A file of the series, whether a load reads it or not.
 struct FileFact
 {
     QString path;       ///< absolute
@@ -107,6 +111,7 @@ struct InitEntry
     bool isActive = false; ///< not commented out
 };
 
+/// All of a series.
 struct SeriesFacts
 {
     SeriesName name;     ///< with an absolute folder
@@ -125,6 +130,7 @@ struct SeriesFacts
     /// How many iterations of each task are looked at: all, or one where nobody would wait for all.
     int iterationLimit = 0;
 
+    /// The file that holds a line.
     const FileFact& fileOf(const LineFact& line) const { return files[size_t(line.file)]; }
 };
 

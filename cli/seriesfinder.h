@@ -7,12 +7,14 @@
 #include <string>
 #include <vector>
 
+/// A series that has at least one file.
 struct FoundSeries
 {
     SeriesName name;     ///< with an absolute folder
     QString shownFolder; ///< the folder as the user spells it
 };
 
+/// What came of a search.
 struct SeriesSearch
 {
     std::vector<FoundSeries> series;

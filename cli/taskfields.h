@@ -15,6 +15,7 @@ const char* methodWord(IoMethod method);
 
 /// "Copy", "Write" or "Read".
 const char* typeWord(const LineFact& line);
+/// By what the line has in place of its paths.
 TestType typeOf(const LineFact& line);
 
 /// The rules about numbers and settings of one task.

@@ -8,6 +8,7 @@
 class NameExpander
 {
 public:
+    /// The facts must outlive it.
     NameExpander(const SeriesFacts& facts, MachineValues machine);
 
     /// Where a path lies; a relative one counts from the folder of the config file.
@@ -46,5 +47,7 @@ MachineValues thisMachine();
 /// True if a name that was expanded by noMachine() is another one on each machine or at each run.
 bool dependsOnMachine(const QString& name);
 
+/// True for a line that names the next config file.
 bool isMarker(const LineFact& line);
+/// True for a line that the reader takes as a task.
 bool isTask(const LineFact& line);

@@ -7,6 +7,7 @@
 
 // Everything that dpc prints is UTF-8.
 
+/// Any text as it is printed.
 inline std::string utf8(const QString& text)
 {
     return text.toStdString();
@@ -24,6 +25,7 @@ std::string printable(const QString& text);
 
 /// Printable, in quotes, long texts shortened in the middle.
 std::string quoted(const QString& text);
+/// The same for Latin-1.
 std::string quoted(const QByteArray& latin1);
 
 /// "1 task", "2 tasks".
@@ -33,6 +35,7 @@ std::string counted(long long count, const char* noun);
 /// Null where there is none.
 const char* closest(const std::string& word, const char* const* candidates, int count);
 
+/// The same for an array.
 template <int N>
 const char* closest(const std::string& word, const char* const (&candidates)[N])
 {

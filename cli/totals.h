@@ -12,6 +12,7 @@ struct Totals
     qint64 leastWait = 0; ///< ms: chunks x chunk wait x iterations
 };
 
+/// Adds up the tasks of a series.
 Totals totalsOf(const SeriesFacts& facts);
 
 /// For people: sizes in bytes and in the unit that fits, the wait in seconds.

@@ -5,6 +5,7 @@
 
 #include <QFile>
 
+/// What a line of a config file can be.
 enum class ConfigLine
 {
     Comment, ///< begins with "#"
@@ -30,6 +31,7 @@ public:
     /// Opens the file; the name is Latin-1 like every text of a task.
     explicit ConfigFileReader(const _kvString8_allSize<500>& path);
 
+    /// False where there is no regular file that this user may read.
     bool isOpen() const { return m_file.isOpen(); }
 
     /// Reads up to the next "\n" or the end of the file; false where nothing is left.
@@ -37,6 +39,7 @@ public:
 
     int lineNumber() const { return m_lineNumber; }    ///< of the last line, from 1
     qint64 lineLength() const { return m_lineLength; } ///< bytes of the last line, uncut
+    /// True if `largestFile` was reached, so that nothing beyond is read.
     bool fileWasCut() const { return m_bytesRead >= largestFile; }
 
 private:

@@ -19,8 +19,11 @@ struct FileToCreate
 class FileToCreateList
 {
 public:
+    /// True if a file of the list has this text.
     bool contains(const QString& text) const { return m_texts.contains(text); }
+    /// Adds a file whose text is not in the list yet.
     void append(const FileToCreate& file);
+    /// In the order in which they were added.
     const QVector<FileToCreate>& files() const { return m_files; }
 
 private:

@@ -15,6 +15,7 @@ struct ConfigFile
     QString content;
 };
 
+/// A series in memory, and what must exist before it can run.
 struct RenderedSeries
 {
     QVector<ConfigFile> files;

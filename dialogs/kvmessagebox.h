@@ -76,7 +76,9 @@ protected:
 public slots:
     /// Puts the text as it is shown on the clipboard: shortened, and with its last line feed.
     void copyToClipBoard();
+    /// Accepts, and clears the cancel flag.
     void Button1Pressed();
+    /// Rejects, and clears the cancel flag.
     void Button2Pressed();
 
 private:

@@ -21,6 +21,7 @@ struct TaskLineField
 
 constexpr int taskLineFieldCount = 14;
 
+/// A line, cut at its semicolons.
 struct TaskLineFields
 {
     std::array<TaskLineField, taskLineFieldCount> fields;

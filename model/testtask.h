@@ -65,6 +65,7 @@ struct TestTask
     bool usesMemory() const;
     /// True if the destination is memory.
     bool readsIntoMemory() const;
+    /// Read if the destination is memory, else Write if the source is, else Copy.
     TestType testType() const;
 
     /// Sets both copies of the setting, in ms.

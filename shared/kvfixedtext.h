@@ -5,10 +5,12 @@
 /// Helpers on plain character ranges; a char counts as its Latin-1 code unit, never as a sign.
 namespace kvdetail {
 
+/// A character as an unsigned number.
 constexpr unsigned short codeUnit(char c)
 {
     return static_cast<unsigned char>(c);
 }
+/// The same for what is one already.
 constexpr unsigned short codeUnit(unsigned short c)
 {
     return c;
@@ -20,6 +22,7 @@ constexpr bool isWhiteSpace(unsigned short c)
     return c == ' ' || (c >= 9 && c <= 13);
 }
 
+/// Characters before the terminating zero; none for a null pointer.
 template <class Char>
 constexpr int textLength(const Char* text)
 {
@@ -28,12 +31,13 @@ constexpr int textLength(const Char* text)
         ++length;
     return length;
 }
-/// Left to the C library, which looks at many characters at once.
+/// The same, left to the C library, which looks at many characters at once.
 constexpr int textLength(const char* text)
 {
     return text == nullptr ? 0 : static_cast<int>(std::char_traits<char>::length(text));
 }
 
+/// True if the first `length` characters are the same.
 template <class A, class B>
 constexpr bool sameText(const A* a, const B* b, int length)
 {
@@ -91,7 +95,9 @@ public:
         terminateAt(notNegative > N ? N : notNegative);
     }
 
+    /// True if the text holds no character.
     constexpr bool isEmpty() const { return self().length == 0; }
+    /// True if it holds any.
     constexpr bool hasData() const { return self().length != 0; }
 
     /// Same length and same characters.
@@ -108,6 +114,7 @@ public:
                kvdetail::sameText(self().text, other, self().length);
     }
 
+    /// True if the text begins with `prefix`, a Latin-1 text; every text begins with the empty one.
     constexpr bool startsWith(const char* prefix) const
     {
         const int prefixLength = kvdetail::textLength(prefix);
@@ -115,12 +122,14 @@ public:
                kvdetail::sameText(self().text, prefix, prefixLength);
     }
 
+    /// The same for its end.
     constexpr bool endsWith(const char* suffix) const
     {
         const int start = self().length - kvdetail::textLength(suffix);
         return start >= 0 && kvdetail::sameText(self().text + start, suffix, self().length - start);
     }
 
+    /// True if `what`, a Latin-1 text, stands anywhere in it. The empty text is never found.
     constexpr bool contains(const char* what) const
     {
         return kvdetail::findText(self().text, self().length, what, kvdetail::textLength(what),
@@ -183,6 +192,7 @@ protected:
         return count < 0 ? 0 : (count < room ? count : room);
     }
 
+    /// Makes `end`, from 0 to N, the length.
     constexpr void terminateAt(int end)
     {
         self().length = static_cast<short>(end);

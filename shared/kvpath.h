@@ -20,15 +20,17 @@ enum class _kvOS
 /// "[temp]", which stand for rooted folders; else true, for the empty text too.
 KVSHARED_EXPORT bool isRelativePath(const _kvString8_allSize<500>& path);
 
-/// Turns the platform-independent separators into those of the system given, or of Linux, which
-/// this program runs on. For Linux and macOS nothing changes: a "\" is an ordinary character there.
+/// Turns the platform-independent separators into those of Linux, which this program runs on. For
+/// Linux and macOS nothing changes: a "\" is an ordinary character there.
 KVSHARED_EXPORT _kvString8_allSize<500> kvConvertPDToOS(const _kvString8_allSize<500>& path);
+/// The same for a text without a limit.
 KVSHARED_EXPORT QString kvConvertPDToOS(const QString& path);
+/// The same for the system given.
 KVSHARED_EXPORT QString kvConvertPDToOS(const QString& path, _kvOS os);
 
-/// The folder part: up to and including the last separator ("/" for the 8-bit one); empty where
-/// there is none.
+/// The folder part: up to and including the last "/"; empty where there is none.
 KVSHARED_EXPORT _kvString8_allSize<500> kvGetDirName(const _kvString8_allSize<500>& path);
+/// The same up to and including the last separator.
 KVSHARED_EXPORT QString kvGetDirName(const QString& path, unsigned short separator);
 
 /// The folder part of a path in either notation: the separator is "/" where the text has one, else
@@ -46,4 +48,5 @@ KVSHARED_EXPORT bool kvIsDigit(const unsigned short& ch);
 /// a leading ".." or a segment that is one bracketed variable. A "/" at the end stays. A relative
 /// path that cancels out is "."; the empty path stays empty.
 KVSHARED_EXPORT _kvString8_allSize<500> kvPathResolve(const _kvString8_allSize<500>& path);
+/// The same for 16-bit texts.
 KVSHARED_EXPORT _kvString<500> kvPathResolve(const _kvString<500>& path);

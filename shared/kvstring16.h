@@ -44,6 +44,7 @@ public:
         this->terminateAt(length + fitting);
     }
 
+    /// True if `ch` is the first character.
     constexpr bool startsWith(const unsigned short& ch) const
     {
         return length > 0 && text[0] == ch;
@@ -102,6 +103,7 @@ public:
     prefix template class visibility kvFixedText<_kvString<N>, unsigned short, N>;                 \
     prefix template class visibility _kvString<N>;
 
+/// The instances of all capacities.
 #define KV_STRING16_INSTANCES(prefix, visibility)                                                  \
     KV_STRING16_INSTANCE(prefix, visibility, 500)                                                  \
     KV_STRING16_INSTANCE(prefix, visibility, 1000)

@@ -25,6 +25,7 @@ public:
 
     /// Appends the decimal text of a number, "-" first when it is negative.
     constexpr void addNr(const int& number) { addNr(static_cast<long long>(number)); }
+    /// The same for 64 bits.
     constexpr void addNr(const long long& number) { addNr(number, 0); }
 
     /// The same, padded with blanks on the left to at least `width` characters.
@@ -56,6 +57,7 @@ public:
     prefix template class visibility kvFixedText<_kvString8_allSize<N>, char, N>;                  \
     prefix template class visibility _kvString8_allSize<N>;
 
+/// The instances of all capacities.
 #define KV_STRING8_INSTANCES(prefix, visibility)                                                   \
     KV_STRING8_INSTANCE(prefix, visibility, 15)                                                    \
     KV_STRING8_INSTANCE(prefix, visibility, 20)                                                    \

@@ -11,6 +11,7 @@ inline QString kvToQString(const char* text, int count)
     return QString::fromLatin1(text, count);
 }
 
+/// All of a Latin-1 text.
 template <int N>
 QString kvToQString(const _kvString8_allSize<N>& text)
 {
