@@ -93,24 +93,24 @@ void takeGuide(const QString& guide, const QString& folder)
 
 void takeGuides(const QString& folder)
 {
+    for (const char* path : {"/mnt/disk/test", "/mnt/nas/test", "/mnt/home"})
+        QDir().mkpath(path);
+    QDir::setCurrent("/mnt/disk"); // where the first file dialog opens
     const QByteArray page = test::contentOf(TWDP_SOURCE_DIR "/docs/user-guide.md");
-    for (const GuideSection& guide : guideSections(QString::fromUtf8(page))) {
-        // The disk and the share of which the page speaks, so that the file dialogs show no other.
-        const test::SmallDisk disks("/mnt", "size=1m");
-        for (const char* path : {"/mnt/disk/test", "/mnt/nas/test", "/mnt/home"})
-            QDir().mkpath(path);
-        QDir::setCurrent("/mnt/disk");
+    for (const GuideSection& guide : guideSections(QString::fromUtf8(page)))
         takeGuide(guide.text, folder);
-        QDir::setCurrent("/");
-    }
+    QDir::setCurrent("/");
 }
 
 } // namespace
 
 int main(int argc, char* argv[])
 {
+    // The disk and the share of which the guides speak, and a home folder whose name is nobody's:
+    // file dialogs show them all, and write their settings to the last.
     test::allowMounts();
-    qputenv("HOME", "/mnt/home"); // file dialogs name the one who takes the pictures
+    const test::SmallDisk disks("/mnt", "size=1m");
+    qputenv("HOME", "/mnt/home");
     QApplication application(argc, argv);
     if (argc != 2 || !QDir(argv[1]).exists())
         qFatal("usage: docPictures FOLDER");
