@@ -76,7 +76,12 @@ private:
     /// its full name is known by now.
     void lookForNameless()
     {
+        const LineFact* last = nullptr;
         for (const Lack& lack : m_lacks) {
+            // All names of a task are compared at once, and it may lack one for each iteration.
+            if (lack.line == last)
+                continue;
+            last = lack.line;
             TestTask task = m_names.record(*lack.line);
             task.configPath.clear();
             FileToCreateList nameless;

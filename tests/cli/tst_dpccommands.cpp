@@ -189,6 +189,22 @@ private slots:
         QVERIFY(timeFor(8000) < 6 * timeFor(500));
     }
 
+    void timeGrowsWithTheNumberOfIterations()
+    {
+        const auto timeFor = [&](int iterations) {
+            m_series->put("a.dpc", goodLine({{8, QByteArray::number(iterations)},
+                                             {10, "/s/[iter]"},
+                                             {12, "/l/[iter]/x"},
+                                             {13, "/c/[iter]/x"}}));
+            m_series->put("a_init.dpc", "");
+            const std::clock_t start = std::clock();
+            m_series->findings();
+            return double(std::clock() - start) / iterations;
+        };
+        timeFor(200);
+        QVERIFY(timeFor(3200) < 6 * timeFor(200));
+    }
+
     void wordsThatAreClose()
     {
         const char* const words[] = {"[cfgPath]", "[host]"};
