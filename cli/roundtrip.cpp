@@ -50,6 +50,16 @@ QString followUpFolder(const SeriesName& name)
     return !folder.exists() || folder.isDir() ? waitFolder() : QString();
 }
 
+/// What keeps a save from writing a file; null where nothing does.
+const char* obstacleTo(const QString& path)
+{
+    const QFileInfo file(path);
+    const QFileInfo folder(file.path());
+    if (file.exists() && !file.isFile())
+        return "what is there is no file";
+    return folder.exists() && !folder.isDir() ? "the folder is a file" : nullptr;
+}
+
 QByteArray contentOf(const QString& path)
 {
     QFile file(path);
@@ -109,9 +119,13 @@ public:
     {
         const QString path = kvToQString(kvToString8<250>(file.path));
         const QByteArray content = kvToQString(kvToString8<5000>(file.content)).toLatin1();
-        m_written.insert(path);
         const QByteArray before = contentOf(path);
-        if (!QFileInfo::exists(path))
+        const char* const obstacle = obstacleTo(path);
+        if (obstacle == nullptr)
+            m_written.insert(path);
+        if (obstacle != nullptr)
+            m_text += fmt::format("{}: can't be written: {}\n", shown(path), obstacle);
+        else if (!QFileInfo::exists(path))
             m_text += fmt::format("{}: is created, with {}\n", shown(path),
                                   counted(content.count('\n'), "line"));
         else if (before != content)
@@ -129,6 +143,9 @@ public:
                                       shown(file.path));
         }
     }
+
+    /// The files of the series are there before their companion is made.
+    bool writes(const QString& path) const { return m_written.contains(path); }
 
     std::string text() const { return m_text; }
 
@@ -178,8 +195,8 @@ RoundTrip roundTrip(const SeriesFacts& facts)
     Comparison comparison(facts);
     for (const ConfigFile& file : series.files)
         comparison.compare(file);
-    comparison.compare(renderInitFile(series.filesToCreate, name, [](const QString& resolved) {
-        return kvFileExists(kvToString16<500>(resolved));
+    comparison.compare(renderInitFile(series.filesToCreate, name, [&](const QString& resolved) {
+        return comparison.writes(resolved) || kvFileExists(kvToString16<500>(resolved));
     }));
     comparison.addUntouched();
     return {comparison.text(), {}};

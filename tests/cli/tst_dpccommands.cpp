@@ -7,6 +7,8 @@
 #include "tests/cli/dpcrun.h"
 #include "tests/cli/seriesfolder.h"
 
+#include <QRegularExpression>
+
 #include <ctime>
 #include <limits>
 
@@ -136,17 +138,35 @@ private slots:
             {m_series->root(), "a"}, tasks,
             {[] { return false; }, [](const QString&) {}, [](const QString&, const QString&) {}});
         m_series->save(tasks);
-        QCOMPARE(QString::fromStdString(roundTrip(m_series->facts()).changes), QString());
+        QCOMPARE(changes(), QString());
     }
 
     void roundTripTellsOfFilesThatAreCutAndLeftOver()
     {
         m_series->put("a.dpc", goodLine({{12, "[cfgPath]/l"}, {13, "[cfgPath]/c"}}).repeated(60));
-        const QString changes = QString::fromStdString(roundTrip(m_series->facts()).changes);
-        QVERIFY(changes.contains("_wait/a.dpc: is created"));
-        QVERIFY(changes.contains("_wait/a.dpc: is cut at 5000 of "));
-        QVERIFY(changes.contains("\na.dpc: stays as it is, and is loaded again next time\n"));
-        QVERIFY(changes.contains("a_init.dpc: is created"));
+        QVERIFY(changes().contains("_wait/a.dpc: is created"));
+        QVERIFY(changes().contains("_wait/a.dpc: is cut at 5000 of "));
+        QVERIFY(changes().contains("\na.dpc: stays as it is, and is loaded again next time\n"));
+        QVERIFY(changes().contains("a_init.dpc: is created"));
+    }
+
+    void roundTripTellsWhatCannotBeWritten()
+    {
+        m_series->put("a.dpc", goodLine());
+        QVERIFY(QDir(m_series->root()).mkdir("_wait/a.dpc"));
+        QVERIFY(changes().contains("_wait/a.dpc: can't be written: what is there is no file\n"));
+        QVERIFY(QDir(m_series->root() + "_wait").removeRecursively());
+        m_series->put("_wait", "");
+        QVERIFY(changes().contains("_wait/a.dpc: can't be written: the folder is a file\n"));
+        QVERIFY(changes().contains("a_init.dpc: is created"));
+    }
+
+    void roundTripKnowsTheFilesThatTheSaveMakes()
+    {
+        m_series->put("a.dpc", goodLine({{10, "[cfgPath]/_wait/a.dpc"}, {11, ""}}));
+        m_series->put("a_init.dpc", "");
+        QVERIFY(
+            changes().contains(QRegularExpression("1 [+] # Stream.*[[]cfgPath\\]/_wait/a.dpc;")));
     }
 
     void roundTripOfEndlessIterationsIsRefused()
@@ -225,6 +245,8 @@ private slots:
     }
 
 private:
+    QString changes() const { return QString::fromStdString(roundTrip(m_series->facts()).changes); }
+
     static QByteArray everyByte()
     {
         QByteArray bytes;
