@@ -3,8 +3,10 @@
 #include "cli/seriesfinder.h"
 #include "cli/text.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
 
 #include <fmt/format.h>
 
@@ -45,25 +47,34 @@ bool hasForeignLetters(const SeriesName& name)
     return std::any_of(path.cbegin(), path.cend(), [](QChar c) { return c.unicode() > 0xFF; });
 }
 
-bool isPartOf(const SeriesFacts& facts, const QString& file)
+/// Why a path that leads to a series is no good; empty where it is.
+std::string problemWith(const QString& chosen)
 {
-    return std::any_of(facts.files.begin(), facts.files.end(), [&](const FileFact& fact) {
-        return QFileInfo(fact.path) == QFileInfo(file);
-    });
+    const QFileInfo file(chosen);
+    const bool isBad = file.exists() && !file.isDir() && !(file.isFile() && file.isReadable());
+    return isBad ? fmt::format("{} can't be read", quoted(chosen)) : std::string();
 }
 
-/// Why a series that was named by a file can't be checked; empty where it can.
-std::string problemWith(const SeriesFacts& facts, const QString& chosen)
+/// Adds what a path leads to.
+void addSearch(SeriesSearch& all, const QString& path, CheckResult& result)
 {
-    if (QFileInfo(chosen).isDir() || !QFileInfo::exists(chosen))
-        return {};
-    if (!isPartOf(facts, chosen))
-        return fmt::format("the editor would not load {}: by its name it looks for {}",
-                           quoted(chosen), quoted(facts.name.baseName + ".dpc"));
-    const QFileInfo file(chosen);
-    if (!file.isFile() || !file.isReadable())
-        return fmt::format("{} can't be read", quoted(chosen));
-    return {};
+    const SeriesSearch search = findSeries(path);
+    const std::string problem = search.problem.empty() ? problemWith(path) : search.problem;
+    if (!problem.empty()) {
+        result.problems.push_back(problem);
+        return;
+    }
+    all.series.insert(all.series.end(), search.series.begin(), search.series.end());
+    all.notLoaded += search.notLoaded;
+}
+
+std::string whyNotLoaded(const QString& file)
+{
+    if (!file.endsWith(QLatin1String(".dpc")))
+        return "the editor does not load this file: its name does not end in .dpc, in small "
+               "letters";
+    return fmt::format("the editor does not load this file: by its name it looks for {}",
+                       quoted(seriesNameForLoading(file).baseName + ".dpc"));
 }
 
 } // namespace
@@ -112,18 +123,25 @@ std::vector<Finding> checkSeries(const SeriesFacts& facts, const CheckOptions& o
     return findings.takeSorted();
 }
 
-CheckResult checkPath(const QString& path, const CheckOptions& options)
+CheckResult checkAll(const QStringList& paths, const CheckOptions& options)
 {
-    const SeriesSearch search = findSeries(path);
-    CheckResult result{{}, int(search.series.size()), search.problem};
-    for (const FoundSeries& found : search.series) {
-        const SeriesFacts facts = readSeries(found.name, found.shownFolder, options.lineLimit);
-        const std::string problem = problemWith(facts, path);
-        if (!problem.empty())
-            return {{}, 0, problem};
+    CheckResult result;
+    SeriesSearch all;
+    for (const QString& path : paths)
+        addSearch(all, path, result);
+    for (const FoundSeries& found : eachOnce(all.series)) {
+        const SeriesFacts facts = readSeries(found.name, found.shownFolder, options.limits);
         std::vector<Finding> findings = checkSeries(facts, options);
         result.findings.insert(result.findings.end(), std::make_move_iterator(findings.begin()),
                                std::make_move_iterator(findings.end()));
+    }
+    QSet<QString> said;
+    for (const QString& file : all.notLoaded) {
+        const QString path = QDir::cleanPath(QFileInfo(file).absoluteFilePath());
+        const bool isNew = !said.contains(path);
+        said.insert(path);
+        if (isNew && options.rulesOff.count(Rule::NotLoaded) == 0)
+            result.findings.push_back({Rule::NotLoaded, 0, file, 1, 1, whyNotLoaded(file)});
     }
     return result;
 }

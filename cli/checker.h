@@ -35,7 +35,7 @@ struct CheckOptions
     QStringList hosts; ///< the machines that run the series; none: this one alone
     std::set<Rule> rulesOff;
     World world = realWorld();
-    int lineLimit = mostLines; ///< of each series
+    ReadLimits limits;
 };
 
 /// Collects what the rules say.
@@ -87,10 +87,10 @@ std::vector<Finding> checkSeries(const SeriesFacts& facts, const CheckOptions& o
 struct CheckResult
 {
     std::vector<Finding> findings;
-    int seriesCount = 0;
-    std::string problem; ///< one sentence why there was nothing to check, or empty
+    std::vector<std::string> problems; ///< one sentence for each path where nothing can be checked
 };
 
-/// All findings of all series that a path leads to. Any file and any folder will do: what is no
-/// series, or can't be read, is a finding or the problem.
-CheckResult checkPath(const QString& path, const CheckOptions& options);
+/// All findings of all series that the paths lead to, each series once: "*.dpc" names the files of
+/// one, and its companion, many times. Any file and any folder will do: what is no series, or can't
+/// be read, is a finding or a problem.
+CheckResult checkAll(const QStringList& paths, const CheckOptions& options);

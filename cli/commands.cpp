@@ -84,21 +84,13 @@ int fail(const Output& output, const std::string& sentence)
 
 int runCheck(const CheckCommand& command, const Output& output)
 {
-    std::vector<Finding> findings;
-    bool impossible = false;
-    for (const QString& path : command.paths) {
-        CheckResult result = checkPath(path, command.options);
-        if (!result.problem.empty()) {
-            fail(output, result.problem);
-            impossible = true;
-        }
-        findings.insert(findings.end(), std::make_move_iterator(result.findings.begin()),
-                        std::make_move_iterator(result.findings.end()));
-    }
-    printFindings(command, findings, output);
-    if (impossible)
+    const CheckResult result = checkAll(command.paths, command.options);
+    for (const std::string& problem : result.problems)
+        fail(output, problem);
+    printFindings(command, result.findings, output);
+    if (!result.problems.empty())
         return exitImpossible;
-    return isFailure(findings, command.warningsCount) ? exitFindings : exitGood;
+    return isFailure(result.findings, command.warningsCount) ? exitFindings : exitGood;
 }
 
 int runShow(const ShowCommand& command, const Output& output)

@@ -44,12 +44,13 @@ void checkGap(const SeriesFacts& facts, Findings& findings)
     for (size_t i = 0; i < facts.files.size() && facts.files[i].isRead; ++i) {
         const int number = facts.files[i].number;
         if (number > expected)
-            findings.add(Rule::NumberGap, int(i), 1, 1,
-                         fmt::format("{} is missing before this file",
-                                     printable(nameOf(facts, expected)) +
-                                         (number - expected > 1
-                                              ? " to " + printable(nameOf(facts, number - 1))
-                                              : "")));
+            findings.add(
+                Rule::NumberGap, int(i), 1, 1,
+                fmt::format("{} missing before this file",
+                            printable(nameOf(facts, expected)) +
+                                (number - expected > 1
+                                     ? " to " + printable(nameOf(facts, number - 1)) + " are"
+                                     : " is")));
         expected = number + 1;
     }
 }

@@ -86,7 +86,9 @@ void checkFileMarkers(const SeriesFacts& facts, const Chain& chain, const FileFa
     const auto marker = std::find_if(begin, end, isMarker);
     if (marker == end)
         return;
-    checkTarget(facts, chain, *marker, names, findings);
+    // One that is cut has its own finding.
+    if (marker->text.size() <= longestPath)
+        checkTarget(facts, chain, *marker, names, findings);
     const auto after = std::find_if(
         marker + 1, end, [](const LineFact& line) { return line.kind != LineFact::Kind::Comment; });
     if (after != end)

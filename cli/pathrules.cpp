@@ -66,6 +66,24 @@ void checkRelative(const LineFact& line, TaskPath which, Findings& findings)
                                            quoted(path), quoted("[cfgPath]/" + path)));
 }
 
+/// The editor writes its full path, which may hold brackets that are no variable.
+void checkMarkerPath(const SeriesFacts& facts, const LineFact& line, Findings& findings)
+{
+    const int column = line.column + 1;
+    const QByteArray folder = facts.runFolder.toLatin1();
+    const int known = line.text.startsWith(folder) ? folder.size() : 0;
+    checkVariables(line, line.text.mid(known), column + known, findings);
+    if (line.text.size() > longestPath)
+        findings.add(Rule::LongPath, line, column + longestPath,
+                     fmt::format("the marker has {} characters: what follows the first 500 is not "
+                                 "read",
+                                 line.text.size()));
+    if (isRelative(line.text) && !line.text.startsWith('['))
+        findings.add(Rule::RelativePath, line, column,
+                     fmt::format("the marker {} is no full path (did you mean {}?)",
+                                 quoted(line.text), quoted("[cfgPath]/" + line.text)));
+}
+
 void checkLogs(const LineFact& line, Findings& findings)
 {
     for (const TaskPath which : {LogPath, CsvPath}) {
@@ -168,7 +186,7 @@ void checkPaths(const SeriesFacts& facts, const CheckOptions& options, Findings&
     FolderRule folders(facts, options, findings);
     for (const LineFact& line : facts.lines) {
         if (isMarker(line))
-            checkVariables(line, line.text, line.column + 1, findings);
+            checkMarkerPath(facts, line, findings);
         if (!isTask(line))
             continue;
         if (line.fromMemory && line.toMemory)

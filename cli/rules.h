@@ -56,6 +56,7 @@ enum class Rule
     EmptyFile,
     NumberGap,
     NumberLimit,
+    NotLoaded,
     BothFolders,
     MarkerTarget,
     MarkerFolder,

@@ -167,21 +167,6 @@ QString shownPath(const SeriesFacts& facts, const QString& path)
                : facts.shownFolder + "../" + name;
 }
 
-/// True for a file that belongs to the series by its name and that no load looks for: number 20 and
-/// above, or a number with leading zeros.
-bool isBeyondSeries(const QString& fileName, const QString& baseName)
-{
-    if (!fileName.startsWith(baseName) || !fileName.endsWith(extension))
-        return false;
-    const QString number =
-        fileName.mid(baseName.size(), fileName.size() - baseName.size() - extension.size());
-    const bool isNumber =
-        !number.isEmpty() &&
-        std::all_of(number.cbegin(), number.cend(), [](QChar c) { return kvIsDigit(c.unicode()); });
-    return isNumber &&
-           (number.startsWith('0') || number.size() > 2 || number.toInt() >= seriesFileCount);
-}
-
 void addFile(SeriesFacts& facts, const QString& path, int number, bool waits, bool isRead)
 {
     FileFact file;
@@ -200,7 +185,8 @@ void findFiles(SeriesFacts& facts)
     for (int number = 0; number < seriesFileCount; ++number) {
         for (const QString& folder : folders) {
             const QString path = seriesFile(folder, facts.name.baseName, number);
-            if (QFileInfo::exists(path))
+            // A link that leads nowhere is there as well, and can't be read.
+            if (QFileInfo::exists(path) || QFileInfo(path).isSymLink())
                 addFile(facts, path, number, folder != folders[0], true);
         }
     }
@@ -240,6 +226,19 @@ long long namesOf(const SeriesFacts& facts)
 
 } // namespace
 
+bool isBeyondSeries(const QString& fileName, const QString& baseName)
+{
+    if (!fileName.startsWith(baseName) || !fileName.endsWith(extension))
+        return false;
+    const QString number =
+        fileName.mid(baseName.size(), fileName.size() - baseName.size() - extension.size());
+    const bool isNumber =
+        !number.isEmpty() &&
+        std::all_of(number.cbegin(), number.cend(), [](QChar c) { return kvIsDigit(c.unicode()); });
+    return isNumber &&
+           (number.startsWith('0') || number.size() > 2 || number.toInt() >= seriesFileCount);
+}
+
 int iterationsOf(const LineFact& line, const QByteArray& path)
 {
     return path.contains("[iter]") ? line.used.iterations : std::min(line.used.iterations, 1);
@@ -270,7 +269,7 @@ int LineFact::columnOf(int number) const
     return column + fields.fields[size_t(number - 1)].column + 1;
 }
 
-SeriesFacts readSeries(const SeriesName& name, const QString& shownFolder, int lineLimit)
+SeriesFacts readSeries(const SeriesName& name, const QString& shownFolder, const ReadLimits& limits)
 {
     SeriesFacts facts;
     facts.name = name;
@@ -282,14 +281,13 @@ SeriesFacts readSeries(const SeriesName& name, const QString& shownFolder, int l
     findFiles(facts);
     for (size_t i = 0; i < facts.files.size(); ++i) {
         if (facts.files[i].isRead)
-            FileScanner(facts, facts.files[i], int(i), lineLimit).scan();
+            FileScanner(facts, facts.files[i], int(i), limits.lines).scan();
     }
     if (!facts.isInit)
         findInit(facts);
     if (facts.initFile >= 0)
-        readInit(facts, facts.files[size_t(facts.initFile)], lineLimit);
-    constexpr long long mostNames = 300000;
+        readInit(facts, facts.files[size_t(facts.initFile)], limits.lines);
     facts.nameCount = namesOf(facts);
-    facts.iterationLimit = facts.nameCount > mostNames ? 1 : INT32_MAX;
+    facts.iterationLimit = facts.nameCount > limits.names ? 1 : INT32_MAX;
     return facts;
 }

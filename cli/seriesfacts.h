@@ -147,6 +147,17 @@ constexpr int longestPath = 500;
 /// save, and a bound to memory and time whatever the files hold.
 constexpr int mostLines = 50000;
 
+/// What is looked at of one series.
+struct ReadLimits
+{
+    int lines = mostLines;
+    long long names = 300000; ///< where paths stand for more, those of one iteration are looked at
+};
+
+/// True for a file that belongs to a series by its name and that no load looks for: number 20 and
+/// above, or a number with leading zeros.
+bool isBeyondSeries(const QString& fileName, const QString& baseName);
+
 /// Reads all files of a series that exist. Never fails: what can't be read is a fact as well.
 SeriesFacts readSeries(const SeriesName& name, const QString& shownFolder,
-                       int lineLimit = mostLines);
+                       const ReadLimits& limits = {});

@@ -1,5 +1,6 @@
 #include "cli/seriesfinder.h"
 
+#include "cli/seriesfacts.h"
 #include "cli/text.h"
 
 #include <QDir>
@@ -9,11 +10,11 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 namespace {
 
 const QString extension = QStringLiteral(".dpc");
-const QString initEnd = QStringLiteral("_init");
 
 QString absolute(const QString& path)
 {
@@ -27,7 +28,13 @@ QString withSeparator(const QString& folder)
 
 SeriesSearch problem(std::string text)
 {
-    return {{}, std::move(text)};
+    return {{}, {}, std::move(text)};
+}
+
+/// False for a file that a load of its own series does not look for, and that is no further one.
+bool belongsTo(const SeriesName& name, const QString& file)
+{
+    return candidateFiles(name).contains(name.folder + file) || isBeyondSeries(file, name.baseName);
 }
 
 bool anyExists(const SeriesName& name)
@@ -41,20 +48,23 @@ SeriesSearch searchFolder(const QString& path)
 {
     const QString shown = withSeparator(path);
     const QString folder = withSeparator(absolute(path));
-    std::set<QString> names;
-    for (const QString& place : {folder, folder + waitFolder()}) {
-        for (const QString& file :
-             QDir(place).entryList({'*' + extension}, QDir::Files | QDir::System))
-            names.insert(seriesNameForLoading(folder + file).baseName);
-    }
     SeriesSearch search;
-    for (const QString& name : names) {
-        const bool isCompanion =
-            name.endsWith(initEnd) && names.count(name.chopped(initEnd.size())) > 0;
-        if (!isCompanion)
-            search.series.push_back({{folder, name}, shown});
+    std::set<QString> names;
+    for (const QString& place : {QString(), waitFolder()}) {
+        // In capitals as well: such a file was meant to be one.
+        for (const QString& file :
+             QDir(folder + place).entryList({'*' + extension}, QDir::Files | QDir::System)) {
+            const SeriesName name = seriesNameForLoading(folder + file);
+            if (belongsTo(name, file))
+                names.insert(name.baseName);
+            else
+                search.notLoaded += shown + place + file;
+        }
     }
-    if (search.series.empty())
+    for (const QString& name : names)
+        search.series.push_back({{folder, name}, shown});
+    search.series = eachOnce(search.series);
+    if (search.series.empty() && search.notLoaded.isEmpty())
         search.problem = fmt::format("there are no config files in {}", quoted(path));
     return search;
 }
@@ -68,10 +78,13 @@ SeriesSearch searchFile(const QString& path)
                                             quoted(path))
                               : fmt::format("there is no file or folder {}", quoted(path)));
     const SeriesName name = seriesNameForLoading(file);
+    if (exists && !belongsTo(name, file.mid(file.lastIndexOf('/') + 1)))
+        return problem(fmt::format("the editor would not load {}: by its name it looks for {}",
+                                   quoted(path), quoted(name.baseName + extension)));
     if (!exists && !anyExists(name))
         return problem(
             fmt::format("there is no file {}, and no file of a series of that name", quoted(path)));
-    return {{{name, path.left(path.lastIndexOf('/') + 1)}}, {}};
+    return {{{name, path.left(path.lastIndexOf('/') + 1)}}, {}, {}};
 }
 
 } // namespace
@@ -86,8 +99,28 @@ SeriesSearch findSeries(const QString& path)
 SeriesSearch findOneSeries(const QString& path)
 {
     SeriesSearch search = findSeries(path);
+    if (search.series.empty() && search.problem.empty())
+        return problem(fmt::format("there is no series in {}", quoted(path)));
     if (search.series.size() <= 1)
         return search;
     return problem(fmt::format("there are {} series in {}: name a file of the one that is meant",
                                search.series.size(), quoted(path)));
+}
+
+std::vector<FoundSeries> eachOnce(const std::vector<FoundSeries>& series)
+{
+    const QString companionEnd = QStringLiteral("_init");
+    std::set<std::pair<QString, QString>> left;
+    for (const FoundSeries& found : series)
+        left.insert({found.name.folder, found.name.baseName});
+    std::vector<FoundSeries> result;
+    const std::set<std::pair<QString, QString>> all = left;
+    for (const FoundSeries& found : series) {
+        const auto& [folder, name] = found.name;
+        const bool isCompanion = name.endsWith(companionEnd) &&
+                                 all.count({folder, name.chopped(companionEnd.size())}) > 0;
+        if (!isCompanion && left.erase({folder, name}) > 0)
+            result.push_back(found);
+    }
+    return result;
 }

@@ -3,6 +3,7 @@
 #include "configset/seriesname.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <string>
 #include <vector>
@@ -18,7 +19,8 @@ struct FoundSeries
 struct SeriesSearch
 {
     std::vector<FoundSeries> series;
-    std::string problem; ///< one sentence where nothing was found
+    QStringList notLoaded; ///< config files, as the user spells them, that are of no series
+    std::string problem;   ///< one sentence where nothing was found
 };
 
 /// The series that a path leads to: a file to the one that the editor would load for it, a folder
@@ -27,3 +29,6 @@ SeriesSearch findSeries(const QString& path);
 
 /// The same where exactly one is wanted.
 SeriesSearch findOneSeries(const QString& path);
+
+/// The first of those that are the same, and no companions of others.
+std::vector<FoundSeries> eachOnce(const std::vector<FoundSeries>& series);

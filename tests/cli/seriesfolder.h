@@ -48,7 +48,7 @@ public:
 
     std::vector<Finding> findings(const QString& chosen = "a.dpc") const
     {
-        return checkPath(m_root + chosen, m_options).findings;
+        return checkAll({m_root + chosen}, m_options).findings;
     }
 
     /// "file:line:column rule" of each finding; only those of the given rules, where some are

@@ -38,11 +38,30 @@ private slots:
                               "c_init.dpc:1:1 bad-line"}));
     }
 
+    void eachSeriesIsCheckedOnce()
+    {
+        m_series->put("a.dpc", goodLine({{1, "x"}}));
+        m_series->put("a1.dpc", goodLine());
+        m_series->put("a_init.dpc", "");
+        m_series->put("a.dpc.dpc", "");
+        const QString& root = m_series->root();
+        const auto once = checkAll({root}, m_series->options());
+        const auto all = checkAll({root + "a.dpc", root + "a1.dpc", root + "a_init.dpc", root,
+                                   root + "../" + QDir(root).dirName()},
+                                  m_series->options());
+        QCOMPARE(findingsAsText(all.findings, false), findingsAsText(once.findings, false));
+        QCOMPARE(all.problems, std::vector<std::string>());
+        // What is wrong with a path is said all the same.
+        const auto some = checkAll({root + "a.dpc", root + "a.dpc.dpc"}, m_series->options());
+        QCOMPARE(some.problems.size(), size_t(1));
+        QVERIFY(!some.findings.empty());
+    }
+
     void seriesIsFoundByAFileThatIsNotThere()
     {
         m_series->put("_wait/a.dpc", goodLine({{1, "x"}}));
         QCOMPARE(m_series->said({"bad-line"}, "a3.dpc"), QStringList{"_wait/a.dpc:1:1 bad-line"});
-        QVERIFY(!checkPath(m_series->root() + "none.dpc", m_series->options()).problem.empty());
+        QVERIFY(!checkAll({m_series->root() + "none.dpc"}, m_series->options()).problems.empty());
     }
 
     void anyBytesAreAFindingOrAProblem_data()
@@ -73,7 +92,7 @@ private slots:
         m_series->options().hosts = QStringList{"a", "b", "[host]", "%1{}"};
         m_series->put("a.dpc", content);
         m_series->put("a_init.dpc", content);
-        const CheckResult result = checkPath(m_series->root(), m_series->options());
+        const CheckResult result = checkAll({m_series->root()}, m_series->options());
         QVERIFY(!result.findings.empty());
         for (const Finding& finding : result.findings) {
             QVERIFY(finding.line >= 1 && finding.column >= 1);

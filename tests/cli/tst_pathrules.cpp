@@ -46,6 +46,9 @@ private slots:
         row("nested brackets", "unknown-variable", writing("/d/[[hots]"), writing("/d/[[host]"));
         row("variable in a log", "unknown-variable", goodLine({{12, "/d/[name]"}}));
         row("variable in a marker", "unknown-variable", "[CfgPath]/a1.dpc\n", "[cfgPath]/a1.dpc\n");
+        row("long marker", "long-path", '/' + QByteArray(496, 'x') + ".dpc\n",
+            '/' + QByteArray(495, 'x') + ".dpc\n");
+        row("relative marker", "relative-path", "a1.dpc\n", "[cfgPath]/a1.dpc\n");
         row("relative source", "relative-path", reading("s.dat"), reading("/s.dat"));
         row("relative destination", "relative-path", writing("out/x"), writing("[cfgPath]/out/x"));
         row("relative log", "relative-path", goodLine({{12, "x.txt"}}));
@@ -89,6 +92,19 @@ private slots:
         QVERIFY(!m_series->text("unknown-variable").contains("did you mean"));
         m_series->put("a.dpc", reading("memory"));
         QVERIFY(m_series->text("relative-path").contains("did you mean MEMORY?"));
+    }
+
+    void bracketsInTheFolderAreNoVariable()
+    {
+        const QString folder = m_series->root() + "[old]/";
+        QVERIFY(QDir().mkpath(folder + "_wait"));
+        const QByteArray next = folder.toLatin1() + "_wait/a1.dpc\n";
+        m_series->put("[old]/_wait/a.dpc", goodLine() + next);
+        m_series->put("[old]/_wait/a1.dpc", goodLine());
+        const QSet<QString> rules{"unknown-variable", "marker-target", "marker-folder"};
+        QCOMPARE(m_series->said(rules, "[old]/a.dpc"), QStringList());
+        m_series->put("[old]/_wait/a.dpc", goodLine() + folder.toLatin1() + "[b]/a1.dpc\n");
+        QVERIFY(m_series->said(rules, "[old]/a.dpc").last().endsWith(" unknown-variable"));
     }
 
     void existingSourceIsNotMissing()

@@ -47,7 +47,7 @@ private slots:
         m_series->put("a4.dpc", goodLine());
         QCOMPARE(m_series->said({"number-gap", "leftover"}), QStringList{"a4.dpc:1:1 number-gap"});
         QCOMPARE(m_series->text("number-gap"),
-                 QString("a2.dpc to a3.dpc is missing before this file"));
+                 QString("a2.dpc to a3.dpc are missing before this file"));
         QVERIFY(QFile::remove(m_series->root() + "a.dpc"));
         QCOMPARE(m_series->said({"number-gap"}),
                  (QStringList{"a1.dpc:1:1 number-gap", "a4.dpc:1:1 number-gap"}));
@@ -63,6 +63,24 @@ private slots:
                               "_wait/a300.dpc:1:1 number-limit"}));
         // Chosen itself, it is said as well.
         QCOMPARE(m_series->said({"number-limit"}, "a20.dpc").size(), 3);
+    }
+
+    void filesThatNoSeriesHas()
+    {
+        for (const char* name : {"a.dpc", "x.y20.dpc", "b.dpc.dpc", "_wait/A.DPC"})
+            m_series->put(name, goodLine());
+        QCOMPARE(m_series->said({"not-loaded"}, ""),
+                 (QStringList{"b.dpc.dpc:1:1 not-loaded", "x.y20.dpc:1:1 not-loaded",
+                              "_wait/A.DPC:1:1 not-loaded"}));
+        QVERIFY(m_series->text("not-loaded", "").endsWith("by its name it looks for 'b.dpc'"));
+        m_series->options().rulesOff = {Rule::NotLoaded};
+        QCOMPARE(m_series->said({"not-loaded"}, ""), QStringList());
+        for (const char* name : {"x.y20.dpc", "b.dpc.dpc", "_wait/A.DPC"})
+            QVERIFY(QFile::remove(m_series->root() + name));
+        m_series->options().rulesOff.clear();
+        m_series->put("v1.2.dpc", goodLine());
+        m_series->put("a20.dpc", goodLine());
+        QCOMPARE(m_series->said({"not-loaded"}, ""), QStringList());
     }
 
     void sameNumberInBothFolders()
@@ -180,12 +198,21 @@ private slots:
         QVERIFY(QDir(m_series->root()).mkdir("a1.dpc"));
         QCOMPARE(m_series->said({"unreadable"}), QStringList{"a1.dpc:1:1 unreadable"});
         // Chosen itself, a folder is a folder to look for series in.
-        QVERIFY(!checkPath(m_series->root() + "a1.dpc", m_series->options()).problem.empty());
+        QVERIFY(!checkAll({m_series->root() + "a1.dpc"}, m_series->options()).problems.empty());
+    }
+
+    void linkThatLeadsNowhere()
+    {
+        m_series->put("a.dpc", goodLine() + "[cfgPath]/a1.dpc\n");
+        QVERIFY(QFile::link("nowhere", m_series->root() + "a1.dpc"));
+        QCOMPARE(m_series->said({"unreadable"}), QStringList{"a1.dpc:1:1 unreadable"});
+        QVERIFY(QFile::remove(m_series->root() + "a.dpc"));
+        QCOMPARE(m_series->said({"unreadable"}, ""), QStringList{"a1.dpc:1:1 unreadable"});
     }
 
     void moreThanCanBeChecked()
     {
-        m_series->options().lineLimit = 3;
+        m_series->options().limits.lines = 3;
         QCOMPARE(m_series->hits("too-much", goodLine() + goodLine() + goodLine()), 0);
         QCOMPARE(m_series->hits("too-much", goodLine() + goodLine() + goodLine() + goodLine()), 1);
     }
