@@ -39,6 +39,39 @@ private slots:
         QCOMPARE(m_series->said(), QStringList{"_wait/a.dpc:3:102 dest-folder-local"});
     }
 
+    /// Whatever is set in the form: once saved, loaded and saved, nothing is to be said of it.
+    void everyModeOfTheEditorIsClean_data()
+    {
+        QTest::addColumn<int>("method");
+        QTest::addColumn<int>("type");
+        for (const int method : {0, 1, 2, 3}) {
+            for (const int type : {0, 1, 2})
+                QTest::addRow("%d %d", method, type) << method << type;
+        }
+    }
+
+    void everyModeOfTheEditorIsClean()
+    {
+        QFETCH(int, method);
+        QFETCH(int, type);
+        TaskList tasks;
+        for (const int buffer : {-1, 0, 1, 2, 3, 4, 5}) {
+            for (const int chunkKib : {0, 64, 1024}) {
+                for (const bool isSet : {false, true})
+                    tasks += taskOfForm(IoMethod(method), TestType(type), buffer, chunkKib, isSet);
+            }
+            tasks += marker();
+        }
+        tasks.removeLast();
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+        m_series->save(tasks);
+        tasks.clear();
+        loadSeries({m_series->root(), "a"}, tasks, silent());
+        QCOMPARE(tasks.size(), 7 * 6 + 6);
+        m_series->save(tasks);
+        QCOMPARE(m_series->said(), QStringList());
+    }
+
     void gapInTheNumbers()
     {
         m_series->put("a.dpc", goodLine() + "a1.dpc\n");
@@ -253,6 +286,27 @@ private:
         task.destPath.clear();
         task.logPath = path("[cfgPath]/[host].txt");
         task.csvPath = path("[cfgPath]/[host].csv");
+        return task;
+    }
+
+    static TestTask taskOfForm(IoMethod method, TestType type, int buffer, int chunkKib, bool isSet)
+    {
+        TestTask task;
+        task.setDefaults();
+        task.method = method;
+        task.io.sysBufferMode = buffer;
+        task.setChunkSize(bytesFromKib(chunkKib));
+        task.io.flush = task.io.preallocate = isSet;
+        task.io.cacheMode = buffer < 0 ? 0 : buffer;
+        task.iterations = isSet ? 3 : 1;
+        task.sourcePath = path("[cfgPath]/s[cfgID]-[cfgTaskID].dat");
+        task.destPath = path("[cfgPath]/[host]/d[cfgID]-[cfgTaskID]_[iter].dat");
+        if (type == TestType::Write)
+            task.sourcePath.clear();
+        if (type == TestType::Read)
+            task.destPath.clear();
+        task.logPath = path("[cfgPath]/[host].txt");
+        task.csvPath = path("[cfgPath]/[cfgName]_[host].csv");
         return task;
     }
 
