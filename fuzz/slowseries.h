@@ -20,6 +20,12 @@ struct Load
     }
 };
 
+/// What a line of a file holds for its readers.
+inline QString lineText(const QByteArray& bytes)
+{
+    return slowreading::trimmed(QString::fromLatin1(bytes.split('\0').first()).left(1000));
+}
+
 inline QStringList filesOfSeries(const QString& folder, const QString& name)
 {
     QStringList files;

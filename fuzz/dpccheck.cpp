@@ -1,0 +1,226 @@
+// Input, all of it Latin-1: what dpc is given, and an archive of files.
+//
+//   chosen.dpc              the path; empty: the folder itself; "!" before it: warnings count
+//   pc01,pc02               the machines
+//   ==> ...                 as archive.h says
+
+#include "cli/commands.h"
+#include "configset/seriesloader.h"
+#include "configset/seriessaver.h"
+#include "fuzz/archive.h"
+#include "fuzz/dpcoutput.h"
+#include "fuzz/slowseries.h"
+
+namespace {
+
+/// One run of a command.
+struct Run
+{
+    QByteArray out;
+    QByteArray err;
+    int code;
+};
+
+template <class Command>
+Run run(const Command& command)
+{
+    std::ostringstream out;
+    std::ostringstream err;
+    const int code = command(Output{out, err});
+    return {QByteArray::fromStdString(out.str()), QByteArray::fromStdString(err.str()), code};
+}
+
+void checkFailure(const Run& failed)
+{
+    fuzz::same("a failure is one sentence", failed.err.count('\n'), 1);
+    fuzz::same("the sentence is of dpc", failed.err.startsWith("dpc: "), true);
+    fuzz::same("a failure prints no result", failed.out.size(), 0);
+}
+
+CheckCommand checkCommand(const QString& path, const QString& root, const QByteArray& hosts)
+{
+    CheckCommand command;
+    command.paths = QStringList{path};
+    for (const QByteArray& host : hosts.split(','))
+        command.options.hosts += fuzz::latin1(host);
+    // What is there outside of the folder must not matter.
+    command.options.world.exists = [root](const QString& file) {
+        return file.startsWith(root) && QFileInfo::exists(file);
+    };
+    command.options.world.room = [](const QString& file) {
+        return std::optional<Room>({file.size() % 2 == 0 ? 1U : 2U, 1 << 30});
+    };
+    command.options.limits.names = 500;
+    return command;
+}
+
+int expectedCode(const QJsonObject& all, bool warningsCount)
+{
+    const bool isBad = all["errors"].toInt() > 0 || (warningsCount && all["warnings"].toInt() > 0);
+    return isBad ? exitFindings : exitGood;
+}
+
+/// Lines that a load rejects, as the findings tell.
+QStringList rejectedBy(const QJsonArray& findings)
+{
+    QStringList rejected;
+    for (const auto& value : findings) {
+        const QJsonObject finding = value.toObject();
+        const QString rule = finding["rule"].toString();
+        const QString file = finding["file"].toString();
+        if (rule == "bad-line" || rule == "winapi")
+            rejected << slow::lineText(dpc::linesOf(file)[finding["line"].toInt() - 1]) << file;
+    }
+    return rejected;
+}
+
+/// Checks a path in every format and returns what a program is told; nothing where it failed.
+std::optional<QJsonArray> check(CheckCommand command)
+{
+    Run text;
+    Run json;
+    Run quiet;
+    slow::withinOneSecond([&] {
+        command.json = command.quiet = false;
+        text = run([&](const Output& output) { return runCheck(command, output); });
+        command.json = true;
+        json = run([&](const Output& output) { return runCheck(command, output); });
+        command.quiet = true;
+        quiet = run([&](const Output& output) { return runCheck(command, output); });
+    });
+    fuzz::same("the format is no matter", text.code, json.code);
+    fuzz::same("quiet is as bad", quiet.code, json.code);
+    fuzz::same("quiet is quiet", quiet.out.size(), 0);
+    if (quiet.code == exitImpossible) {
+        checkFailure(quiet);
+        return std::nullopt;
+    }
+    fuzz::same("quiet says nothing", quiet.err.size(), 0);
+    const QJsonObject all = dpc::parsed(json.out);
+    const QJsonArray findings = all["findings"].toArray();
+    fuzz::same("the status follows from the findings", json.code,
+               expectedCode(all, command.warningsCount));
+    dpc::checkCounts(all);
+    dpc::checkText(text.out, findings);
+    for (const auto& finding : findings)
+        dpc::checkFinding(finding.toObject());
+    return findings;
+}
+
+Run show(const QString& path, ListFormat format, bool expands)
+{
+    ShowCommand command;
+    command.path = path;
+    command.format = format;
+    if (expands)
+        command.expansion.emplace();
+    return run([&](const Output& output) { return runShow(command, output); });
+}
+
+/// Lists the tasks in every format and returns them; nothing where that failed.
+std::optional<QJsonArray> list(const QString& path)
+{
+    const Run json = show(path, ListFormat::Json, false);
+    const Run same = run([&](const Output& output) { return runDiff(path, path, output); });
+    fuzz::same("what can be shown can be compared", same.code, json.code);
+    if (json.code == exitImpossible) {
+        checkFailure(json);
+        return std::nullopt;
+    }
+    fuzz::same("a series is the same as itself", same.out, QByteArray());
+    const QJsonArray tasks = dpc::parsed(json.out)["tasks"].toArray();
+    dpc::parsed(show(path, ListFormat::Json, true).out);
+    show(path, ListFormat::Text, true);
+    dpc::checkPrintable(show(path, ListFormat::Text, false).out);
+    for (const bool expands : {false, true})
+        fuzz::same("each task has its line", show(path, ListFormat::Csv, expands).out.count("\r\n"),
+                   tasks.size() + 1);
+    return tasks;
+}
+
+/// A load and a save under the same name, as the editor does them.
+void loadAndSave(const QString& chosen)
+{
+    QString info;
+    TaskList tasks;
+    const SeriesName name = seriesNameForLoading(chosen);
+    // The text field drops empty lines at its head, and knows no other blanks and line ends.
+    loadSeries(name, tasks,
+               {[&] { return info.isEmpty(); },
+                [&](QString line) {
+                    line.replace(QChar(0xA0), ' ').replace('\r', '\n');
+                    info += info.isEmpty() ? line : '\n' + line;
+                },
+                [](const QString&, const QString&) {}});
+    if (!tasks.isEmpty())
+        saveSeries(tasks, info, seriesNameForSaving(name.folder + name.baseName + ".dpc"));
+}
+
+/// What `dpc roundtrip` tells of is what changes.
+void checkRoundTrip(const fuzz::ArchiveFolder& folder, const QByteArray& input,
+                    const QString& chosen)
+{
+    Run told;
+    QMap<QString, QByteArray> before;
+    QMap<QString, QByteArray> after;
+    slow::withinOneSecond([&] {
+        folder.unpack(input);
+        before = dpc::contentsOf(folder.path());
+        told = run([&](const Output& output) { return runRoundTrip(chosen, output); });
+        fuzz::same("roundtrip writes nothing", dpc::contentsOf(folder.path()), before);
+        if (told.code != exitImpossible)
+            loadAndSave(chosen);
+        after = dpc::contentsOf(folder.path());
+    });
+    if (told.code == exitImpossible)
+        return checkFailure(told);
+    fuzz::same("the status of a roundtrip follows from its output", told.code,
+               int(told.out.isEmpty() ? exitGood : exitFindings));
+    fuzz::same("a roundtrip tells of every change", dpc::changesTold(told.out).join('\n'),
+               dpc::changedFiles(before, after).join('\n'));
+}
+
+/// Neither many nor so many that it is refused.
+bool takesLong(const QJsonArray& tasks)
+{
+    double iterations = 0;
+    for (const auto& task : tasks)
+        iterations += std::max(task.toObject()["iterations"].toDouble(), 0.0);
+    return iterations > 500 && iterations <= 1000000;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    static const fuzz::ArchiveFolder folder;
+    const QByteArray input = fuzz::bytesOf(data, size);
+    QByteArray rest = input;
+    QString name = fuzz::latin1(fuzz::takeLine(rest).left(fuzz::longestName));
+    const bool warningsCount = name.startsWith('!');
+    name.remove(0, warningsCount ? 1 : 0);
+    if (fuzz::leadsElsewhere(name))
+        name.clear();
+    const QString path = folder.path() + name;
+
+    folder.unpack(input);
+    const auto before = dpc::contentsOf(folder.path());
+    CheckCommand command = checkCommand(path, folder.path(), fuzz::takeLine(rest).left(60));
+    command.warningsCount = warningsCount;
+    const auto findings = check(command);
+    const auto tasks = list(path);
+    fuzz::same("check and show write nothing", dpc::contentsOf(folder.path()), before);
+    if (!tasks || QFileInfo(path).isDir())
+        return 0;
+
+    slow::Load loaded;
+    const auto load = [&] { loaded = slow::Loader("", slow::now()).load(path); };
+    slow::withinOneSecond(load);
+    fuzz::same("the tasks are those of a load", tasks->size(), loaded.tasks.size());
+    if (findings)
+        fuzz::same("what a load rejects is found, and nothing else",
+                   rejectedBy(*findings).join('\n'), loaded.rejected.join('\n'));
+    if (!takesLong(*tasks))
+        checkRoundTrip(folder, input, path);
+    return 0;
+}
