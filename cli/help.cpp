@@ -31,7 +31,8 @@ EXAMPLES
     {"check", "report every mistake in a series, before machines run it",
      "dpc check [OPTIONS] PATH...\n    dpc check --list-rules", R"(
     Checks the series that each PATH belongs to, or all series in a folder, and
-    prints one line per finding, as compilers do:
+    prints one line per finding, as compilers do. A series that several PATHs
+    belong to is checked once, and its _init file with it:
 
         file:line:column: error|warning|note: text [rule]
 
@@ -88,7 +89,8 @@ EXAMPLES
     Loads the series as the editor does, renders in memory what the editor would
     save under the same name, and compares it with the disk, file by file and
     line by line: "-" is what is there now, "+" what would be there. Also tells
-    of files that would be made, cut, or left over. Nothing is written.)",
+    of files that would be made, cut, or left over, and of what is in the way of
+    a file. Nothing is written.)",
      R"(EXIT STATUS
     0   a load and a save change nothing
     1   they change something
