@@ -23,8 +23,7 @@ namespace dpc {
 inline QMap<QString, QByteArray> contentsOf(const QString& folder)
 {
     QMap<QString, QByteArray> contents;
-    QDirIterator it(folder,
-                    QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+    QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
                     QDirIterator::Subdirectories);
     while (it.hasNext()) {
         QFile file(it.next());
