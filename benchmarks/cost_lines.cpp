@@ -97,7 +97,7 @@ void countExpansion()
 void countLineLengths()
 {
     const _kvString8_allSize<500> file("/share/test/mytest.dpc");
-    for (const int characters : {250, 500, 1000}) {
+    for (const int characters : {100, 1000}) {
         TestTask task = samples::taskWithLine(characters);
         const _kvString<1000> line = samples::lineOf(task);
         const QByteArray suffix = ' ' + QByteArray::number(characters);

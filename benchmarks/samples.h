@@ -37,7 +37,7 @@ inline TaskList distinctTasks(int count, int iterations)
     return tasks;
 }
 
-/// A task whose line has about this many characters (at least 150), spread over its four paths.
+/// A task whose line has about this many characters (at least 100), spread over its four paths.
 inline TestTask taskWithLine(int characters)
 {
     constexpr int withoutPaths = 80;
