@@ -168,9 +168,9 @@ private slots:
         MachineValues machine;
         machine.computerName = _kvString<500>("[it"); // completes a variable that comes later
         machine.date = QStringLiteral("er]");
-        for (const char* name : {"/s/a", "/s/[iter]", "[temp]/[cfgName]", "[cfgPath]/[iter",
-                                 "/s/[Iter]", "[[iter]]/[cfgTaskID]", "/s/[host]er]/a",
-                                 "/s/[it[date]", "[host][date]"}) {
+        for (const char* name :
+             {"/s/a", "/s/[iter]", "[temp]/[cfgName]", "[cfgPath]/[iter", "/s/[Iter]",
+              "[[iter]]/[cfgTaskID]", "/s/[host]er]/a", "/s/[it[date]", "[host][date]"}) {
             task.sourcePath = path(name);
             QStringList expected;
             for (int iteration = 0; iteration < task.iterations; ++iteration) {
