@@ -18,7 +18,7 @@ struct Run
 {
     QByteArray out;
     QByteArray err;
-    int code;
+    int code = 0;
 };
 
 template <class Command>

@@ -72,7 +72,7 @@ inline QList<QByteArray> linesOf(const QString& path)
 
 inline QJsonObject parsed(const QByteArray& json)
 {
-    QJsonParseError error;
+    QJsonParseError error = {};
     const QJsonDocument document = QJsonDocument::fromJson(json, &error);
     fuzz::same("JSON can be read", error.errorString(), QString("no error occurred"));
     return document.object();
