@@ -9,10 +9,10 @@
 /// A file that must exist before a series can run.
 struct FileToCreate
 {
-    QString text;     ///< every variable expanded but "[cfgPath]": what the creating line names
-    QString resolved; ///< "[cfgPath]" expanded too: where the file lies on this machine
-    qint64 size;      ///< bytes
-    bool isDummy;     ///< only there to make its folder
+    QString text;         ///< every variable expanded but "[cfgPath]": what the creating line names
+    QString resolved;     ///< "[cfgPath]" expanded too: where the file lies on this machine
+    qint64 size = 0;      ///< bytes
+    bool isDummy = false; ///< only there to make its folder
 };
 
 /// An ordered list in which no text stands twice.

@@ -176,7 +176,10 @@ private slots:
         editor.addWriteTask("/t/a");
         DialogAnswers answers;
         answers.answerNext([](QDialog& /*dialog*/) { QApplication::closeAllWindows(); });
-        QTimer::singleShot(0, &editor.window, [&] { editor.click("buttonLoad"); });
+        QTimer start;
+        start.setSingleShot(true);
+        connect(&start, &QTimer::timeout, [&] { editor.click("buttonLoad"); });
+        start.start();
         QCOMPARE(QApplication::exec(), 0);
         QCOMPARE(answers.answered(), 1);
     }

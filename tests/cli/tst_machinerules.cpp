@@ -117,7 +117,7 @@ private slots:
     }
 
 private:
-    static constexpr qint64 mib = 1024 * 1024;
+    static constexpr qint64 mib = 1024L * 1024;
 
     void setFree(qint64 bytes)
     {

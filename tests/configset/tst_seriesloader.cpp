@@ -206,7 +206,7 @@ private slots:
     {
         // One line of a gigabyte without a byte on the disk.
         test::put(m_root + "a.dpc", lineTo("/1").toLatin1() + "Bytes");
-        QCOMPARE(::truncate(QFile::encodeName(m_root + "a.dpc"), 1024 * 1024 * 1024), 0);
+        QCOMPARE(::truncate(QFile::encodeName(m_root + "a.dpc"), 1024L * 1024 * 1024), 0);
         QCOMPARE(load(m_root + "a.dpc"), QStringList{"/1"});
         QCOMPARE(m_rejected.size(), 1);
 

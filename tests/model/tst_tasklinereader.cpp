@@ -13,7 +13,7 @@ const QStringList goodFields = {"Stream", "NOflush", "NOprealloc", "50", "1024",
 struct Reading
 {
     TestTask task;
-    bool accepted;
+    bool accepted = false;
     TaskLineProblem problem;
 };
 

@@ -1,7 +1,6 @@
 #include "model/testtask.h"
 #include "shared/kvfileglobal.h"
-#include "shared/kvstring16.h"
-#include "shared/kvstring8.h"
+#include "tests/shared/capacity.h"
 
 #include <QtTest>
 
@@ -13,13 +12,6 @@
 // goes through every operation of its kind here, at its capacity too.
 
 namespace {
-
-template <class Text>
-constexpr int capacity = 0;
-template <int N>
-constexpr int capacity<_kvString8_allSize<N>> = N;
-template <int N>
-constexpr int capacity<_kvString<N>> = N;
 
 template <class Text>
 constexpr bool isFilledWith(const Text& text, char c)

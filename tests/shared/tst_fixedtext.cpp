@@ -1,6 +1,5 @@
-#include "shared/kvstring16.h"
-#include "shared/kvstring8.h"
 #include "shared/kvtext.h"
+#include "tests/shared/capacity.h"
 
 #include <QtTest>
 
@@ -9,13 +8,6 @@
 // Every operation is compared with the same operation on a byte array, cut at the capacity.
 
 namespace {
-
-template <class Text>
-constexpr int capacity = 0;
-template <int N>
-constexpr int capacity<_kvString8_allSize<N>> = N;
-template <int N>
-constexpr int capacity<_kvString<N>> = N;
 
 template <class Text>
 Text make(const QByteArray& bytes)
@@ -51,7 +43,8 @@ QList<QByteArray> textsAround(int capacity)
     return texts;
 }
 
-QByteArray replaced(QByteArray text, const QByteArray& what, const QByteArray& with, int capacity)
+QByteArray replaced(const QByteArray& text, const QByteArray& what, const QByteArray& with,
+                    int capacity)
 {
     return text.left(capacity).replace(what, with).left(capacity);
 }
