@@ -3,7 +3,6 @@
 #include "tests/support/ownmounts.h"
 
 #include <QDir>
-#include <QTemporaryDir>
 
 // Takes the pictures of the documents from the real window. usage: docPictures FOLDER
 
@@ -62,20 +61,19 @@ void takeSmallWindow(const QString& folder)
 
 void takeDialogs(const QString& folder)
 {
-    const QTemporaryDir series;
+    const QString series = "/mnt/nas/test/";
     Editor editor;
     composeSeries(editor);
     {
         DialogAnswers answers;
-        answers.answerNext(chooseFile(series.path() + "/mytest.dpc"));
+        answers.answerNext(chooseFile(series + "mytest.dpc"));
         answers.answerNext(pictureOf(folder + "information.png"));
         editor.click("buttonSave");
     }
-    test::put(series.path() + "/damaged.dpc",
-              "Strem;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;\n");
+    test::put(series + "damaged.dpc", "Strem;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;\n");
     DialogAnswers answers;
     answers.answerNext(pictureOf(folder + "question.png"));
-    answers.answerNext(chooseFile(series.path() + "/damaged.dpc"));
+    answers.answerNext(chooseFile(series + "damaged.dpc"));
     answers.answerNext(pictureOf(folder + "warning.png"));
     editor.click("buttonLoad");
 }
@@ -93,8 +91,6 @@ void takeGuide(const QString& guide, const QString& folder)
 
 void takeGuides(const QString& folder)
 {
-    for (const char* path : {"/mnt/disk/test", "/mnt/nas/test", "/mnt/home"})
-        QDir().mkpath(path);
     QDir::setCurrent("/mnt/disk"); // where the first file dialog opens
     const QByteArray page = test::contentOf(TWDP_SOURCE_DIR "/docs/user-guide.md");
     for (const GuideSection& guide : guideSections(QString::fromUtf8(page)))
@@ -110,6 +106,8 @@ int main(int argc, char* argv[])
     // file dialogs show them all, and write their settings to the last.
     test::allowMounts();
     const test::SmallDisk disks("/mnt", "size=1m");
+    for (const char* path : {"/mnt/disk/test", "/mnt/nas/test", "/mnt/home"})
+        QDir().mkpath(path);
     qputenv("HOME", "/mnt/home");
     QApplication application(argc, argv);
     if (argc != 2 || !QDir(argv[1]).exists())
