@@ -29,6 +29,8 @@ private slots:
         row("link", "<a href=\"file:///etc/passwd\">x</a>");
         row("format string", "%1 %s %n %99999d");
         row("control characters", "a\x01\x02\x1b[31mb\x7f\x80\x9f");
+        row("right-to-left override", "a\xe2\x80\xae"
+                                      "fdp.b");
         row("tabs inside", "a\tb");
         row("mnemonic", "&Ok");
         row("shell", "$(touch /tmp/x); `touch /tmp/x`");
@@ -41,7 +43,7 @@ private slots:
         QFETCH(QByteArray, line);
         QFETCH(QString, shown);
         const QString file = m_folder.path() + "/bad.dpc";
-        test::put(file, line + '\n');
+        test::put(file, line); // without a line end
 
         Editor editor;
         bool seen = false;
@@ -58,19 +60,30 @@ private slots:
         QVERIFY(seen);
     }
 
+    void namesAreShownAsText_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("markup") << "<b><img src=x>&lt;";
+        QTest::newRow("format string") << "%1 %s %n";
+        QTest::newRow("control characters") << "a\x01\x1b[31mb\x7f";
+    }
+
     void namesAreShownAsText()
     {
-        const QString folder = m_folder.path() + "/<b><img src=x>&lt;";
+        QFETCH(QString, name);
+        const QString folder = m_folder.path() + '/' + name;
         QVERIFY(QDir().mkdir(folder));
-        test::put(folder + "/<u>.dpc", "bad\n");
+        const QString file = folder + '/' + name + ".dpc";
+        test::put(file, "bad\n");
         Editor editor;
         DialogAnswers answers;
-        answers.answerNext(chooseFile(folder + "/<u>.dpc"));
+        answers.answerNext(chooseFile(file));
         answers.answerNext([&](QDialog& dialog) {
-            checkMessage(dialog, "Unable to load line\nbad\n from file " + folder + "/<u>.dpc");
+            checkMessage(dialog, "Unable to load line\nbad\n from file " + file);
             pressKey(dialog, Qt::Key_Return);
         });
         editor.click("buttonLoad");
+        QCOMPARE(answers.answered(), 2);
     }
 
     void noImageIsFetched()
