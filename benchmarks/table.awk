@@ -5,7 +5,7 @@ function figureOf(name) { return name ~ /^[0-9]+$/ ? name : figures[name] }
 
 # 12345678 becomes 12,345,678.
 function grouped(number,   text) {
-    text = sprintf("%d", number)
+    text = sprintf("%.0f", number) # "%d" ends at 2^31 in some awks
     while (match(text, /^[0-9]+[0-9][0-9][0-9](,|$)/)) {
         comma = index(text ",", ",") - 4
         text = substr(text, 1, comma) "," substr(text, comma + 1)

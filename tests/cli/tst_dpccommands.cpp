@@ -9,7 +9,6 @@
 
 #include <QRegularExpression>
 
-#include <ctime>
 #include <limits>
 
 /// What golden files can't say: properties, limits, and input that nobody writes on purpose.
@@ -211,37 +210,6 @@ private slots:
         QCOMPARE(aligned.size(), size_t(4001));
         QCOMPARE(aligned[3999].first, 3999);
         QCOMPARE(aligned[4000].first, -1);
-    }
-
-    void timeGrowsWithTheNumberOfTasks()
-    {
-        const auto timeFor = [&](int tasks) {
-            m_series->put("a.dpc",
-                          goodLine({{11, "[cfgPath]/[host]_[cfgTaskID]"}}).repeated(tasks));
-            // Processor time: the machine has other things to do.
-            const std::clock_t start = std::clock();
-            m_series->findings();
-            return double(std::clock() - start) / tasks;
-        };
-        timeFor(500);
-        // Quadratic growth would make it sixteen times as much for each task.
-        QVERIFY(timeFor(8000) < 6 * timeFor(500));
-    }
-
-    void timeGrowsWithTheNumberOfIterations()
-    {
-        const auto timeFor = [&](int iterations) {
-            m_series->put("a.dpc", goodLine({{8, QByteArray::number(iterations)},
-                                             {10, "/s/[iter]"},
-                                             {12, "/l/[iter]/x"},
-                                             {13, "/c/[iter]/x"}}));
-            m_series->put("a_init.dpc", "");
-            const std::clock_t start = std::clock();
-            m_series->findings();
-            return double(std::clock() - start) / iterations;
-        };
-        timeFor(200);
-        QVERIFY(timeFor(3200) < 6 * timeFor(200));
     }
 
     void wordsThatAreClose()
