@@ -4,9 +4,9 @@
 //   pc01,pc02               the machines
 //   ==> ...                 as archive.h says
 
-#include "cli/commands.h"
 #include "configset/seriesloader.h"
 #include "configset/seriessaver.h"
+#include "dpc/commands.h"
 #include "fuzz/archive.h"
 #include "fuzz/dpcoutput.h"
 #include "fuzz/slowseries.h"
@@ -44,20 +44,21 @@ CheckCommand checkCommand(const QString& path, const QString& root, const QByteA
     for (const QByteArray& host : hosts.split(','))
         command.options.hosts += fuzz::latin1(host);
     // What is there outside of the folder must not matter.
-    command.options.world.exists = [root](const QString& file) {
+    command.options.environment.exists = [root](const QString& file) {
         return file.startsWith(root) && QFileInfo::exists(file);
     };
-    command.options.world.room = [](const QString& file) {
-        return std::optional<Room>({file.size() % 2 == 0 ? 1U : 2U, 1 << 30});
+    command.options.environment.room = [](const QString& file) {
+        return std::optional<DiskSpace>({file.size() % 2 == 0 ? 1U : 2U, 1 << 30});
     };
     command.options.limits.names = 500;
     return command;
 }
 
-int expectedCode(const QJsonObject& all, bool warningsCount)
+int expectedCode(const QJsonObject& all, bool warningsAreErrors)
 {
-    const bool isBad = all["errors"].toInt() > 0 || (warningsCount && all["warnings"].toInt() > 0);
-    return isBad ? exitFindings : exitGood;
+    const bool isBad =
+        all["errors"].toInt() > 0 || (warningsAreErrors && all["warnings"].toInt() > 0);
+    return isBad ? exitFindings : exitClean;
 }
 
 /// Lines that a load rejects, as the findings tell.
@@ -91,7 +92,7 @@ std::optional<QJsonArray> check(CheckCommand command)
     fuzz::same("the format is no matter", text.code, json.code);
     fuzz::same("quiet is as bad", quiet.code, json.code);
     fuzz::same("quiet is quiet", quiet.out.size(), 0);
-    if (quiet.code == exitImpossible) {
+    if (quiet.code == exitUsage) {
         checkFailure(quiet);
         return std::nullopt;
     }
@@ -99,7 +100,7 @@ std::optional<QJsonArray> check(CheckCommand command)
     const QJsonObject all = dpc::parsed(json.out);
     const QJsonArray findings = all["findings"].toArray();
     fuzz::same("the status follows from the findings", json.code,
-               expectedCode(all, command.warningsCount));
+               expectedCode(all, command.warningsAreErrors));
     dpc::checkCounts(all);
     dpc::checkText(text.out, findings);
     for (const auto& finding : findings)
@@ -123,7 +124,7 @@ std::optional<QJsonArray> list(const QString& path)
     const Run json = show(path, ListFormat::Json, false);
     const Run same = run([&](const Output& output) { return runDiff(path, path, output); });
     fuzz::same("what can be shown can be compared", same.code, json.code);
-    if (json.code == exitImpossible) {
+    if (json.code == exitUsage) {
         checkFailure(json);
         return std::nullopt;
     }
@@ -168,14 +169,14 @@ void checkRoundTrip(const fuzz::ArchiveFolder& folder, const QByteArray& input,
         before = dpc::contentsOf(folder.path());
         told = run([&](const Output& output) { return runRoundTrip(chosen, output); });
         fuzz::same("roundtrip writes nothing", dpc::contentsOf(folder.path()), before);
-        if (told.code != exitImpossible)
+        if (told.code != exitUsage)
             loadAndSave(chosen);
         after = dpc::contentsOf(folder.path());
     });
-    if (told.code == exitImpossible)
+    if (told.code == exitUsage)
         return checkFailure(told);
     fuzz::same("the status of a roundtrip follows from its output", told.code,
-               int(told.out.isEmpty() ? exitGood : exitFindings));
+               int(told.out.isEmpty() ? exitClean : exitFindings));
     fuzz::same("a roundtrip tells of every change", dpc::changesTold(told.out).join('\n'),
                dpc::changedFiles(before, after).join('\n'));
 }
@@ -197,8 +198,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QByteArray input = fuzz::bytesOf(data, size);
     QByteArray rest = input;
     QString name = fuzz::latin1(fuzz::takeLine(rest).left(fuzz::longestName));
-    const bool warningsCount = name.startsWith('!');
-    name.remove(0, warningsCount ? 1 : 0);
+    const bool warningsAreErrors = name.startsWith('!');
+    name.remove(0, warningsAreErrors ? 1 : 0);
     if (fuzz::leadsElsewhere(name))
         name.clear();
     const QString path = folder.path() + name;
@@ -206,7 +207,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     folder.unpack(input);
     const auto before = dpc::contentsOf(folder.path());
     CheckCommand command = checkCommand(path, folder.path(), fuzz::takeLine(rest).left(60));
-    command.warningsCount = warningsCount;
+    command.warningsAreErrors = warningsAreErrors;
     const auto findings = check(command);
     const auto tasks = list(path);
     fuzz::same("check and show write nothing", dpc::contentsOf(folder.path()), before);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/rules.h"
+#include "check/rules.h"
 #include "fuzz/check.h"
 
 #include <QDirIterator>

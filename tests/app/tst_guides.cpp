@@ -1,4 +1,4 @@
-#include "cli/commandline.h"
+#include "dpc/commandline.h"
 #include "tests/app/guideplayer.h"
 #include "tests/support/files.h"
 

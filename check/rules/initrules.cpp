@@ -1,0 +1,175 @@
+#include "check/checker.h"
+#include "check/nameexpander.h"
+#include "check/text.h"
+#include "configset/filestocreate.h"
+
+#include <QSet>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+// Whether the "_init" file makes what the series needs.
+
+namespace {
+
+/// Compares what the series needs with what the "_init" file makes. Names that are others on each
+/// machine, or at each save, can't be compared.
+class InitComparison
+{
+public:
+    explicit InitComparison(const SeriesFacts& facts)
+        : m_facts(facts)
+        , m_names(facts, noMachine())
+    {
+        for (const LineFact& line : facts.lines) {
+            if (isTask(line))
+                compareTask(line);
+        }
+        lookForNameless();
+        findUnneeded();
+    }
+
+    bool needsAnything() const { return !m_needed.files().isEmpty(); }
+    int lacking() const { return int(m_lacks.size()); }
+
+    std::string firstLack;      ///< a name that the series needs and the file does not make
+    std::string firstWrongSize; ///< a name that it makes in another size
+    std::string firstUnneeded;  ///< a name that it makes for nobody
+    std::string firstNameless;  ///< a name without the name of the series
+    std::string nameInstead;    ///< what the series looks for instead
+
+private:
+    struct Lack
+    {
+        const LineFact* line;
+        QString name;
+    };
+
+    void compareTask(const LineFact& line)
+    {
+        const int known = m_needed.files().size();
+        collectFilesOfTask(m_needed, m_names.record(line), line.taskNumber, m_noMachine);
+        const QVector<FileToCreate>& files = m_needed.files();
+        for (int i = known; i < files.size(); ++i)
+            compareFile(files[i], line);
+    }
+
+    void compareFile(const FileToCreate& file, const LineFact& line)
+    {
+        const QByteArray name = file.text.toLatin1().left(longestPath);
+        m_neededNames.insert(name);
+        if (dependsOnMachine(file.text)) {
+            m_dependsOnMachine = true;
+            return;
+        }
+        const auto made = m_facts.init.constFind(name);
+        if (made == m_facts.init.cend()) {
+            m_lacks.push_back({&line, file.text});
+            keepFirst(firstLack, file.text);
+        } else if (made->size / 1024 != std::min<qint64>(file.size, largestSavedFile) / 1024) {
+            keepFirst(firstWrongSize, file.text);
+        }
+    }
+
+    /// Whether the file makes what a task without a config file would need. What any task needs by
+    /// its full name is known by now.
+    void lookForNameless()
+    {
+        const LineFact* last = nullptr;
+        for (const Lack& lack : m_lacks) {
+            // All names of a task are compared at once, and it may lack one for each iteration.
+            if (lack.line == last)
+                continue;
+            last = lack.line;
+            TestTask task = m_names.record(*lack.line);
+            task.configPath.clear();
+            FileToCreateList nameless;
+            collectFilesOfTask(nameless, task, lack.line->taskNumber, m_noMachine);
+            for (const FileToCreate& file : nameless.files()) {
+                const QByteArray name = file.text.toLatin1().left(longestPath);
+                if (!m_facts.init.contains(name) || m_neededNames.contains(name))
+                    continue;
+                firstNameless = quoted(file.text);
+                nameInstead = quoted(lack.name);
+                return;
+            }
+        }
+    }
+
+    void findUnneeded()
+    {
+        int firstLine = INT32_MAX;
+        for (auto it = m_facts.init.cbegin(); it != m_facts.init.cend() && !m_dependsOnMachine;
+             ++it) {
+            if (m_neededNames.contains(it.key()) || it->line >= firstLine)
+                continue;
+            firstLine = it->line;
+            firstUnneeded = quoted(it.key());
+        }
+    }
+
+    static void keepFirst(std::string& first, const QString& name)
+    {
+        if (first.empty())
+            first = quoted(name);
+    }
+
+    static constexpr qint64 largestSavedFile =
+        1073741824; // 1 GiB: what a line of a save can ask for
+
+    const SeriesFacts& m_facts;
+    const MachineValues m_noMachine = noMachine();
+    NameExpander m_names;
+    FileToCreateList m_needed;
+    QSet<QByteArray> m_neededNames;
+    std::vector<Lack> m_lacks;
+    bool m_dependsOnMachine = false;
+};
+
+std::string differences(const InitComparison& comparison)
+{
+    std::string text;
+    const auto add = [&](const std::string& name, const char* format) {
+        if (!name.empty())
+            text += (text.empty() ? "" : ", ") + fmt::format(fmt::runtime(format), name);
+    };
+    add(comparison.firstLack, "lacks {}");
+    if (comparison.lacking() > 1)
+        text += fmt::format(" and {} more", comparison.lacking() - 1);
+    add(comparison.firstWrongSize, "makes {} in another size");
+    add(comparison.firstUnneeded, "makes {} for no task");
+    return text;
+}
+
+} // namespace
+
+void checkInit(const SeriesFacts& facts, Findings& findings)
+{
+    if (facts.isInit || facts.limitReached)
+        return;
+    const InitComparison comparison(facts);
+    if (facts.initFile < 0) {
+        if (comparison.needsAnything())
+            findings.add(
+                Rule::InitMissing, 0, 1, 1,
+                fmt::format("there is no {}_init.dpc that makes the sources and folders of the "
+                            "series: load and save it again",
+                            printable(facts.name.baseName)));
+        return;
+    }
+    if (!facts.files[size_t(facts.initFile)].readable)
+        return;
+    if (!comparison.firstNameless.empty()) {
+        findings.add(
+            Rule::InitNames, facts.initFile, 1, 1,
+            fmt::format("makes {} where the series looks for {}: the tasks had no config file "
+                        "yet when they were saved; load and save the series once more",
+                        comparison.firstNameless, comparison.nameInstead));
+        return;
+    }
+    const std::string text = differences(comparison);
+    if (!text.empty())
+        findings.add(Rule::InitOutdated, facts.initFile, 1, 1,
+                     text + ": load and save the series again");
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "configset/seriesname.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <string>
+#include <vector>
+
+/// A series that has at least one file.
+struct FoundSeries
+{
+    SeriesName name;     ///< with an absolute folder
+    QString shownFolder; ///< the folder as the user spells it
+};
+
+/// What came of a search.
+struct SeriesSearch
+{
+    std::vector<FoundSeries> series;
+    QStringList notLoaded; ///< config files, as the user spells them, that are of no series
+    std::string problem;   ///< one sentence where nothing was found
+};
+
+/// The series that a path leads to: a file to the one that the editor would load for it, a folder
+/// to all that have a file in it or in its "_wait". Companion files belong to their series.
+SeriesSearch findSeries(const QString& path);
+
+/// The same where exactly one is wanted.
+SeriesSearch findOneSeries(const QString& path);
+
+/// The first of those that are the same, and no companions of others.
+std::vector<FoundSeries> withoutDuplicates(const std::vector<FoundSeries>& series);

@@ -1,0 +1,124 @@
+#include "dpc/comparison.h"
+
+#include "check/taskfields.h"
+#include "check/text.h"
+#include "dpc/alignment.h"
+
+#include <fmt/format.h>
+
+namespace {
+
+using Fields = std::vector<std::string>;
+
+std::string yesOrNo(bool value)
+{
+    return value ? "yes" : "no";
+}
+
+/// The fields of a task as people read them, in the order of the line.
+Fields fieldsOf(const LineFact& line)
+{
+    const TaskSettings& task = line.used;
+    Fields fields{methodWord(task.method),
+                  yesOrNo(task.flush),
+                  yesOrNo(task.preallocate),
+                  fmt::format("{} ms", task.chunkWait),
+                  fmt::format("{} KiB", task.chunkSize / 1024),
+                  std::to_string(task.sysBufferMode),
+                  fmt::format("{} KiB", task.fileSize / 1024),
+                  std::to_string(task.iterations),
+                  std::to_string(task.cacheMode)};
+    for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath}) {
+        const QByteArray path = line.path(which);
+        fields.push_back(path.isEmpty() ? which <= DestPath ? "MEMORY" : "(none)" : quoted(path));
+    }
+    fields.push_back(yesOrNo(task.writeDone));
+    return fields;
+}
+
+struct Entry
+{
+    const LineFact* line;
+    Fields fields; ///< none for a marker
+};
+
+std::vector<Entry> entriesOf(const SeriesFacts& facts)
+{
+    std::vector<Entry> entries;
+    for (const LineFact& line : facts.lines) {
+        if (isTask(line))
+            entries.push_back({&line, fieldsOf(line)});
+        else if (isMarker(line))
+            entries.push_back({&line, {}});
+    }
+    return entries;
+}
+
+std::vector<std::string> keysOf(const std::vector<Entry>& entries)
+{
+    std::vector<std::string> keys;
+    keys.reserve(entries.size());
+    for (const Entry& entry : entries)
+        keys.push_back(fmt::format("{}", fmt::join(entry.fields, "\n")));
+    return keys;
+}
+
+std::string placeOf(const SeriesFacts& facts, const Entry& entry)
+{
+    return fmt::format("{}:{}", printable(facts.fileOf(*entry.line).shown), entry.line->line);
+}
+
+std::string nameOf(const Entry& entry)
+{
+    if (entry.fields.empty())
+        return "wait for the next config file";
+    return fmt::format("{} {} from {} to {}", entry.fields[0], typeWord(*entry.line),
+                       entry.fields[firstPathField - 1], entry.fields[firstPathField]);
+}
+
+std::string onlyIn(const char* which, const SeriesFacts& facts, const Entry& entry)
+{
+    return fmt::format("{}: only in the {} series: {}\n", placeOf(facts, entry), which,
+                       nameOf(entry));
+}
+
+std::string changes(const std::string& place, const Fields& first, const Fields& second)
+{
+    std::string text;
+    for (size_t i = 0; i < first.size(); ++i) {
+        if (first[i] != second[i])
+            text += fmt::format("{}: {}: {} -> {}\n", place, fieldName(int(i) + 1), first[i],
+                                second[i]);
+    }
+    return text;
+}
+
+std::string infoChange(const SeriesFacts& first, const SeriesFacts& second)
+{
+    return first.info == second.info ? std::string() : "the info text is different\n";
+}
+
+} // namespace
+
+std::string differencesOf(const SeriesFacts& first, const SeriesFacts& second)
+{
+    const std::vector<Entry> firstEntries = entriesOf(first);
+    const std::vector<Entry> secondEntries = entriesOf(second);
+    std::string text = infoChange(first, second);
+    for (const AlignedPair& pair : align(keysOf(firstEntries), keysOf(secondEntries))) {
+        const Entry* a = pair.first < 0 ? nullptr : &firstEntries[size_t(pair.first)];
+        const Entry* b = pair.second < 0 ? nullptr : &secondEntries[size_t(pair.second)];
+        // A task never turned into a marker: one went and the other came.
+        const bool sameKind =
+            a != nullptr && b != nullptr && a->fields.empty() == b->fields.empty();
+        if (sameKind) {
+            text += changes(placeOf(first, *a) + ", " + placeOf(second, *b), a->fields, b->fields);
+            continue;
+        }
+        if (a != nullptr)
+            text += onlyIn("first", first, *a);
+        if (b != nullptr)
+            text += onlyIn("second", second, *b);
+    }
+    return text;
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "check/seriesfacts.h"
+#include "model/pathvariables.h"
+
+#include <optional>
+#include <string>
+
+/// How tasks are listed.
+enum class ListFormat
+{
+    Text,
+    Csv,
+    Json
+};
+
+/// Whose names are shown: with variables as they are, or as one machine sees them.
+struct Expansion
+{
+    MachineValues machine;
+    int iteration = 0;
+};
+
+/// The series as the editor's table shows it. With an expansion every path is resolved, and the
+/// .csv files, which the table does not show, have a column of their own. Text and JSON end in
+/// totals.
+std::string listSeries(const SeriesFacts& facts, ListFormat format,
+                       const std::optional<Expansion>& expansion);

@@ -1,0 +1,88 @@
+#include "dpc/printer.h"
+
+#include "check/text.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <fmt/color.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace {
+
+Severity severityOf(const Finding& finding)
+{
+    return infoOf(finding.rule).severity;
+}
+
+fmt::text_style styleOf(Severity severity)
+{
+    switch (severity) {
+    case Severity::Error:
+        return fmt::emphasis::bold | fg(fmt::terminal_color::red);
+    case Severity::Warning:
+        return fmt::emphasis::bold | fg(fmt::terminal_color::magenta);
+    case Severity::Note:
+        break;
+    }
+    return fmt::emphasis::bold | fg(fmt::terminal_color::cyan);
+}
+
+std::string placeOf(const Finding& finding)
+{
+    return fmt::format("{}:{}:{}:", printable(finding.path), finding.line, finding.column);
+}
+
+} // namespace
+
+std::string findingsAsText(const std::vector<Finding>& findings, bool colour)
+{
+    std::string text;
+    for (const Finding& finding : findings) {
+        const RuleInfo& info = infoOf(finding.rule);
+        const std::string severity = fmt::format("{}:", severityName(info.severity));
+        if (colour)
+            text += fmt::format(fmt::emphasis::bold, "{}", placeOf(finding)) + ' ' +
+                    fmt::format(styleOf(info.severity), "{}", severity);
+        else
+            text += placeOf(finding) + ' ' + severity;
+        text += fmt::format(" {} [{}]\n", finding.text, info.name);
+    }
+    return text;
+}
+
+std::string findingsAsJson(const std::vector<Finding>& findings)
+{
+    QJsonArray list;
+    for (const Finding& finding : findings) {
+        const RuleInfo& info = infoOf(finding.rule);
+        list.append(QJsonObject{{"file", finding.path},
+                                {"line", finding.line},
+                                {"column", finding.column},
+                                {"severity", severityName(info.severity)},
+                                {"rule", info.name},
+                                {"text", QString::fromStdString(finding.text)}});
+    }
+    const QJsonObject all{{"findings", list},
+                          {"errors", countOf(findings, Severity::Error)},
+                          {"warnings", countOf(findings, Severity::Warning)},
+                          {"notes", countOf(findings, Severity::Note)}};
+    return QJsonDocument(all).toJson().toStdString();
+}
+
+std::string summaryOf(const std::vector<Finding>& findings)
+{
+    return fmt::format("{}, {}, {}", counted(countOf(findings, Severity::Error), "error"),
+                       counted(countOf(findings, Severity::Warning), "warning"),
+                       counted(countOf(findings, Severity::Note), "note"));
+}
+
+int countOf(const std::vector<Finding>& findings, Severity severity)
+{
+    return int(std::count_if(findings.begin(), findings.end(), [&](const Finding& finding) {
+        return severityOf(finding) == severity;
+    }));
+}

@@ -1,0 +1,203 @@
+#include "dpc/roundtrip.h"
+
+#include "check/nameexpander.h"
+#include "check/text.h"
+#include "configset/configfilereader.h"
+#include "configset/seriesloader.h"
+#include "configset/seriesrenderer.h"
+#include "dpc/alignment.h"
+#include "shared/kvfile.h"
+#include "shared/kvtext.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSet>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace {
+
+/// The info text as the editor's text field gives it back: comments before the first text vanish
+/// where they are empty, and a no-break space comes back as a blank.
+class InfoText
+{
+public:
+    void addLine(QString line)
+    {
+        line.replace(QChar::Nbsp, ' ').replace('\r', '\n');
+        m_text += m_text.isEmpty() ? line : '\n' + line;
+    }
+    const QString& text() const { return m_text; }
+
+private:
+    QString m_text;
+};
+
+long long iterationsIn(const TaskList& tasks)
+{
+    long long count = 0;
+    for (const TestTask& task : tasks)
+        count += std::max(task.iterations, 0);
+    return count;
+}
+
+/// Where the editor puts the files after the first.
+QString followUpFolder(const SeriesName& name)
+{
+    const QFileInfo folder(name.folder + waitFolder().chopped(1));
+    return !folder.exists() || folder.isDir() ? waitFolder() : QString();
+}
+
+/// What keeps a save from writing a file; null where nothing does.
+const char* obstacleTo(const QString& path)
+{
+    const QFileInfo file(path);
+    const QFileInfo folder(file.path());
+    if (file.exists() && !file.isFile())
+        return "what is there is no file";
+    return folder.exists() && !folder.isDir() ? "the folder is a file" : nullptr;
+}
+
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    const bool isFile = QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly);
+    return isFile ? file.read(ConfigFileReader::largestFile) : QByteArray();
+}
+
+/// The last line has a line end in a file that is whole.
+std::vector<std::string> linesOf(const QByteArray& content)
+{
+    std::vector<std::string> lines;
+    int start = 0;
+    while (start < content.size()) {
+        const int end = content.indexOf('\n', start);
+        const int next = end < 0 ? content.size() : end + 1;
+        lines.push_back(content.mid(start, next - start).toStdString());
+        start = next;
+    }
+    return lines;
+}
+
+std::string printableLine(const std::string& line)
+{
+    QByteArray text = QByteArray::fromStdString(line);
+    const bool isWhole = text.endsWith('\n');
+    if (isWhole)
+        text.chop(1);
+    return printable(QString::fromLatin1(text)) + (isWhole ? "" : " (no line end)");
+}
+
+std::string lineChanges(const QByteArray& before, const QByteArray& after)
+{
+    const std::vector<std::string> old = linesOf(before);
+    const std::vector<std::string> now = linesOf(after);
+    std::string text;
+    for (const AlignedPair& pair : align(old, now)) {
+        const bool same = pair.first >= 0 && pair.second >= 0 &&
+                          old[size_t(pair.first)] == now[size_t(pair.second)];
+        if (!same && pair.first >= 0)
+            text +=
+                fmt::format("{:5} - {}\n", pair.first + 1, printableLine(old[size_t(pair.first)]));
+        if (!same && pair.second >= 0)
+            text += fmt::format("{:5} + {}\n", pair.second + 1,
+                                printableLine(now[size_t(pair.second)]));
+    }
+    return text;
+}
+
+class Comparison
+{
+public:
+    explicit Comparison(const SeriesFacts& facts)
+        : m_facts(facts)
+    {}
+
+    void compare(const ConfigFile& file)
+    {
+        const QString path = kvToQString(kvToString8<250>(file.path));
+        const QByteArray content = kvToQString(kvToString8<5000>(file.content)).toLatin1();
+        const QByteArray before = contentOf(path);
+        const char* const obstacle = obstacleTo(path);
+        if (obstacle == nullptr)
+            m_written.insert(path);
+        if (obstacle != nullptr)
+            m_text += fmt::format("{}: can't be written: {}\n", shown(path), obstacle);
+        else if (!QFileInfo::exists(path))
+            m_text += fmt::format("{}: is created, with {}\n", shown(path),
+                                  counted(content.count('\n'), "line"));
+        else if (before != content)
+            m_text += fmt::format("{}: changes\n", shown(path)) + lineChanges(before, content);
+        if (file.content.size() > longestConfigFile)
+            m_text += fmt::format("{}: is cut at 5000 of {} characters\n", shown(path),
+                                  file.content.size());
+    }
+
+    void addUntouched()
+    {
+        for (const FileFact& file : m_facts.files) {
+            if (file.isRead && !m_written.contains(file.path))
+                m_text += fmt::format("{}: stays as it is, and is loaded again next time\n",
+                                      shown(file.path));
+        }
+    }
+
+    /// The files of the series are there before their companion is made.
+    bool writes(const QString& path) const { return m_written.contains(path); }
+
+    std::string text() const { return m_text; }
+
+private:
+    std::string shown(const QString& path) const
+    {
+        const QString& folder = m_facts.name.folder;
+        return printable(path.startsWith(folder) ? m_facts.shownFolder + path.mid(folder.size())
+                                                 : path);
+    }
+
+    const SeriesFacts& m_facts;
+    QSet<QString> m_written;
+    std::string m_text;
+};
+
+TaskList load(const SeriesName& name, InfoText& info)
+{
+    TaskList tasks;
+    loadSeries(name, tasks,
+               {[&] { return info.text().isEmpty(); },
+                [&](const QString& line) { info.addLine(line); },
+                [](const QString&, const QString&) {}});
+    return tasks;
+}
+
+} // namespace
+
+RoundTrip roundTrip(const SeriesFacts& facts)
+{
+    constexpr long long mostIterations = 1000000;
+    if (facts.limitReached)
+        return {{}, fmt::format("the series has more than {}", counted(mostLines, "line"))};
+    InfoText info;
+    TaskList tasks = load(facts.name, info);
+    // The editor does not save an empty list.
+    if (tasks.isEmpty())
+        return {};
+    if (iterationsIn(tasks) > mostIterations)
+        return {{},
+                fmt::format("the tasks have {} iterations in all: the editor would save for hours",
+                            iterationsIn(tasks))};
+
+    const SeriesName name = seriesNameForSaving(facts.name.folder + facts.name.baseName + ".dpc");
+    const RenderedSeries series =
+        renderSeries(tasks, info.text(), name, followUpFolder(name), thisMachine());
+    Comparison comparison(facts);
+    for (const ConfigFile& file : series.files)
+        comparison.compare(file);
+    comparison.compare(renderInitFile(series.filesToCreate, name, [&](const QString& resolved) {
+        return comparison.writes(resolved) || kvFileExists(kvToString16<500>(resolved));
+    }));
+    comparison.addUntouched();
+    return {comparison.text(), {}};
+}

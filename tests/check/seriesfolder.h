@@ -1,0 +1,106 @@
+#pragma once
+
+#include "check/checker.h"
+#include "configset/seriessaver.h"
+#include "shared/kvtext.h"
+#include "tests/support/files.h"
+#include "tests/support/tasks.h"
+
+#include <QDir>
+#include <QSet>
+#include <QTemporaryDir>
+#include <QtTest>
+
+/// A folder in which a test lays out a series, and what dpc says of it. Nothing outside the folder
+/// exists for the rules but what the test names, so that results are the same on every machine.
+class SeriesFolder
+{
+public:
+    SeriesFolder()
+        : m_root(m_folder.path() + '/')
+    {
+        if (!m_folder.isValid() || !QDir(m_root).mkdir("_wait"))
+            qFatal("can't make a folder for the test");
+        m_options.environment.exists = [this](const QString& path) {
+            return m_existing.contains(path);
+        };
+        m_options.environment.room = [](const QString&) {
+            return std::optional<DiskSpace>({1, qint64(1) << 60});
+        };
+    }
+
+    const QString& root() const { return m_root; }
+    CheckOptions& options() { return m_options; }
+
+    void put(const QString& name, const QByteArray& content) { test::put(m_root + name, content); }
+
+    /// A file that rules find on the disk.
+    void setExisting(const QString& path) { m_existing.insert(path); }
+
+    /// As the editor saves a list.
+    void save(TaskList tasks, const char* baseName = "a")
+    {
+        saveSeries(tasks, "info", {m_root, baseName});
+    }
+
+    SeriesFacts facts(const QString& chosen = "a.dpc") const
+    {
+        return readSeries(seriesNameForLoading(m_root + chosen), QString());
+    }
+
+    std::vector<Finding> findings(const QString& chosen = "a.dpc") const
+    {
+        return checkAll({m_root + chosen}, m_options).findings;
+    }
+
+    /// "file:line:column rule" of each finding; only those of the given rules, where some are
+    /// given.
+    QStringList said(const QSet<QString>& rules = {}, const QString& chosen = "a.dpc") const
+    {
+        QStringList texts;
+        for (const Finding& finding : findings(chosen)) {
+            const QString rule = infoOf(finding.rule).name;
+            if (rules.isEmpty() || rules.contains(rule))
+                texts += QStringLiteral("%1:%2:%3 %4")
+                             .arg(QString(finding.path).remove(m_root))
+                             .arg(finding.line)
+                             .arg(finding.column)
+                             .arg(rule);
+        }
+        return texts;
+    }
+
+    /// The text of the first finding of a rule.
+    QString text(const char* rule, const QString& chosen = "a.dpc") const
+    {
+        for (const Finding& finding : findings(chosen)) {
+            if (infoOf(finding.rule).name == QByteArray(rule))
+                return QString::fromStdString(finding.text);
+        }
+        return {};
+    }
+
+    /// How often a rule hits a series of one file with these lines.
+    int hits(const char* rule, const QByteArray& lines)
+    {
+        put("a.dpc", lines);
+        return said({rule}).size();
+    }
+
+private:
+    QTemporaryDir m_folder;
+    QString m_root;
+    QSet<QString> m_existing;
+    CheckOptions m_options;
+};
+
+/// A line in which nothing is wrong, with some fields (from 1) replaced.
+inline QByteArray goodLine(const QMap<int, QByteArray>& changes = {})
+{
+    QList<QByteArray> fields = {
+        "Posix",    "flush",         "prealloc",      "10",  "64", "1", "1024", "3", "2", "MEMORY",
+        "/d/x.dat", "/d/[host].txt", "/d/[host].csv", "true"};
+    for (auto it = changes.begin(); it != changes.end(); ++it)
+        fields[it.key() - 1] = it.value();
+    return fields.join(';') + ";\n";
+}

@@ -1,0 +1,143 @@
+#include "tests/check/seriesfolder.h"
+
+class TestLineRules : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { m_series.reset(new SeriesFolder); }
+
+    /// Each rule with a line that it must say something of and a line that it must not.
+    void ruleHitsAndMisses_data()
+    {
+        QTest::addColumn<QByteArray>("rule");
+        QTest::addColumn<QByteArray>("bad");
+        QTest::addColumn<QByteArray>("good");
+        const auto row = [](const char* name, const char* rule, const QByteArray& bad,
+                            const QByteArray& good = goodLine()) {
+            QTest::newRow(name) << QByteArray(rule) << bad << good;
+        };
+        row("method", "bad-line", goodLine({{1, "Posx"}}));
+        row("number", "bad-line", goodLine({{9, "2x"}}));
+        row("indented comment", "bad-line", " # comment\n", "# comment\n" + goodLine());
+        row("winapi", "winapi", goodLine({{1, "WinApi"}}));
+        row("fields", "missing-fields",
+            "Posix;flush;prealloc;10;64;1;1024;3;2;MEMORY;/d/x.dat;/l;/c;\n");
+        row("semicolon", "extra-fields", goodLine({{11, "/d/a;b.dat"}}));
+        row("empty number", "empty-number", goodLine({{9, ""}}));
+        row("lone minus", "empty-number", goodLine({{6, "-"}}), goodLine({{6, "-1"}}));
+        row("flush", "unknown-word", goodLine({{2, "Flush"}}), goodLine({{2, "1"}}));
+        row("prealloc", "unknown-word", goodLine({{3, "yes"}}), goodLine({{3, "NOprealloc"}}));
+        row("done", "unknown-word", goodLine({{14, "1"}}), goodLine({{14, "false"}}));
+        row("file size", "size-overflow", goodLine({{7, "2097152"}}), goodLine({{7, "2097151"}}));
+        row("chunk size", "size-overflow", goodLine({{5, "4194305"}}));
+        row("iterations", "size-overflow", goodLine({{8, "4294967297"}}), goodLine({{8, "100"}}));
+        row("long number", "size-overflow", goodLine({{4, QByteArray(300, '9')}}));
+        row("negative size", "negative-number", goodLine({{7, "-1"}}));
+        row("negative wait", "negative-number", goodLine({{4, "-1"}}), goodLine({{4, "0"}}));
+        row("buffer below default", "negative-number", goodLine({{6, "-2"}}),
+            goodLine({{6, "-1"}}));
+        row("large file", "changed-value", goodLine({{7, "1048577"}}), goodLine({{7, "1048576"}}));
+        row("buffer", "changed-value", goodLine({{6, "2"}}));
+        row("buffer above five", "changed-value", goodLine({{6, "6"}}));
+        row("chunks of a copy", "changed-value", goodLine({{5, "0"}, {10, "/d/s"}}),
+            goodLine({{5, "0"}}));
+        row("prealloc of a stream", "no-effect", goodLine({{1, "Stream"}}),
+            goodLine({{1, "Stream"}, {3, "NOprealloc"}}));
+        row("flush of a read", "no-effect", goodLine({{3, ""}, {10, "/d/s"}, {11, "MEMORY"}}),
+            goodLine({{2, "NOflush"}, {3, "NOprealloc"}, {10, "/d/s"}, {11, "MEMORY"}}));
+        row("wait without chunks", "no-effect", goodLine({{2, ""}, {5, "0"}}),
+            goodLine({{2, ""}, {4, "0"}, {5, "0"}}));
+        row("buffer of a system copy", "no-effect",
+            goodLine({{1, "System"}, {3, ""}, {10, "/d/s"}}),
+            goodLine({{1, "System"}, {3, ""}, {6, "-1"}, {10, "/d/s"}}));
+        row("iterations of the form", "beyond-form", goodLine({{8, "101"}}),
+            goodLine({{8, "100"}}));
+        row("size of the form", "beyond-form", goodLine({{7, "1023"}}));
+        row("wait of the form", "beyond-form", goodLine({{4, "501"}}), goodLine({{4, "500"}}));
+        row("chunk of the form", "beyond-form", goodLine({{5, "10241"}}), goodLine({{5, "10240"}}));
+        row("cache mode of the form", "beyond-form", goodLine({{9, "6"}}), goodLine({{9, "5"}}));
+        row("no iteration", "no-iterations", goodLine({{8, "0"}}), goodLine({{8, "1"}}));
+        row("large chunk", "chunk-too-large", goodLine({{5, "2048"}}), goodLine({{5, "1024"}}));
+        row("remainder", "chunk-remainder", goodLine({{5, "1000"}}), goodLine({{5, "512"}}));
+        row("long line", "long-line", "#" + QByteArray(1000, 'x') + '\n' + goodLine(),
+            "#" + QByteArray(999, 'x') + '\n' + goodLine());
+        row("line cut by a save", "long-line", cutLine(1000), cutLine(999));
+        row("zero byte", "zero-byte", goodLine() + QByteArray("a\0b\n", 4));
+        row("long path", "long-path", goodLine({{11, '/' + QByteArray(500, 'x')}}),
+            goodLine({{11, '/' + QByteArray(498, 'x')}}));
+        row("path cut by a save", "long-path", goodLine({{11, '/' + QByteArray(499, 'x')}}));
+        row("long path with its values", "long-path",
+            goodLine({{11, '/' + QByteArray(300, 'x') + "[cfgNameID]" + QByteArray(187, 'x') +
+                               "[cfgPath]"}}));
+        row("long file", "long-file", '#' + QByteArray(5000 - 1, 'x'), '#' + QByteArray(4998, 'x'));
+        row("full file with its line end", "long-file", '#' + QByteArray(4999, 'x') + "\n",
+            '#' + QByteArray(4998, 'x') + "\n");
+        row("utf-8", "utf8-text", goodLine({{11, "/d/f\xC3\xBCr"}}), goodLine({{11, "/d/f\xFCr"}}));
+    }
+
+    void ruleHitsAndMisses()
+    {
+        QFETCH(QByteArray, rule);
+        QFETCH(QByteArray, bad);
+        QFETCH(QByteArray, good);
+        QVERIFY(m_series->hits(rule, bad) >= 1);
+        QCOMPARE(m_series->hits(rule, good), 0);
+    }
+
+    void goodLineIsGood()
+    {
+        m_series->put("a.dpc", goodLine());
+        m_series->setExisting("/d/");
+        m_series->options().rulesOff = {Rule::InitMissing};
+        QCOMPARE(m_series->said(), QStringList());
+    }
+
+    void findingsPointAtTheField()
+    {
+        m_series->put("a.dpc", "# info\n  Posx ; flush;\n" + goodLine({{6, " 9"}, {9, "x"}}));
+        QCOMPARE(m_series->said({"bad-line"}),
+                 (QStringList{"a.dpc:2:3 bad-line", "a.dpc:3:38 bad-line"}));
+    }
+
+    void fileSizePointsAtTheLastCharacterThatASaveKeeps()
+    {
+        QByteArray content;
+        while (content.size() < 5000)
+            content += '#' + QByteArray(98, 'x') + '\n';
+        QCOMPARE(m_series->hits("long-file", content), 0);
+        m_series->put("a.dpc", content.left(4990) + QByteArray(20, 'y'));
+        QCOMPARE(m_series->said({"long-file"}), QStringList{"a.dpc:50:100 long-file"});
+        m_series->put("a.dpc", content + "#\n");
+        QCOMPARE(m_series->said({"long-file"}), QStringList{"a.dpc:51:1 long-file"});
+    }
+
+    void textsSayFromWhatToWhat()
+    {
+        m_series->put("a.dpc", goodLine({{7, "2000000"}}));
+        QCOMPARE(m_series->text("changed-value"),
+                 QString("file size 2000000 KiB becomes 1048576 KiB for a Posix Write"));
+        m_series->put("a.dpc", goodLine({{7, "4194304"}}));
+        QCOMPARE(m_series->text("size-overflow"),
+                 QString("file size '4194304' is too large: it becomes 0 KiB"));
+    }
+
+    void controlCharactersDoNotReachTheTerminal()
+    {
+        m_series->put("a.dpc", "\x1B[31mPosix;\n");
+        QVERIFY(m_series->text("bad-line").contains("'\\x1B[31mPosix'"));
+    }
+
+private:
+    /// A line that was cut at this length.
+    static QByteArray cutLine(int length)
+    {
+        const QByteArray path = '/' + QByteArray(290, 'x');
+        return goodLine({{10, path}, {11, path}, {12, path}, {13, path}}).left(length) + '\n';
+    }
+
+    QScopedPointer<SeriesFolder> m_series;
+};
+
+QTEST_APPLESS_MAIN(TestLineRules)
+#include "tst_linerules.moc"

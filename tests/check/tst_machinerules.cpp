@@ -1,0 +1,133 @@
+#include "tests/check/seriesfolder.h"
+
+class TestMachineRules : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_series.reset(new SeriesFolder);
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+    }
+
+    void ruleHitsAndMisses_data()
+    {
+        QTest::addColumn<QByteArray>("rule");
+        QTest::addColumn<QByteArray>("bad");
+        QTest::addColumn<QByteArray>("good");
+        const auto row = [](const char* name, const char* rule, const QMap<int, QByteArray>& bad,
+                            const QMap<int, QByteArray>& good) {
+            QTest::newRow(name) << QByteArray(rule) << goodLine(bad) << goodLine(good);
+        };
+        row("destination", "shared-output", {{11, "[cfgPath]/x"}}, {{11, "[cfgPath]/x_[host]"}});
+        row("relative destination", "shared-output", {{11, "x"}}, {{11, "[host]/x"}});
+        row("date is no help", "shared-output", {{11, "[cfgPath]/[date]"}}, {{11, "[temp]/x"}});
+        row("log", "shared-results", {{12, "[cfgPath]/l.txt"}}, {{12, "[cfgPath]/[host].txt"}});
+        row("csv", "shared-results", {{13, "[cfgPath]/c.csv"}}, {{13, "[cfgPath]/[host].csv"}});
+        row("any folder", "maybe-shared", {{11, "/mnt/x"}}, {{11, "/mnt/[host]"}});
+    }
+
+    void ruleHitsAndMisses()
+    {
+        QFETCH(QByteArray, rule);
+        QFETCH(QByteArray, bad);
+        QFETCH(QByteArray, good);
+        QCOMPARE(m_series->hits(rule, bad), 1);
+        QCOMPARE(m_series->hits(rule, good), 0);
+        // One machine is never two.
+        m_series->options().hosts = QStringList{"pc1"};
+        QCOMPARE(m_series->hits(rule, bad), 0);
+    }
+
+    void machinesWithTheSameShortName()
+    {
+        const QByteArray line = goodLine({{11, "[cfgPath]/[host]"}});
+        m_series->options().hosts = QStringList{"pc1.north", "pc2", "pc1.south"};
+        QCOMPARE(m_series->hits("shared-output", line), 1);
+        QCOMPARE(m_series->text("shared-output"),
+                 QString("pc1.north, pc1.south all write '[cfgPath]/[host]'"));
+    }
+
+    void manyMachinesAreNotAllNamed()
+    {
+        m_series->options().hosts = QStringList{"a", "b", "c", "d", "e"};
+        m_series->put("a.dpc", goodLine({{11, "[cfgPath]/x"}}));
+        QVERIFY(m_series->text("shared-output").startsWith("a, b, c and 2 more all write"));
+    }
+
+    void eachSharedFileIsNamedOnce()
+    {
+        const QByteArray line = goodLine({{13, "[cfgPath]/c.csv"}});
+        QCOMPARE(m_series->hits("shared-results", line + line), 1);
+    }
+
+    void roomIsCountedForEachMachine()
+    {
+        // Two machines write 3 files of 1 MiB each.
+        const QByteArray line = goodLine({{11, "/mnt/[host]_[iter].dat"}});
+        setFree(6 * mib);
+        QCOMPARE(m_series->hits("disk-space", line), 0);
+        setFree(6 * mib - 1);
+        QCOMPARE(m_series->hits("disk-space", line), 1);
+        QVERIFY(m_series->text("disk-space")
+                    .startsWith("the series needs 6 MiB on the file system of '/mnt/'"));
+    }
+
+    void sharedFilesAndSourcesAreCountedOnce()
+    {
+        setFree(mib);
+        QCOMPARE(m_series->hits("disk-space", goodLine({{11, "/mnt/x"}})), 0);
+        QCOMPARE(
+            m_series->hits("disk-space", goodLine({{11, "/mnt/x"}}) + goodLine({{11, "/mnt/x"}})),
+            0);
+        QCOMPARE(m_series->hits("disk-space", goodLine({{10, "/mnt/s"}, {11, "[temp]/[host]"}})),
+                 1);
+    }
+
+    void existingFilesTakeNoMoreRoom()
+    {
+        setFree(mib);
+        const QByteArray lines = goodLine({{11, "/mnt/x"}}) + goodLine({{11, "/mnt/y"}});
+        QCOMPARE(m_series->hits("disk-space", lines), 1);
+        m_series->setExisting("/mnt/y");
+        QCOMPARE(m_series->hits("disk-space", lines), 0);
+    }
+
+    void fileSystemsAreCountedApart()
+    {
+        m_series->options().environment.room = [](const QString& path) {
+            return std::optional<DiskSpace>({path.startsWith("/a/") ? 1U : 2U, mib});
+        };
+        QCOMPARE(m_series->hits("disk-space", goodLine({{11, "/a/x"}}) + goodLine({{11, "/b/x"}})),
+                 0);
+        QCOMPARE(m_series->hits("disk-space", goodLine({{11, "/a/x"}}) + goodLine({{11, "/a/y"}})),
+                 1);
+    }
+
+    void realWorldKnowsItsRoom()
+    {
+        const Environment environment = realEnvironment();
+        const auto room = environment.room(m_series->root() + "none/none/x");
+        QVERIFY(room && room->free > 0);
+        QCOMPARE(room->fileSystem, environment.room(m_series->root())->fileSystem);
+        QVERIFY(!environment.room("none at all"));
+        QVERIFY(environment.exists(m_series->root()));
+        QVERIFY(!environment.exists(m_series->root() + "none"));
+    }
+
+private:
+    static constexpr qint64 mib = 1024L * 1024;
+
+    void setFree(qint64 bytes)
+    {
+        m_series->options().environment.room = [bytes](const QString&) {
+            return std::optional<DiskSpace>({1, bytes});
+        };
+    }
+
+    QScopedPointer<SeriesFolder> m_series;
+};
+
+QTEST_APPLESS_MAIN(TestMachineRules)
+#include "tst_machinerules.moc"

@@ -1,0 +1,171 @@
+#include "tests/check/seriesfolder.h"
+
+namespace {
+
+QByteArray reading(const QByteArray& source)
+{
+    return goodLine({{2, "NOflush"}, {3, "NOprealloc"}, {10, source}, {11, "MEMORY"}});
+}
+
+QByteArray writing(const QByteArray& dest)
+{
+    return goodLine({{11, dest}});
+}
+
+QByteArray creating(const char* dest)
+{
+    return lineTo(dest).toLatin1();
+}
+
+} // namespace
+
+class TestPathRules : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { m_series.reset(new SeriesFolder); }
+
+    void ruleHitsAndMisses_data()
+    {
+        QTest::addColumn<QByteArray>("rule");
+        QTest::addColumn<QByteArray>("bad");
+        QTest::addColumn<QByteArray>("good");
+        const auto row = [](const char* name, const char* rule, const QByteArray& bad,
+                            const QByteArray& good = goodLine()) {
+            QTest::newRow(name) << QByteArray(rule) << bad << good;
+        };
+        row("both in memory", "no-paths", goodLine({{11, "MEMORY"}}));
+        row("neither path", "no-paths", goodLine({{10, ""}, {11, ""}}));
+        row("empty log", "empty-log", goodLine({{12, ""}}));
+        row("empty csv", "empty-log", goodLine({{13, ""}}));
+        row("log is a folder", "log-is-folder", goodLine({{12, "/d/"}}));
+        row("csv is a folder", "log-is-folder", goodLine({{13, "/d/"}}));
+        row("unknown variable", "unknown-variable", writing("/d/[user]"), writing("/d/[host]"));
+        row("wrong capitals", "unknown-variable", writing("/d/[Host]"));
+        row("nested brackets", "unknown-variable", writing("/d/[[hots]"), writing("/d/[[host]"));
+        row("variable in a log", "unknown-variable", goodLine({{12, "/d/[name]"}}));
+        row("variable in a marker", "unknown-variable", "[CfgPath]/a1.dpc\n", "[cfgPath]/a1.dpc\n");
+        row("long marker", "long-path", '/' + QByteArray(496, 'x') + ".dpc\n",
+            '/' + QByteArray(495, 'x') + ".dpc\n");
+        row("relative marker", "relative-path", "a1.dpc\n", "[cfgPath]/a1.dpc\n");
+        row("relative source", "relative-path", reading("s.dat"), reading("/s.dat"));
+        row("relative destination", "relative-path", writing("out/x"), writing("[cfgPath]/out/x"));
+        row("relative log", "relative-path", goodLine({{12, "x.txt"}}));
+        row("variable alone", "relative-path", writing("[host]/x"), writing("[temp]/x"));
+        row("memory in small letters", "relative-path", reading("Memory"), writing("C:\\x"));
+        row("same file", "same-file", goodLine({{10, "/d/x.dat"}}), goodLine({{10, "/d/y.dat"}}));
+        row("same file by another way", "same-file", goodLine({{10, "/d/e/..//x.dat"}}));
+        row("same file by a variable", "same-file",
+            goodLine({{10, "[cfgPath]/[cfgName]"}, {11, "[cfgPath]/a"}}),
+            goodLine({{10, "[cfgPath]/[cfgName]"}, {11, "[cfgPath]/b"}}));
+        row("missing source", "source-missing", reading("/s.dat"),
+            writing("/s.dat") + reading("/s.dat"));
+        row("source made too late", "source-missing", reading("/s.dat") + writing("/s.dat"));
+        row("dated source", "source-date", reading("/s_[date].dat"),
+            writing("/s_[date].dat") + reading("/s_[date].dat"));
+        row("source of each machine", "source-local", reading("[temp]/s"),
+            writing("[temp]/s") + reading("[temp]/s"));
+        row("source by host", "source-local", reading("/d/[host].dat"), reading("/d/host.dat"));
+        row("destination folder", "dest-folder", writing("/none/x"), writing("[cfgPath]/none/x"));
+        row("dated folder", "dest-folder", writing("/d/[date]/x"), writing("[temp]/[date]"));
+        row("folder of another system", "dest-folder", writing("/none/x"), writing("\\\\nas\\x"));
+        row("local folder", "dest-folder-local", writing("[temp]/none/x"), writing("[temp]/x"));
+        row("many iterations", "many-iterations", goodLine({{8, "2000000000"}, {11, "/d/[iter]"}}),
+            goodLine({{8, "2000000000"}}));
+    }
+
+    void ruleHitsAndMisses()
+    {
+        QFETCH(QByteArray, rule);
+        QFETCH(QByteArray, bad);
+        QFETCH(QByteArray, good);
+        QVERIFY(m_series->hits(rule, bad) >= 1);
+        QCOMPARE(m_series->hits(rule, good), 0);
+    }
+
+    void wrongVariableGetsTheOneThatIsMeant()
+    {
+        m_series->put("a.dpc", writing("/d/[cfgpath]"));
+        QVERIFY(m_series->text("unknown-variable").contains("did you mean [cfgPath]?"));
+        m_series->put("a.dpc", writing("/d/[something]"));
+        QVERIFY(!m_series->text("unknown-variable").contains("did you mean"));
+        m_series->put("a.dpc", reading("memory"));
+        QVERIFY(m_series->text("relative-path").contains("did you mean MEMORY?"));
+    }
+
+    void bracketsInTheFolderAreNoVariable()
+    {
+        const QString folder = m_series->root() + "[old]/";
+        QVERIFY(QDir().mkpath(folder + "_wait"));
+        const QByteArray next = folder.toLatin1() + "_wait/a1.dpc\n";
+        m_series->put("[old]/_wait/a.dpc", goodLine() + next);
+        m_series->put("[old]/_wait/a1.dpc", goodLine());
+        const QSet<QString> rules{"unknown-variable", "marker-target", "marker-folder"};
+        QCOMPARE(m_series->said(rules, "[old]/a.dpc"), QStringList());
+        m_series->put("[old]/_wait/a.dpc", goodLine() + folder.toLatin1() + "[b]/a1.dpc\n");
+        QVERIFY(m_series->said(rules, "[old]/a.dpc").last().endsWith(" unknown-variable"));
+    }
+
+    void existingSourceIsNotMissing()
+    {
+        m_series->setExisting("/s.dat");
+        QCOMPARE(m_series->hits("source-missing", reading("/s.dat")), 0);
+        // A relative one lies beside the config file, and one in "_wait" outside of it.
+        m_series->setExisting(m_series->root() + "r.dat");
+        QCOMPARE(m_series->hits("source-missing", reading("r.dat")), 0);
+        m_series->put("_wait/b.dpc", reading("[cfgPath]/r.dat"));
+        QCOMPARE(m_series->said({"source-missing"}, "_wait/b.dpc"), QStringList());
+    }
+
+    void sourceOfTheCompanionIsNotMissing()
+    {
+        m_series->put("a_init.dpc", creating("[cfgPath]/s_a.dat"));
+        QCOMPARE(m_series->hits("source-missing", reading("[cfgPath]/s_[cfgName].dat")), 0);
+        // Commented out, nothing makes it.
+        m_series->put("a_init.dpc", "# " + creating("[cfgPath]/s_a.dat"));
+        QCOMPARE(m_series->hits("source-missing", reading("[cfgPath]/s_[cfgName].dat")), 1);
+        QVERIFY(
+            m_series->text("source-missing").contains("line 1 of the _init file is commented out"));
+    }
+
+    void everyIterationNeedsItsSource()
+    {
+        const QByteArray three = goodLine({{2, ""}, {3, ""}, {8, "3"}, {10, "/s[iter]"}, {11, ""}});
+        m_series->setExisting("/s0");
+        m_series->setExisting("/s1");
+        QCOMPARE(m_series->hits("source-missing", three), 1);
+        QVERIFY(m_series->text("source-missing").contains("'/s2'"));
+        m_series->setExisting("/s2");
+        QCOMPARE(m_series->hits("source-missing", three), 0);
+    }
+
+    void overwrittenSourceIsOneThatWasThereBefore()
+    {
+        const QByteArray lines = writing("/s.dat") + reading("/s.dat");
+        QCOMPARE(m_series->hits("overwrites-source", lines), 0);
+        m_series->setExisting("/s.dat");
+        QCOMPARE(m_series->hits("overwrites-source", lines), 1);
+        QCOMPARE(m_series->said({"overwrites-source"}),
+                 QStringList{"a.dpc:1:46 overwrites-source"});
+        QVERIFY(m_series->text("overwrites-source").endsWith("a.dpc:2"));
+        QCOMPARE(m_series->hits("overwrites-source", reading("/s.dat") + writing("/s.dat")), 0);
+    }
+
+    void eachFolderIsNamedOnce()
+    {
+        QCOMPARE(m_series->hits("dest-folder", writing("/n/x") + writing("/n/y") + writing("/m/y")),
+                 2);
+        m_series->setExisting("/n/");
+        QCOMPARE(m_series->hits("dest-folder", writing("/n/x")), 0);
+        // A log in the same folder has the companion make it.
+        m_series->put("a_init.dpc", creating("/m/dummyFile"));
+        QCOMPARE(m_series->hits("dest-folder", writing("/m/y")), 0);
+    }
+
+private:
+    QScopedPointer<SeriesFolder> m_series;
+};
+
+QTEST_APPLESS_MAIN(TestPathRules)
+#include "tst_pathrules.moc"

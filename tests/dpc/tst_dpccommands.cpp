@@ -1,0 +1,263 @@
+#include "check/text.h"
+#include "configset/seriesloader.h"
+#include "dpc/alignment.h"
+#include "dpc/printer.h"
+#include "dpc/roundtrip.h"
+#include "dpc/totals.h"
+#include "tests/check/seriesfolder.h"
+#include "tests/dpc/dpcrun.h"
+
+#include <QRegularExpression>
+
+#include <limits>
+
+/// What golden files can't say: properties, limits, and input that nobody writes on purpose.
+class TestDpcCommands : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { m_series.reset(new SeriesFolder); }
+
+    void versionIsPrinted()
+    {
+        const DpcRun::Result result = m_dpc.run("--version");
+        QCOMPARE(result.code, 0);
+        QVERIFY(result.out.startsWith("dpc 0."));
+    }
+
+    void findingsOfAFolderAreThoseOfItsSeries()
+    {
+        m_series->put("a.dpc", goodLine({{1, "x"}}));
+        m_series->put("_wait/b.dpc", goodLine({{1, "y"}}));
+        m_series->put("b_init.dpc", "");
+        m_series->put("c_init.dpc", goodLine({{1, "z"}}));
+        QCOMPARE(m_series->said({"bad-line"}, ""),
+                 (QStringList{"a.dpc:1:1 bad-line", "_wait/b.dpc:1:1 bad-line",
+                              "c_init.dpc:1:1 bad-line"}));
+    }
+
+    void eachSeriesIsCheckedOnce()
+    {
+        m_series->put("a.dpc", goodLine({{1, "x"}}));
+        m_series->put("a1.dpc", goodLine());
+        m_series->put("a_init.dpc", "");
+        m_series->put("a.dpc.dpc", "");
+        const QString& root = m_series->root();
+        const auto once = checkAll({root}, m_series->options());
+        const auto all = checkAll({root + "a.dpc", root + "a1.dpc", root + "a_init.dpc", root,
+                                   root + "../" + QDir(root).dirName()},
+                                  m_series->options());
+        QCOMPARE(findingsAsText(all.findings, false), findingsAsText(once.findings, false));
+        QCOMPARE(all.problems, std::vector<std::string>());
+        // What is wrong with a path is said all the same.
+        const auto some = checkAll({root + "a.dpc", root + "a.dpc.dpc"}, m_series->options());
+        QCOMPARE(some.problems.size(), size_t(1));
+        QVERIFY(!some.findings.empty());
+    }
+
+    void seriesIsFoundByAFileThatIsNotThere()
+    {
+        m_series->put("_wait/a.dpc", goodLine({{1, "x"}}));
+        QCOMPARE(m_series->said({"bad-line"}, "a3.dpc"), QStringList{"_wait/a.dpc:1:1 bad-line"});
+        QVERIFY(!checkAll({m_series->root() + "none.dpc"}, m_series->options()).problems.empty());
+    }
+
+    void anyBytesAreAFindingOrAProblem_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("empty") << QByteArray();
+        QTest::newRow("zeros") << QByteArray(3000, '\0');
+        QTest::newRow("semicolons") << QByteArray(3000, ';');
+        QTest::newRow("line ends") << QByteArray(30000, '\n');
+        QTest::newRow("markers") << QByteArray("x.dpc\n").repeated(3000);
+        QTest::newRow("brackets") << "Posix;;;;;;;1;;" + QByteArray("[").repeated(490) + ";]";
+        QTest::newRow("huge numbers") << goodLine({{4, "99999999999999999999"},
+                                                   {5, "-99999999999999999999"},
+                                                   {7, "2147483647"},
+                                                   {8, "2147483647"},
+                                                   {10, "[iter]"},
+                                                   {11, "[iter]"},
+                                                   {12, "[iter]"},
+                                                   {13, "[iter]/"}});
+        QTest::newRow("utf-16") << QByteArray("\xFF\xFEP\0o\0s\0i\0x\0;\0\n\0", 16);
+        QTest::newRow("every byte") << everyByte();
+        QTest::newRow("percent") << goodLine({{10, "%1 %2 {} {0}"}, {11, "[%1]/{}"}});
+    }
+
+    void anyBytesAreAFindingOrAProblem()
+    {
+        QFETCH(QByteArray, content);
+        m_series->options().hosts = QStringList{"a", "b", "[host]", "%1{}"};
+        m_series->put("a.dpc", content);
+        m_series->put("a_init.dpc", content);
+        const CheckResult result = checkAll({m_series->root()}, m_series->options());
+        QVERIFY(!result.findings.empty());
+        for (const Finding& finding : result.findings) {
+            QVERIFY(finding.line >= 1 && finding.column >= 1);
+            QVERIFY(finding.text.find('\n') == std::string::npos);
+        }
+        // Neither do the others fail; what they say is no matter here.
+        for (const char* command :
+             {"show", "show --expand --format=csv", "show --format=json", "roundtrip"})
+            QVERIFY(m_dpc.run(QString(command) + ' ' + m_series->root() + "a.dpc").code <= 2);
+    }
+
+    void pathsThatAreNoSeriesAreOneSentence()
+    {
+        m_series->put("text.txt", "x");
+        QVERIFY(QDir(m_series->root()).mkdir("empty"));
+        for (const char* path : {"text.txt", "empty", "none", "none/none.dpc", "empty/"}) {
+            const DpcRun::Result result = m_dpc.run("check " + m_series->root() + path);
+            QCOMPARE(result.code, 2);
+            QCOMPARE(result.out, QByteArray());
+            QCOMPARE(result.err.count('\n'), 1);
+        }
+    }
+
+    void seriesWithTooManyLinesIsOneSentence()
+    {
+        m_series->put("a.dpc", QByteArray("x.dpc\n").repeated(mostLines + 1));
+        for (const char* command : {"show ", "roundtrip "}) {
+            const DpcRun::Result result = m_dpc.run(command + m_series->root() + "a.dpc");
+            QCOMPARE(result.code, 2);
+            QCOMPARE(result.err, QByteArray("dpc: the series has more than 50000 lines\n"));
+        }
+    }
+
+    void totalsDoNotWrapRound()
+    {
+        const QByteArray line = goodLine({{4, "500"}, {5, "1"}, {7, "1048576"}, {8, "2147483647"}});
+        m_series->put("a.dpc", line.repeated(10));
+        const Totals totals = totalsOf(m_series->facts());
+        QCOMPARE(totals.tasks, 10);
+        QCOMPARE(totals.bytesWritten, std::numeric_limits<qint64>::max());
+        QCOMPARE(totals.bytesRead, qint64(0));
+        QCOMPARE(totals.leastWait, std::numeric_limits<qint64>::max());
+    }
+
+    void lastChunkCountsAsAWholeOne()
+    {
+        m_series->put("a.dpc", goodLine({{4, "10"}, {5, "1000"}, {7, "2001"}, {8, "2"}}));
+        QCOMPARE(totalsOf(m_series->facts()).leastWait, qint64(3 * 10 * 2));
+        m_series->put("a.dpc", goodLine({{5, "0"}}));
+        QCOMPARE(totalsOf(m_series->facts()).leastWait, qint64(0));
+    }
+
+    void savedAndLoadedSeriesComesThroughARoundTrip()
+    {
+        TestTask task;
+        task.setDefaults();
+        task.sourcePath = path("[cfgPath]/s.dat");
+        m_series->save({task, marker(), task});
+        // The names of the series come in with the second save, and then stay.
+        TaskList tasks;
+        loadSeries(
+            {m_series->root(), "a"}, tasks,
+            {[] { return false; }, [](const QString&) {}, [](const QString&, const QString&) {}});
+        m_series->save(tasks);
+        QCOMPARE(changes(), QString());
+    }
+
+    void roundTripTellsOfFilesThatAreCutAndLeftOver()
+    {
+        m_series->put("a.dpc", goodLine({{12, "[cfgPath]/l"}, {13, "[cfgPath]/c"}}).repeated(60));
+        QVERIFY(changes().contains("_wait/a.dpc: is created"));
+        QVERIFY(changes().contains("_wait/a.dpc: is cut at 5000 of "));
+        QVERIFY(changes().contains("\na.dpc: stays as it is, and is loaded again next time\n"));
+        QVERIFY(changes().contains("a_init.dpc: is created"));
+    }
+
+    void roundTripTellsWhatCannotBeWritten()
+    {
+        m_series->put("a.dpc", goodLine());
+        QVERIFY(QDir(m_series->root()).mkdir("_wait/a.dpc"));
+        QVERIFY(changes().contains("_wait/a.dpc: can't be written: what is there is no file\n"));
+        QVERIFY(QDir(m_series->root() + "_wait").removeRecursively());
+        m_series->put("_wait", "");
+        QVERIFY(changes().contains("_wait/a.dpc: can't be written: the folder is a file\n"));
+        QVERIFY(changes().contains("a_init.dpc: is created"));
+    }
+
+    void roundTripKnowsTheFilesThatTheSaveMakes()
+    {
+        m_series->put("a.dpc", goodLine({{10, "[cfgPath]/_wait/a.dpc"}, {11, ""}}));
+        m_series->put("a_init.dpc", "");
+        QVERIFY(
+            changes().contains(QRegularExpression("1 [+] # Stream.*[[]cfgPath\\]/_wait/a.dpc;")));
+    }
+
+    void roundTripOfEndlessIterationsIsRefused()
+    {
+        m_series->put("a.dpc", goodLine({{8, "2000000000"}}));
+        QVERIFY(!roundTrip(m_series->facts()).problem.empty());
+    }
+
+    void alignmentPairsWhatIsEqual()
+    {
+        QCOMPARE(pairs({"a", "b", "c"}, {"a", "x", "b", "c"}), QString("0-0 ?-1 1-2 2-3"));
+        QCOMPARE(pairs({"a", "b", "c"}, {"a", "c"}), QString("0-0 1-? 2-1"));
+        QCOMPARE(pairs({"a", "b", "c"}, {"a", "d", "c"}), QString("0-0 1-1 2-2"));
+        QCOMPARE(pairs({}, {"a"}), QString("?-0"));
+        QCOMPARE(pairs({}, {}), QString());
+    }
+
+    void alignmentOfVeryLongListsIsByPlaces()
+    {
+        std::vector<std::string> first(4000, "a");
+        std::vector<std::string> second(4001, "b");
+        const auto aligned = align(first, second);
+        QCOMPARE(aligned.size(), size_t(4001));
+        QCOMPARE(aligned[3999].first, 3999);
+        QCOMPARE(aligned[4000].first, -1);
+    }
+
+    void wordsThatAreClose()
+    {
+        const char* const words[] = {"[cfgPath]", "[host]"};
+        QCOMPARE(closest("[CFGPATH]", words), "[cfgPath]");
+        QCOMPARE(closest("[cfgPth]", words), "[cfgPath]");
+        QCOMPARE(closest("[hsot]", words), "[host]");
+        QVERIFY(closest("[user]", words) == nullptr);
+        QVERIFY(closest("", words) == nullptr);
+    }
+
+    void printableTextHasNoControlCharacters()
+    {
+        QCOMPARE(printable(QString("a\n\x1B[0m") + QChar(0x9B) + QChar(0x202E)),
+                 std::string("a\\x0A\\x1B[0m\\x9B\\x202E"));
+        QCOMPARE(printable(QString::fromUtf8("f\xC3\xBC\xF0\x9F\x98\x80")),
+                 std::string("f\xC3\xBC\xF0\x9F\x98\x80"));
+        QCOMPARE(quoted(QString(1000, 'x')).size(), size_t(165));
+    }
+
+private:
+    QString changes() const { return QString::fromStdString(roundTrip(m_series->facts()).changes); }
+
+    static QByteArray everyByte()
+    {
+        QByteArray bytes;
+        for (int i = 0; i < 256; ++i)
+            bytes +=
+                "Posix;" + QByteArray(1, char(i)) + ";;;;;;1;;" + QByteArray(1, char(i)) + "/x;y\n";
+        return bytes;
+    }
+
+    static QString pairs(const std::vector<std::string>& first,
+                         const std::vector<std::string>& second)
+    {
+        const auto name = [](int place) {
+            return place < 0 ? QString("?") : QString::number(place);
+        };
+        QStringList texts;
+        for (const AlignedPair& pair : align(first, second))
+            texts += name(pair.first) + '-' + name(pair.second);
+        return texts.join(' ');
+    }
+
+    QScopedPointer<SeriesFolder> m_series;
+    DpcRun m_dpc;
+};
+
+QTEST_APPLESS_MAIN(TestDpcCommands)
+#include "tst_dpccommands.moc"
