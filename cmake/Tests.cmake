@@ -1,11 +1,12 @@
 set(twdp_test_environment LC_ALL=C.UTF-8
     LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0)
 
-# twdp_add_test(NAME <name> SOURCE <file> LABEL <unit|gui|fault|package> LIBRARIES <targets...>)
+# twdp_add_test(NAME <name> SOURCE <file> LABEL <unit|gui|fault|engine|package> LIBRARIES <targets...>)
 #
-# One executable per unit. A gui test runs twice: on the offscreen platform and in a real X server
-# of 1920 x 1080, because fonts, focus and window sizes differ between the two. Latin-1 letters in
-# file names need a UTF-8 locale; LeakSanitizer's suppressions name only what is not ours.
+# One executable per unit, which ends with 77 if this machine can't do what it tests. A gui test runs
+# twice: on the offscreen platform and in a real X server of 1920 x 1080, because fonts, focus and
+# window sizes differ between the two. Latin-1 letters in file names need a UTF-8 locale;
+# LeakSanitizer's suppressions name only what is not ours.
 function(twdp_add_test)
     cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME;SOURCE;LABEL" "LIBRARIES")
     add_executable(${arg_NAME} ${arg_SOURCE})
@@ -13,6 +14,7 @@ function(twdp_add_test)
     target_link_libraries(${arg_NAME} PRIVATE ${arg_LIBRARIES} Qt5::Test)
     add_test(NAME ${arg_NAME} COMMAND ${arg_NAME})
     set_tests_properties(${arg_NAME} PROPERTIES LABELS ${arg_LABEL} TIMEOUT 300
+        SKIP_RETURN_CODE 77
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${twdp_test_environment}")
     if(arg_LABEL STREQUAL gui)
         add_test(NAME ${arg_NAME}_x11

@@ -23,7 +23,8 @@ in_bash() {
         printf "%s\n" "${COMPREPLY[@]}"' bash "$completions/dpc.bash" "$1" 2>&1
 }
 
-# What zsh types and lists when Tab is pressed: its completion runs in a terminal only.
+# What zsh types and lists when Tab is pressed: its completion runs in a terminal only. The line is
+# cleared after that, and a command says that all was typed.
 in_zsh() {
     zsh --no-rcs -c '
         zmodload zsh/zpty
@@ -32,10 +33,8 @@ in_zsh() {
         zpty -w shell "zstyle \":completion:*\" list-prompt \"\"; zstyle \":completion:*\" verbose no"
         zpty -w shell "LISTMAX=1000; setopt no_always_last_prompt; unsetopt zle_bracketed_paste; print READY"
         zpty -r shell output "*READY*READY*"
-        zpty -w -n shell "$3"$'"'\\t\\t'"'
-        sleep 2
-        zpty -r -t shell output "*"
-        while zpty -r -t shell more; do output+=$more; done
+        zpty -w -n shell "$3"$'"'\\t\\t\\x15print DO\"\"NE\\n'"'
+        zpty -r shell output "*DONE*"
         print -r -- $output
         zpty -d shell' zsh "$completions" "$scratch" "$1" 2>&1
 }

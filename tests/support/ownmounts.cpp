@@ -1,12 +1,13 @@
 #include "tests/support/ownmounts.h"
 
+#include "tests/support/leaveout.h"
+
 #include <QFile>
 
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <sched.h>
+#include <string>
 #include <sys/mount.h>
 #include <unistd.h>
 
@@ -16,12 +17,11 @@ namespace {
 
 [[noreturn]] void giveUp(const char* what)
 {
-    const char* reason = std::strerror(errno);
-    std::fprintf(stderr,
-                 "FAIL: can't %s: %s. This test mounts small file systems; run it as root, or "
-                 "allow user namespaces (sysctl kernel.unprivileged_userns_clone=1).\n",
-                 what, reason);
-    std::exit(EXIT_FAILURE);
+    const std::string reason =
+        std::string("can't ") + what + ": " + std::strerror(errno) +
+        ". This test mounts small file systems; run it as root, or allow user namespaces (sysctl "
+        "kernel.unprivileged_userns_clone=1).";
+    leaveOut(reason.c_str());
 }
 
 void writeTo(const char* path, const QByteArray& text)

@@ -9,8 +9,8 @@
 namespace test {
 
 /// Must come first in main(), while there is one thread. Root needs only a mount namespace; other
-/// users get a user namespace as well, where the system lets them. Ends the program with a clear
-/// sentence where mounting is not permitted: a test that can't run has not passed.
+/// users get a user namespace as well, if the system lets them. If mounting is not permitted, as in
+/// most containers, the program is left out; see leaveOut().
 void allowMounts();
 
 /// A tmpfs with mount options such as "size=64k,nr_inodes=20", mounted over a folder for as long
