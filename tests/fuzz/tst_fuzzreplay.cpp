@@ -4,22 +4,24 @@
 #include <QFile>
 #include <QtTest>
 
-// Gives every input of the corpus, and every one that ever failed, to the function that the fuzzer
-// calls. A broken promise aborts: the name of the input is the name of the row.
+// Gives every input of the corpus, every one that fuzzers found to reach more, and every one that
+// ever failed, to the function that the fuzzer calls. A broken promise aborts: the name of the
+// input is the name of the row.
 
 class TestFuzzReplay : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void corpusIsThere() { QVERIFY(!inputsIn("corpus").isEmpty()); }
+    void corpusIsThere() { QVERIFY(!inputsIn(FUZZ_FOLDER "/corpus/" FUZZ_TARGET).isEmpty()); }
 
     void promisesHold_data()
     {
         QTest::addColumn<QString>("path");
-        for (const char* kind : {"corpus", "regressions"}) {
-            for (const QFileInfo& file : inputsIn(kind))
-                QTest::newRow(qPrintable(QString(kind) + '/' + file.fileName())) << file.filePath();
+        for (const char* folder : {FUZZ_FOLDER "/corpus/" FUZZ_TARGET,
+                                   FUZZ_FOLDER "/regressions/" FUZZ_TARGET, FUZZ_FOUND}) {
+            for (const QFileInfo& file : inputsIn(folder))
+                QTest::newRow(qPrintable(file.filePath())) << file.filePath();
         }
     }
 
@@ -34,10 +36,9 @@ private slots:
     }
 
 private:
-    static QFileInfoList inputsIn(const QString& kind)
+    static QFileInfoList inputsIn(const char* folder)
     {
-        return QDir(QStringLiteral(FUZZ_FOLDER "/") + kind + "/" FUZZ_TARGET)
-            .entryInfoList(QDir::Files, QDir::Name);
+        return QDir(folder).entryInfoList(QDir::Files, QDir::Name);
     }
 };
 
