@@ -70,6 +70,7 @@ private:
         const DpcRun::Result result = m_dpc.run(arguments);
         QByteArray output = result.out + result.err;
         output.replace("@ROOT@", "/srv/tests");
+        output.replace("\r\n", "\n"); // CSV has these; a page is text of one kind
         return "```console\n$ dpc " + arguments + '\n' + QString::fromUtf8(output) + "```";
     }
 
