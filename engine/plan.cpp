@@ -1,0 +1,33 @@
+#include "engine/plan.h"
+
+const char* jobKindName(JobKind kind)
+{
+    switch (kind) {
+    case JobKind::Create:
+        return "create";
+    case JobKind::Write:
+        return "write";
+    case JobKind::Read:
+        return "read";
+    case JobKind::Copy:
+        break;
+    }
+    return "copy";
+}
+
+const char* fileStateName(FileState state)
+{
+    switch (state) {
+    case FileState::Absent:
+        return "absent";
+    case FileState::Made:
+        return "made";
+    case FileState::MaybeMade:
+        return "maybe-made";
+    case FileState::Readable:
+        return "readable";
+    case FileState::ReadWritable:
+        break;
+    }
+    return "read-writable";
+}
