@@ -1,5 +1,6 @@
 #include "app/twdiskprobe.h"
 
+#include "model/limits.h"
 #include "shared/kvpath.h"
 #include "shared/kvtext.h"
 
@@ -148,7 +149,7 @@ void twDiskProbe::setPathsFromForm(TestTask& task) const
     if (type == Copy || type == Write)
         task.destPath = textOf(ui.editDest);
     if (type >= Copy && type <= Read)
-        task.io.fileSize = std::min(bytesFromKib(ui.spinFileSize->value()), largestTaskFile);
+        task.io.fileSize = std::min(bytesFromKib(ui.spinFileSize->value()), maxTaskFile);
     task.csvPath = textOf(ui.editExcel);
     task.logPath = textOf(ui.editLog);
     for (auto* path : {&task.sourcePath, &task.destPath, &task.csvPath, &task.logPath})

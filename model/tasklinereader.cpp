@@ -1,5 +1,6 @@
 #include "model/tasklinereader.h"
 
+#include "model/limits.h"
 #include "model/pathvariables.h"
 #include "shared/kvpath.h"
 
@@ -9,8 +10,7 @@
 
 namespace {
 
-constexpr int longestPath = 500;
-using Path = _kvString8_allSize<longestPath>;
+using Path = _kvString8_allSize<maxPath>;
 
 /// One trimmed field, a view into the line.
 struct Field
@@ -64,7 +64,7 @@ private:
 void narrow(Path& path, const unsigned short* text, int length)
 {
     const auto end = static_cast<int>(std::find(text, text + length, 0) - text);
-    const int fitting = std::min(end, longestPath);
+    const int fitting = std::min(end, maxPath);
     for (int i = 0; i < fitting; ++i)
         path.text[i] = static_cast<char>(text[i] & 0xFF);
     path.setLength(static_cast<short>(fitting));
@@ -92,13 +92,12 @@ bool isTrue(const Field& field, const char* keyword)
 /// An empty field and a lone "-" count as 0.
 std::optional<std::int32_t> numberOf(const Field& field)
 {
-    constexpr int longestNumber = 249;
-    char digits[longestNumber + 1] = {};
+    char digits[maxNumberLength + 1] = {};
     for (int i = 0; i < field.length; ++i) {
         const unsigned short c = field.text[i];
         if (!kvIsDigit(c) && !(i == 0 && c == '-'))
             return std::nullopt;
-        if (i < longestNumber)
+        if (i < maxNumberLength)
             digits[i] = static_cast<char>(c);
     }
     return static_cast<std::int32_t>(std::strtol(digits, nullptr, 10));
@@ -115,17 +114,21 @@ bool readNumber(FieldReader& fields, const Set& set)
 
 bool readNumbers(TestTask& task, FieldReader& fields)
 {
-    constexpr std::int32_t largestSysBufferMode = 5;
     _fileGLobal& io = task.io;
     return readNumber(fields, [&](std::int32_t ms) { task.setChunkWait(ms); }) &&
            readNumber(fields, [&](std::int32_t kib) { task.setChunkSize(bytesFromKib(kib)); }) &&
-           readNumber(fields,
-                      [&](std::int32_t mode) {
-                          io.sysBufferMode = std::min(mode, largestSysBufferMode);
-                      }) &&
+           readNumber(fields, [&](std::int32_t mode) { io.sysBufferMode = mode; }) &&
            readNumber(fields, [&](std::int32_t kib) { io.fileSize = bytesFromKib(kib); }) &&
            readNumber(fields, [&](std::int32_t count) { task.iterations = count; }) &&
            readNumber(fields, [&](std::int32_t mode) { io.cacheMode = mode; });
+}
+
+/// All that a line must not exceed, whether the rest of it is accepted or not. The size is compared
+/// after its 32 bits have overflowed.
+void capSettings(_fileGLobal& io)
+{
+    io.sysBufferMode = std::min(io.sysBufferMode, maxSysBufferModeRead);
+    io.fileSize = std::min(io.fileSize, maxFileSize);
 }
 
 void readPath(Path& path, FieldReader& fields)
@@ -193,12 +196,14 @@ TaskLineFields splitTaskLine(const _kvString<1000>& line)
 bool readTaskLine(TestTask& task, const _kvString<1000>& line, const Path& configPath,
                   TaskLineProblem* problem)
 {
-    if (!readTaskLineAsIs(task, line, configPath, problem))
-        return false;
+    const bool isAccepted = readTaskLineAsIs(task, line, configPath, problem);
     // A marker has no settings.
-    if (!task.waitForNextConfig)
+    if (task.waitForNextConfig)
+        return true;
+    capSettings(task.io);
+    if (isAccepted)
         task.normalise();
-    return true;
+    return isAccepted;
 }
 
 bool readTaskLineAsIs(TestTask& task, const _kvString<1000>& line, const Path& configPath,

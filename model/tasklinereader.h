@@ -38,11 +38,13 @@ TaskLineFields splitTaskLine(const _kvString<1000>& line);
 ///
 /// False if the method is unknown or a number holds anything but digits and a leading "-". The
 /// record is then partly filled and of no use; `problem`, where given, says which field it was.
-/// Overlong texts are cut silently: paths at 500 characters, numbers at 249.
+/// Overlong texts are cut silently: paths at 500 characters, numbers at 249. A system buffer mode
+/// above 5 and a file size above 1 GiB are lowered to that, on a rejected line too.
 bool readTaskLine(TestTask& task, const _kvString<1000>& line,
                   const _kvString8_allSize<500>& configPath, TaskLineProblem* problem = nullptr);
 
-/// The same, but the settings stay as the line has them: the record is not normalised.
+/// The same, but the settings stay as the line has them: no number is capped, and the record is not
+/// normalised.
 bool readTaskLineAsIs(TestTask& task, const _kvString<1000>& line,
                       const _kvString8_allSize<500>& configPath,
                       TaskLineProblem* problem = nullptr);

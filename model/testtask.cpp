@@ -1,10 +1,10 @@
 #include "model/testtask.h"
 
+#include "model/limits.h"
+
 #include <algorithm>
 
 namespace {
-
-constexpr std::int32_t largestFileSize = 1073741824; // 1 GiB, the limit that the form announces
 
 bool isMemory(const _kvString8_allSize<500>& path)
 {
@@ -78,6 +78,7 @@ void TestTask::setDefaults()
 
 void TestTask::setFileCreation(const _kvString8_allSize<500>& path, std::int64_t bytes)
 {
+    destPath = path; // first, for the path may be one of those that are cleared
     waitForNextConfig = false;
     writeDone = true;
     iterations = 1;
@@ -86,10 +87,9 @@ void TestTask::setFileCreation(const _kvString8_allSize<500>& path, std::int64_t
     logPath.clear();
     method = IoMethod::Stream;
     sourcePath.clear();
-    destPath = path;
     io.preallocate = false;
     io.flush = false;
-    io.fileSize = static_cast<std::int32_t>(std::min<std::int64_t>(bytes, largestTaskFile));
+    io.fileSize = static_cast<std::int32_t>(std::min<std::int64_t>(bytes, maxTaskFile));
     io.sysBufferMode = -1;
     setChunkWait(0);
     setChunkSize(0);
@@ -127,7 +127,7 @@ void TestTask::setChunkSize(std::int32_t bytes)
 
 void TestTask::normalise()
 {
-    io.fileSize = std::min(io.fileSize, largestFileSize);
+    io.fileSize = std::min(io.fileSize, maxFileSize);
 
     const TestType type = typeByEmptiness(*this);
     applyMethodLimits(*this, type);

@@ -36,9 +36,6 @@ constexpr std::int32_t bytesFromKib(std::int32_t kib)
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(kib) << 10);
 }
 
-/// The largest file that a task can be made for, in bytes; the next normalisation lowers it.
-constexpr std::int32_t largestTaskFile = 2147483600;
-
 /// A place for a result of the speed test; the editor only keeps it empty.
 struct ResultSlot
 {
@@ -57,8 +54,8 @@ struct TestTask
     /// Sets what a new task in the form starts with.
     void setDefaults();
 
-    /// Turns the record into a Write task that creates a file of `bytes`, at most
-    /// `largestTaskFile`.
+    /// Turns the record into a Write task that creates a file of `bytes`, at most `maxTaskFile`.
+    /// The path may be one of the record's own.
     void setFileCreation(const _kvString8_allSize<500>& path, std::int64_t bytes);
 
     /// True unless both paths name a file; "MEMORY" and the empty path both mean memory.

@@ -9,6 +9,14 @@
 /// The default chunk size for copying, in bytes.
 KVSHARED_EXPORT int copyFile_chunksize();
 
+/// How the system buffers a file: -1 is the default, the meaning of the others is the I/O method's.
+/// Records and config files may hold any 32-bit number.
+using SysBufferMode = std::int32_t;
+
+/// How the cache is cleared before a test: 0 is not at all. Records and config files may hold any
+/// 32-bit number.
+using CacheMode = std::int32_t;
+
 /// The settings with which a file is read or written. The order of members and of the two virtual
 /// operations is fixed: the speed test's own classes are laid out upon it.
 class KVSHARED_EXPORT _fileGLobal
@@ -29,14 +37,14 @@ public:
                       const _kvString8_allSize<500>& text5 = {});
 
     _kvString8_allSize<500> errorText; ///< last error, empty if there was none
-    std::int32_t sysBufferMode;        ///< system buffer mode; -1 is the default
-    std::int32_t chunkWait;            ///< wait between chunks, in ms
-    std::int32_t chunkSize;            ///< bytes; 0 reads or writes the file at once
-    bool preallocate;                  ///< pre-allocate the file before the test
-    bool flush;                        ///< flush after each chunk
-    std::int32_t cacheMode;            ///< cache clearing mode; not set by the constructor
-    std::int32_t fileSize;             ///< bytes; not set by the constructor
-    std::int64_t unused;               ///< not set by the constructor
+    SysBufferMode sysBufferMode;
+    std::int32_t chunkWait; ///< wait between chunks, in ms
+    std::int32_t chunkSize; ///< bytes; 0 reads or writes the file at once
+    bool preallocate;       ///< pre-allocate the file before the test
+    bool flush;             ///< flush after each chunk
+    CacheMode cacheMode;    ///< not set by the constructor
+    std::int32_t fileSize;  ///< bytes; not set by the constructor
+    std::int64_t unused;    ///< not set by the constructor
 
     // One block from here to the end, zeroed as a whole by the constructor.
     std::uint16_t ioChunkWait; ///< second copy of chunkWait

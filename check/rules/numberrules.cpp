@@ -56,9 +56,6 @@ long long textValue(const LineFact& line, const Number& number)
 bool overflows(const LineFact& line, const Number& number)
 {
     const long long value = textValue(line, number);
-    // More than 5 system buffers the reader cuts on purpose.
-    if (number.field == sysBufferField)
-        return value != static_cast<std::int32_t>(value);
     return value > INT32_MAX || value < INT32_MIN || value * number.unitSize != number.written;
 }
 
@@ -98,8 +95,7 @@ std::string reason(const LineFact& line)
 void checkChange(const LineFact& line, const Number& number, Findings& findings)
 {
     const int column = line.columnOf(number.field);
-    const long long value =
-        number.field == sysBufferField ? textValue(line, number) : number.written;
+    const std::int32_t value = number.written;
     if (value == number.used)
         return;
     if (hasNoEffect(line, number))

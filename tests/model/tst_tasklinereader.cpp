@@ -346,6 +346,23 @@ private slots:
         QVERIFY(!system.io.preallocate);
     }
 
+    void rejectedLineLeavesCappedSettings()
+    {
+        // What was read before the bad field is within the limits already.
+        const Reading badIterations = readLine("Posix;flush;prealloc;1;64;9;2000000;x;0;/s;/d;");
+        QVERIFY(!badIterations.accepted);
+        QCOMPARE(badIterations.problem.field, 8);
+        QCOMPARE(badIterations.task.io.fileSize, 1073741824);
+        QCOMPARE(badIterations.task.io.sysBufferMode, 5);
+        QCOMPARE(badIterations.task.iterations, 0);
+        const Reading badSize = readLine("Posix;flush;prealloc;1;64;9;x;1;0;/s;/d;");
+        QCOMPARE(badSize.task.io.sysBufferMode, 5);
+        QCOMPARE(badSize.task.io.fileSize, 0);
+        // Sizes are compared after they overflowed.
+        QCOMPARE(readLine("Posix;;;1;64;0;2097152;x;").task.io.fileSize,
+                 std::numeric_limits<int>::min());
+    }
+
     void settingsAsTheLineHasThem()
     {
         const auto line =
@@ -354,7 +371,7 @@ private slots:
         QVERIFY(readTaskLineAsIs(task, line, path("/cfg/a.dpc")));
         QCOMPARE(task.io.chunkSize, 0);
         QCOMPARE(task.io.fileSize, 2048000000);
-        QCOMPARE(task.io.sysBufferMode, 5);
+        QCOMPARE(task.io.sysBufferMode, 9);
         QVERIFY(task.io.preallocate);
         QVERIFY(task.destPath.isEqual("/cfg/d"));
         // Normalised, it is what the editor reads.

@@ -5,6 +5,7 @@
 
 #include <limits>
 #include <new>
+#include <type_traits>
 
 using Path = _kvString8_allSize<500>;
 
@@ -101,6 +102,14 @@ private slots:
         QVERIFY(std::is_sorted(std::begin(members), std::end(members)));
     }
 
+    void modesHaveTypesOfTheirOwn()
+    {
+        QVERIFY((std::is_same_v<decltype(_fileGLobal::sysBufferMode), SysBufferMode>));
+        QVERIFY((std::is_same_v<decltype(_fileGLobal::cacheMode), CacheMode>));
+        QVERIFY((std::is_signed_v<SysBufferMode> && sizeof(SysBufferMode) == 4));
+        QVERIFY((std::is_signed_v<CacheMode> && sizeof(CacheMode) == 4));
+    }
+
     void defaults()
     {
         TestTask task;
@@ -150,6 +159,20 @@ private slots:
         QCOMPARE(task.io.chunkSize, 0);
         QCOMPARE(task.io.cacheMode, 0);
         QCOMPARE(task.testType(), TestType::Write);
+    }
+
+    void fileCreationTakesAPathOfItsOwn()
+    {
+        // Each of these is cleared or set on the way.
+        for (Path TestTask::*member : {&TestTask::sourcePath, &TestTask::destPath,
+                                       &TestTask::logPath, &TestTask::csvPath}) {
+            TestTask task;
+            task.setDefaults();
+            task.*member = Path("/x/own.dat");
+            task.setFileCreation(task.*member, 1);
+            QVERIFY(task.destPath.isEqual("/x/own.dat"));
+            QVERIFY(task.sourcePath.isEmpty());
+        }
     }
 
     void createdFilesAreCappedAndNormalisedFurther()
