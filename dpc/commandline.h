@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dpc/commands.h"
+#include "dpc/command.h"
 
 /// Runs dpc with its arguments (without the program's name, in the file system's encoding) and
 /// returns its exit code. Never throws for what a user typed.

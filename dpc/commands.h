@@ -1,56 +1,20 @@
 #pragma once
 
-#include "check/checker.h"
-#include "dpc/listing.h"
+#include "dpc/command.h"
 
-#include <iosfwd>
-#include <string>
-#include <vector>
+// All subcommands. To add one, write it in a file of its name, and name it here and in
+// commands.cpp.
 
-// What each command does once its arguments are understood.
+extern const Command checkCommand;
+extern const Command showCommand;
+extern const Command diffCommand;
+extern const Command roundTripCommand;
 
-/// How a command ends.
-enum ExitCode
-{
-    exitClean = 0,    ///< nothing found, nothing different
-    exitFindings = 1, ///< findings that count, or a difference
-    exitUsage = 2     ///< wrong use, or something that can't be read
-};
+/// All subcommands, in the order of the help page.
+const std::vector<const Command*>& allCommands();
 
-/// Where a command writes to.
-struct Output
-{
-    std::ostream& out;
-    std::ostream& err;
-    bool colour = false; ///< of `out`
-};
+/// The subcommand of this name; null if it is unknown.
+const Command* commandNamed(const std::string& name);
 
-/// The arguments of `dpc check`.
-struct CheckCommand
-{
-    QStringList paths;
-    CheckOptions options;
-    bool json = false;
-    bool quiet = false;
-    bool warningsAreErrors = false; ///< as errors, for the exit status
-};
-
-/// The arguments of `dpc show`.
-struct ShowCommand
-{
-    QString path;
-    ListFormat format = ListFormat::Text;
-    std::optional<Expansion> expansion;
-};
-
-/// Prints the findings of all series.
-int runCheck(const CheckCommand& command, const Output& output);
-/// Prints the tasks of a series, and its totals.
-int runShow(const ShowCommand& command, const Output& output);
-/// Prints what is different between two series.
-int runDiff(const QString& first, const QString& second, const Output& output);
-/// Prints what a load and a save would change.
-int runRoundTrip(const QString& path, const Output& output);
-
-/// One sentence to the error stream; returns exitUsage.
-int fail(const Output& output, const std::string& sentence);
+/// The name that a person most likely meant, or null.
+const char* closestCommandName(const std::string& name);

@@ -1,113 +1,128 @@
 #include "dpc/help.h"
 
-#include <array>
+#include "dpc/commands.h"
+#include "dpc/options.h"
+
+#include <fmt/format.h>
+
+#include <sstream>
 
 namespace {
 
-constexpr std::array<HelpPage, 5> pages = {{
-    {"dpc", "check and explain the config files of a disk and file server speed test",
-     "dpc COMMAND [OPTIONS] PATH...", R"(
-    Reads a series of config files (mytest.dpc, mytest1.dpc, ... and
-    mytest_init.dpc, in their folder and its subfolder _wait) with the reader of
-    the editor twDiskProbe, and says what the editor keeps quiet.
+constexpr size_t pageWidth = 80;
 
-    dpc runs no test and writes no file. Beyond reading config files it only
-    asks whether files exist and how much room there is.
+/// Words in lines of at most 80 characters, each after an indent.
+std::string wrapped(const std::string& text, const std::string& indent)
+{
+    std::istringstream words(text);
+    std::string result;
+    std::string line = indent;
+    for (std::string word; words >> word;) {
+        if (line.size() > indent.size() && line.size() + 1 + word.size() > pageWidth) {
+            result += line + '\n';
+            line = indent;
+        }
+        line += (line.size() > indent.size() ? " " : "") + word;
+    }
+    return result + line + '\n';
+}
 
-    A PATH is any file of a series; the other files are found by its name.)",
-     R"(EXIT STATUS
-    0   nothing to complain of, nothing different
-    1   findings, or a difference
-    2   wrong use, or something that can't be read
+/// Paragraphs, and lines that are shown as they are.
+std::string paragraphs(const std::string& text)
+{
+    const std::string indent(4, ' ');
+    std::istringstream lines(text);
+    std::string result;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.empty())
+            result += '\n';
+        else if (line.compare(0, indent.size(), indent) == 0)
+            result += indent + line + '\n';
+        else
+            result += wrapped(line, indent);
+    }
+    return result;
+}
 
-ENVIRONMENT
-    NO_COLOR   if set and not empty, output on a terminal has no colour
+std::string optionText(const Option& option)
+{
+    std::string names = option.names;
+    const size_t comma = names.find(',');
+    if (comma != std::string::npos)
+        names.insert(comma + 1, " ");
+    const std::string value = valueText(option);
+    return fmt::format("    {}{}{}\n", names, value.empty() ? "" : " ", value) +
+           wrapped(meaningOf(option), std::string(8, ' '));
+}
 
-EXAMPLES
-    dpc check mytest.dpc
-    dpc show --expand --host pc07 mytest.dpc
-    dpc check --help
-)"},
-    {"check", "report every mistake in a series, before machines run it",
-     "dpc check [OPTIONS] PATH...\n    dpc check --list-rules", R"(
-    Checks the series that each PATH belongs to, or all series in a folder, and
-    prints one line per finding, as compilers do. A series that several PATHs
-    belong to is checked once, and its _init file with it:
-
-        file:line:column: error|warning|note: text [rule]
-
-    An error means that the series does not run, or not as it was meant; a
-    warning that there is probably a mistake; a note is good to know. The counts
-    follow on the error stream.
-
-    Findings about several machines need their names: --hosts or --hosts-file.)",
-     R"(EXIT STATUS
-    0   no errors (with --werror: and no warnings)
-    1   errors (with --werror: or warnings)
-    2   wrong use, or something that can't be read
-
-EXAMPLES
-    dpc check mytest.dpc
-    dpc check --hosts pc01,pc02,pc03 --werror /srv/speedtests
-    dpc check --format=json mytest.dpc > findings.json
-    dpc check --no-rule chunk-remainder --no-rule beyond-form mytest.dpc
-)"},
-    {"show", "show a series as the editor's table shows it", "dpc show [OPTIONS] PATH", R"(
-    Prints one line per task and per "next file", and totals: tasks and config
-    files, bytes written and read, and the least waiting time, which is chunks x
-    chunk wait x iterations. Sizes are KiB, waits ms.
-
-    With --expand every path is resolved as on one machine, and the .csv files
-    have a column. [cfgPath] is the folder outside _wait, where files run.)",
-     R"(EXIT STATUS
-    0   shown
-    2   wrong use, or something that can't be read
-
-EXAMPLES
-    dpc show mytest.dpc
-    dpc show --format=csv mytest.dpc > mytest.csv
-    dpc show --expand --host pc07 --iteration 2 mytest.dpc
-)"},
-    {"diff", "compare two series by task and field", "dpc diff A B", R"(
-    Compares the tasks of two series in their order, not the lines of their
-    files: blanks, comments and the names of files don't count. Settings are
-    compared as the editor loads them, paths as they are written, and the info
-    text as a whole. Prints one line per difference:
-
-        fileA:line, fileB:line: field: value in A -> value in B
-        fileB:line: only in the second series: task)",
-     R"(EXIT STATUS
-    0   the same tasks
-    1   differences
-    2   wrong use, or something that can't be read
-
-EXAMPLES
-    dpc diff old/mytest.dpc mytest.dpc
-)"},
-    {"roundtrip", "tell what a load and a save in the editor would change", "dpc roundtrip PATH",
-     R"(
-    Loads the series as the editor does, renders in memory what the editor would
-    save under the same name, and compares it with the disk, file by file and
-    line by line: "-" is what is there now, "+" what would be there. Also tells
-    of files that would be made, cut, or left over, and of what is in the way of
-    a file. Nothing is written.)",
-     R"(EXIT STATUS
-    0   a load and a save change nothing
-    1   they change something
-    2   wrong use, or something that can't be read
-
-EXAMPLES
-    dpc roundtrip mytest.dpc
-)"},
-}};
+std::string statusText(const char* success, const char* findings)
+{
+    std::string text = fmt::format("\nEXIT STATUS\n    0   {}\n", success);
+    if (findings != nullptr)
+        text += fmt::format("    1   {}\n", findings);
+    return text + fmt::format("    2   {}\n", usageStatus);
+}
 
 } // namespace
 
-const HelpPage& helpPage(const std::string& command)
+std::vector<std::string> synopsisOf(const Command& command)
 {
-    for (const HelpPage& page : pages) {
-        if (command == page.command)
-            return page;
+    std::string line = fmt::format("dpc {}", command.name);
+    if (!command.options.empty())
+        line += " [OPTIONS]";
+    for (const Operand& operand : command.operands)
+        line += fmt::format(" {}{}", operand.name, operand.repeats ? "..." : "");
+    std::vector<std::string> lines{line};
+    for (const Option* option : command.options) {
+        if (option->replacesOperands)
+            lines.push_back(fmt::format("dpc {} {}", command.name, option->longName()));
     }
-    return pages.front();
+    return lines;
+}
+
+std::string valueText(const Option& option)
+{
+    if (option.valueName == nullptr)
+        return {};
+    if (option.choices.empty())
+        return option.valueName;
+    return fmt::format("{}:{{{}}}", option.valueName,
+                       fmt::join(option.choices.begin(), option.choices.end(), ","));
+}
+
+std::string meaningOf(const Option& option)
+{
+    return option.choices.empty()
+               ? std::string(option.meaning)
+               : fmt::format("{}; default: {}", option.meaning, *option.choices.begin());
+}
+
+std::string helpFor(const Command& command)
+{
+    std::string text =
+        fmt::format("NAME\n    dpc {} - {}\n\nSYNOPSIS\n", command.name, command.title);
+    for (const std::string& line : synopsisOf(command))
+        text += fmt::format("    {}\n", line);
+    text += "\nDESCRIPTION\n" + paragraphs(command.description) + "\nOPTIONS\n";
+    for (const Option* option : command.options)
+        text += optionText(*option);
+    text +=
+        optionText(helpOption) + statusText(command.onSuccess, command.onFindings) + "\nEXAMPLES\n";
+    for (const char* example : command.examples)
+        text += fmt::format("    {}\n", example);
+    return text;
+}
+
+std::string mainHelp()
+{
+    std::string text = fmt::format(
+        "NAME\n    dpc - {}\n\nSYNOPSIS\n    dpc COMMAND [OPTIONS] PATH...\n\n", mainTitle);
+    text += "DESCRIPTION\n" + paragraphs(mainDescription) + "\nCOMMANDS\n";
+    for (const Command* command : allCommands())
+        text += fmt::format("    {:<10} {}\n", command->name, command->title);
+    text += "\nOPTIONS\n" + optionText(versionOption) + optionText(helpOption) +
+            statusText(mainSuccess, mainFindings);
+    return text + fmt::format("\nENVIRONMENT\n    NO_COLOR   {}\n\nEXAMPLES\n", noColorMeaning) +
+           "    dpc check mytest.dpc\n    dpc show --expand --host pc07 mytest.dpc\n"
+           "    dpc check --help\n";
 }

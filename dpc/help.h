@@ -1,16 +1,37 @@
 #pragma once
 
+#include "dpc/command.h"
+
 #include <string>
 
-/// What the help page of a command says beyond its options.
-struct HelpPage
-{
-    const char* command; ///< "dpc" or the subcommand
-    const char* title;   ///< half a sentence
-    const char* synopsis;
-    const char* description;
-    const char* end; ///< exit status and examples
-};
+// What is true of dpc as a whole, worded once for the help page and the manual page.
 
-/// The page of "dpc" itself or of a subcommand.
-const HelpPage& helpPage(const std::string& command);
+inline constexpr const char* mainTitle =
+    "check and explain the config files of a disk and file server speed test";
+/// Paragraphs, as in Command::description.
+inline constexpr const char* mainDescription =
+    R"(Reads a series of config files (mytest.dpc, mytest1.dpc, ... and mytest_init.dpc, in their folder and its subfolder _wait) with the reader of the editor twDiskProbe, and says what the editor keeps quiet.
+
+dpc runs no test and writes no file. Beyond reading config files it only asks whether files exist and how much room there is.
+
+A PATH is any file of a series; the other files are found by its name.)";
+inline constexpr const char* mainSuccess = "no errors found, no differences";
+inline constexpr const char* mainFindings = "errors found, or differences";
+inline constexpr const char* usageStatus = "wrong use, or something that can't be read";
+inline constexpr const char* noColorMeaning =
+    "if set and not empty, output on a terminal has no colour";
+
+/// The page of "dpc" itself.
+std::string mainHelp();
+
+/// The page of a subcommand.
+std::string helpFor(const Command& command);
+
+/// How a subcommand is typed, one line for each form: "dpc check [OPTIONS] PATH...".
+std::vector<std::string> synopsisOf(const Command& command);
+
+/// What follows an option: "" for a flag, else its value: "FORMAT:{text,json}".
+std::string valueText(const Option& option);
+
+/// The meaning of an option, with its default where it has choices.
+std::string meaningOf(const Option& option);

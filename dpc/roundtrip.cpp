@@ -6,6 +6,8 @@
 #include "configset/seriesloader.h"
 #include "configset/seriesrenderer.h"
 #include "dpc/alignment.h"
+#include "dpc/commands.h"
+#include "dpc/oneseries.h"
 #include "shared/kvfile.h"
 #include "shared/kvtext.h"
 
@@ -16,6 +18,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <ostream>
 
 namespace {
 
@@ -201,3 +204,38 @@ RoundTrip roundTrip(const SeriesFacts& facts)
     comparison.addUntouched();
     return {comparison.text(), {}};
 }
+
+namespace {
+
+constexpr Operand operands[] = {{"PATH", ValueKind::ConfigFile}};
+
+constexpr const char* description =
+    R"(Loads the series as the editor does, renders in memory what the editor would save under the same name, and compares it with the disk, file by file and line by line: "-" is what is there now, "+" what would be there. Also tells of files that would be made, cut, or left over, and of what is in the way of a file. Nothing is written.)";
+
+constexpr const char* examples[] = {"dpc roundtrip mytest.dpc"};
+
+int run(const Arguments& arguments, const Output& output)
+{
+    const auto facts = readOneSeries(arguments.operands().front(), output);
+    if (!facts)
+        return exitUsage;
+    const RoundTrip result = roundTrip(*facts);
+    if (!result.problem.empty())
+        return fail(output, result.problem);
+    output.out << result.changes;
+    return result.changes.empty() ? exitClean : exitFindings;
+}
+
+} // namespace
+
+const Command roundTripCommand{
+    "roundtrip",
+    "tell what a load and a save in the editor would change",
+    {},
+    operands,
+    description,
+    "a load and a save change nothing",
+    "they change something",
+    examples,
+    run,
+};

@@ -6,7 +6,8 @@
 
 #include "configset/seriesloader.h"
 #include "configset/seriessaver.h"
-#include "dpc/commands.h"
+#include "dpc/check.h"
+#include "dpc/commandline.h"
 #include "fuzz/archive.h"
 #include "fuzz/dpcoutput.h"
 #include "fuzz/slowseries.h"
@@ -37,21 +38,21 @@ void checkFailure(const Run& failed)
     fuzz::same("a failure prints no result", failed.out.size(), 0);
 }
 
-CheckCommand checkCommand(const QString& path, const QString& root, const QByteArray& hosts)
+CheckRequest requestFor(const QString& path, const QString& root, const QByteArray& hosts)
 {
-    CheckCommand command;
-    command.paths = QStringList{path};
+    CheckRequest request;
+    request.paths = QStringList{path};
     for (const QByteArray& host : hosts.split(','))
-        command.options.hosts += fuzz::latin1(host);
+        request.options.hosts += fuzz::latin1(host);
     // What is there outside of the folder must not matter.
-    command.options.environment.exists = [root](const QString& file) {
+    request.options.environment.exists = [root](const QString& file) {
         return file.startsWith(root) && QFileInfo::exists(file);
     };
-    command.options.environment.room = [](const QString& file) {
+    request.options.environment.room = [](const QString& file) {
         return std::optional<DiskSpace>({file.size() % 2 == 0 ? 1U : 2U, 1 << 30});
     };
-    command.options.limits.names = 500;
-    return command;
+    request.options.limits.names = 500;
+    return request;
 }
 
 int expectedCode(const QJsonObject& all, bool warningsAreErrors)
@@ -76,18 +77,17 @@ QStringList rejectedBy(const QJsonArray& findings)
 }
 
 /// Checks a path in every format and returns what a program is told; nothing where it failed.
-std::optional<QJsonArray> check(CheckCommand command)
+std::optional<QJsonArray> check(CheckRequest request)
 {
     Run text;
     Run json;
     Run quiet;
     slow::withinOneSecond([&] {
-        command.json = command.quiet = false;
-        text = run([&](const Output& output) { return runCheck(command, output); });
-        command.json = true;
-        json = run([&](const Output& output) { return runCheck(command, output); });
-        command.quiet = true;
-        quiet = run([&](const Output& output) { return runCheck(command, output); });
+        text = run([&](const Output& output) { return runCheck(request, output); });
+        request.format = "json";
+        json = run([&](const Output& output) { return runCheck(request, output); });
+        request.quiet = true;
+        quiet = run([&](const Output& output) { return runCheck(request, output); });
     });
     fuzz::same("the format is no matter", text.code, json.code);
     fuzz::same("quiet is as bad", quiet.code, json.code);
@@ -100,7 +100,7 @@ std::optional<QJsonArray> check(CheckCommand command)
     const QJsonObject all = dpc::parsed(json.out);
     const QJsonArray findings = all["findings"].toArray();
     fuzz::same("the status follows from the findings", json.code,
-               expectedCode(all, command.warningsAreErrors));
+               expectedCode(all, request.warningsAreErrors));
     dpc::checkCounts(all);
     dpc::checkText(text.out, findings);
     for (const auto& finding : findings)
@@ -108,21 +108,30 @@ std::optional<QJsonArray> check(CheckCommand command)
     return findings;
 }
 
-Run show(const QString& path, ListFormat format, bool expands)
+Run runWith(const std::vector<std::string>& arguments)
 {
-    ShowCommand command;
-    command.path = path;
-    command.format = format;
+    return run([&](const Output& output) { return runDpc(arguments, output); });
+}
+
+std::string typed(const QString& path)
+{
+    return QFile::encodeName(path).toStdString();
+}
+
+Run show(const QString& path, const std::string& format, bool expands)
+{
+    std::vector<std::string> arguments = {"show", "--format=" + format};
     if (expands)
-        command.expansion.emplace();
-    return run([&](const Output& output) { return runShow(command, output); });
+        arguments.emplace_back("--expand");
+    arguments.insert(arguments.end(), {"--", typed(path)});
+    return runWith(arguments);
 }
 
 /// Lists the tasks in every format and returns them; nothing where that failed.
 std::optional<QJsonArray> list(const QString& path)
 {
-    const Run json = show(path, ListFormat::Json, false);
-    const Run same = run([&](const Output& output) { return runDiff(path, path, output); });
+    const Run json = show(path, "json", false);
+    const Run same = runWith({"diff", "--", typed(path), typed(path)});
     fuzz::same("what can be shown can be compared", same.code, json.code);
     if (json.code == exitUsage) {
         checkFailure(json);
@@ -130,11 +139,11 @@ std::optional<QJsonArray> list(const QString& path)
     }
     fuzz::same("a series is the same as itself", same.out, QByteArray());
     const QJsonArray tasks = dpc::parsed(json.out)["tasks"].toArray();
-    dpc::parsed(show(path, ListFormat::Json, true).out);
-    show(path, ListFormat::Text, true);
-    dpc::checkPrintable(show(path, ListFormat::Text, false).out);
+    dpc::parsed(show(path, "json", true).out);
+    show(path, "text", true);
+    dpc::checkPrintable(show(path, "text", false).out);
     for (const bool expands : {false, true})
-        fuzz::same("each task has its line", show(path, ListFormat::Csv, expands).out.count("\r\n"),
+        fuzz::same("each task has its line", show(path, "csv", expands).out.count("\r\n"),
                    tasks.size() + 1);
     return tasks;
 }
@@ -167,7 +176,7 @@ void checkRoundTrip(const fuzz::ArchiveFolder& folder, const QByteArray& input,
     slow::withinOneSecond([&] {
         folder.unpack(input);
         before = dpc::contentsOf(folder.path());
-        told = run([&](const Output& output) { return runRoundTrip(chosen, output); });
+        told = runWith({"roundtrip", "--", typed(chosen)});
         fuzz::same("roundtrip writes nothing", dpc::contentsOf(folder.path()), before);
         if (told.code != exitUsage)
             loadAndSave(chosen);
@@ -206,9 +215,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     folder.unpack(input);
     const auto before = dpc::contentsOf(folder.path());
-    CheckCommand command = checkCommand(path, folder.path(), fuzz::takeLine(rest).left(60));
-    command.warningsAreErrors = warningsAreErrors;
-    const auto findings = check(command);
+    CheckRequest request = requestFor(path, folder.path(), fuzz::takeLine(rest).left(60));
+    request.warningsAreErrors = warningsAreErrors;
+    const auto findings = check(request);
     const auto tasks = list(path);
     fuzz::same("check and show write nothing", dpc::contentsOf(folder.path()), before);
     if (!tasks || QFileInfo(path).isDir())

@@ -1,0 +1,123 @@
+#include "dpc/check.h"
+
+#include "check/text.h"
+#include "dpc/commands.h"
+#include "dpc/options.h"
+#include "dpc/printer.h"
+
+#include <fmt/format.h>
+
+#include <ostream>
+
+namespace {
+
+constexpr const char* formats[] = {"text", "json"};
+constexpr Option format{"--format", "FORMAT", ValueKind::Choice, "how to print the findings",
+                        formats};
+constexpr Option quiet{"-q,--quiet", nullptr, ValueKind::Flag,
+                       "print nothing; the exit status tells"};
+constexpr Option noRule{
+    "--no-rule",
+    "NAMES",
+    ValueKind::Rule,
+    "leave out the findings of these rules, with commas between; may be repeated",
+    {},
+    true};
+constexpr Option warningsAsErrors{"--werror", nullptr, ValueKind::Flag,
+                                  "count warnings as errors for the exit status"};
+constexpr Option listRules{
+    "--list-rules", nullptr, ValueKind::Flag, "print all rules with examples, and end", {}, false,
+    nullptr,        true};
+
+constexpr const Option* options[] = {&format,      &quiet,           &noRule,   &warningsAsErrors,
+                                     &hostsOption, &hostsFileOption, &listRules};
+constexpr Operand operands[] = {{"PATH", ValueKind::ConfigFile, true}};
+
+constexpr const char* description =
+    R"(Checks the series that each PATH belongs to, or all series in a folder, and prints one line per finding, as compilers do. A series that several PATHs belong to is checked once, and its _init file with it:
+
+    file:line:column: error|warning|note: text [rule]
+
+An error means that the series does not run, or not as it was meant; a warning that there is probably a mistake; a note is good to know. The counts follow on the error stream.
+
+Findings about several machines need their names: --hosts or --hosts-file.)";
+
+constexpr const char* examples[] = {
+    "dpc check mytest.dpc",
+    "dpc check --hosts pc01,pc02,pc03 --werror /srv/speedtests",
+    "dpc check --format=json mytest.dpc > findings.json",
+    "dpc check --no-rule chunk-remainder,beyond-form mytest.dpc",
+};
+
+std::set<Rule> rulesOff(const Arguments& arguments)
+{
+    std::set<Rule> rules;
+    for (const std::string& name : arguments.list(noRule)) {
+        const RuleInfo* const rule = ruleNamed(name);
+        if (rule == nullptr)
+            throw UsageError(noRule, fmt::format("unknown rule {}{}", quoted(decoded(name)),
+                                                 didYouMean(closestRuleName(name))));
+        rules.insert(rule->rule);
+    }
+    return rules;
+}
+
+bool isFailure(const std::vector<Finding>& findings, bool warningsAreErrors)
+{
+    return countOf(findings, Severity::Error) > 0 ||
+           (warningsAreErrors && countOf(findings, Severity::Warning) > 0);
+}
+
+void print(const CheckRequest& request, const std::vector<Finding>& findings, const Output& output)
+{
+    if (request.quiet)
+        return;
+    if (request.format == "json") {
+        output.out << findingsAsJson(findings);
+        return;
+    }
+    output.out << findingsAsText(findings, output.colour);
+    if (!findings.empty())
+        output.err << summaryOf(findings) << '\n';
+}
+
+int run(const Arguments& arguments, const Output& output)
+{
+    if (arguments.has(listRules)) {
+        output.out << rulesAsText();
+        return exitClean;
+    }
+    CheckRequest request;
+    request.paths = arguments.operands();
+    request.options.hosts = hostsOf(arguments);
+    request.options.rulesOff = rulesOff(arguments);
+    request.format = arguments.value(format);
+    request.quiet = arguments.has(quiet);
+    request.warningsAreErrors = arguments.has(warningsAsErrors);
+    return runCheck(request, output);
+}
+
+} // namespace
+
+int runCheck(const CheckRequest& request, const Output& output)
+{
+    const CheckResult result = checkAll(request.paths, request.options);
+    for (const std::string& problem : result.problems)
+        fail(output, problem);
+    print(request, result.findings, output);
+    if (!result.problems.empty())
+        return exitUsage;
+    return isFailure(result.findings, request.warningsAreErrors) ? exitFindings : exitClean;
+}
+
+const Command checkCommand{
+    "check",
+    "report every mistake in a series, before machines run it",
+    options,
+    operands,
+    description,
+    "no errors (with --werror: and no warnings)",
+    "errors (with --werror: or warnings)",
+    examples,
+    run,
+};

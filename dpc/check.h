@@ -1,0 +1,17 @@
+#pragma once
+
+#include "check/checker.h"
+#include "dpc/command.h"
+
+/// What a check is asked for, once the arguments are understood.
+struct CheckRequest
+{
+    QStringList paths;
+    CheckOptions options;
+    std::string format = "text"; ///< a choice of --format
+    bool quiet = false;
+    bool warningsAreErrors = false; ///< for the exit status
+};
+
+/// Checks all series that the paths lead to, prints the findings, and returns the exit status.
+int runCheck(const CheckRequest& request, const Output& output);
