@@ -1,9 +1,11 @@
-# The Debian package; script/package makes it.
-set(docs ${CMAKE_INSTALL_DATADIR}/doc/twdiskprobe)
-install(FILES debian/copyright DESTINATION ${docs})
-install_packed(debian/changelog ${docs})
+# The Debian packages, one for each component; script/package makes them.
+foreach(component dpc twdiskprobe)
+    set(folder ${CMAKE_INSTALL_DATADIR}/doc/${component})
+    install(FILES debian/copyright DESTINATION ${folder} COMPONENT ${component})
+    install_packed(${component} debian/changelog ${folder})
+endforeach()
 
-# No revision of Debian's: the package comes with the program.
+# No revision of Debian's: the packages come with the programs.
 file(STRINGS debian/changelog newest LIMIT_COUNT 1)
 string(REGEX MATCH "\\((.+)\\)" newest ${newest})
 if(NOT CMAKE_MATCH_1 STREQUAL PROJECT_VERSION)
@@ -12,6 +14,7 @@ endif()
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME twdiskprobe)
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "editor and checker for the config files of a speed test")
 set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
@@ -23,16 +26,40 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 file(STRINGS debian/changelog signature REGEX "^ -- " LIMIT_COUNT 1)
 string(REGEX MATCH "^ -- (.+>)" signature ${signature})
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER ${CMAKE_MATCH_1})
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "editor for the config files of a speed test")
-set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-"The speed test for disks, file servers and networks runs on many machines
+# One package per component, and none of what has no component.
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_ALL dpc twdiskprobe)
+set(CPACK_COMPONENTS_GROUPING IGNORE)
+
+set(CPACK_DEBIAN_DPC_PACKAGE_NAME dpc)
+set(CPACK_COMPONENT_DPC_DESCRIPTION
+"checker and runner for the config files of a speed test
+A speed test for disks, file servers and networks runs on many machines at
+the same moment and reads what to do from config files: one line per task,
+chained into a series.
+.
+dpc reads such a series and says what will go wrong before machines run it.
+It shows, compares and explains a series, runs it on fio, on one machine or
+on many, and shows the results. It needs no display.")
+# Until 0.2.0 one package held all.
+set(CPACK_DEBIAN_DPC_PACKAGE_BREAKS "twdiskprobe (<< 0.2.0)")
+set(CPACK_DEBIAN_DPC_PACKAGE_REPLACES "twdiskprobe (<< 0.2.0)")
+# With all that it needs fio is over a hundred packages, and who only checks does without.
+set(CPACK_DEBIAN_DPC_PACKAGE_SUGGESTS "fio (>= 3.33)")
+
+set(CPACK_DEBIAN_TWDISKPROBE_PACKAGE_NAME twdiskprobe)
+set(CPACK_COMPONENT_TWDISKPROBE_DESCRIPTION
+"editor for the config files of a speed test
+The speed test for disks, file servers and networks runs on many machines
 at the same moment and reads what to do from config files: one line per
 task, chained into a series.
 .
 twDiskProbe is where such files are made: fill in a form, collect tasks in
-a table, save a numbered series, load it back. It runs no test itself.")
+a table, save a numbered series, load it back. It runs no test itself; the
+command dpc, which comes with it, checks and runs a series.")
+set(CPACK_DEBIAN_TWDISKPROBE_PACKAGE_DEPENDS "dpc (= ${PROJECT_VERSION})")
 
-# What the programs load decides what the package depends on; the library of its own it brings along.
+# What the programs load decides what the packages depend on; the library of their own comes with dpc.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 include(CPack)

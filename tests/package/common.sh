@@ -22,6 +22,7 @@ in_x() {
     xvfb-run --auto-servernum --server-args='-screen 0 1920x1080x24' "$@"
 }
 
+# The package of a name, as script/package made it.
 package() {
-    ls "$build"/twdiskprobe_*.deb || fail "script/package has made no package"
+    ls "$build/$1"_*.deb || fail "script/package has made no package $1"
 }

@@ -1,36 +1,60 @@
-# On a clean Debian the package installs with what it says it needs, its programs work, and when it
-# is removed nothing of it is left.
+# On a clean Debian the packages install with what they say they need, the programs work, an older
+# version in one package is replaced, and after removal nothing is left. The command alone needs no
+# desktop's libraries.
 #
-# The clean Debian is made once, in the build folder; each run works on a layer above it that is in
-# memory and gone with the test's own mounts.
+# The clean systems are made once, in the build folder; each run works on a layer above one that is
+# in memory and gone with the test's own mounts.
 if [ "${3:-}" != inside ]; then
     [ "$(id -u)" -eq 0 ] || { echo "FAIL: run this as root: it makes a root of its own" >&2; exit 1; }
+    if ! unshare --mount true 2>/dev/null && [ -z "${TWDP_LEAVE_NOTHING_OUT:-}" ]; then
+        echo "LEFT OUT: can't mount, so no clean system can be made"
+        exit 77
+    fi
     exec unshare --mount sh "$0" "$1" "$2" inside
 fi
 . "$(dirname "$0")/common.sh"
 
-package=$(package)
-needs=$(dpkg-deb --field "$package" Depends)
-clean=$build/clean-debian
-if [ "$(cat "$clean.needs" 2>/dev/null)" != "$needs" ]; then
+release=$(. /etc/os-release && echo "$VERSION_CODENAME")
+command_package=$(package dpc)
+editor_package=$(package twdiskprobe)
+
+# The packages that one of ours needs, without ours.
+needs_of() {
+    dpkg-deb --field "$1" Depends | tr ',' '\n' | grep -v '^ *dpc ' | paste -sd,
+}
+
+# clean_system NAME NEEDS COMMAND...: a Debian that the command makes, with what is needed.
+clean_system() {
+    clean=$build/$1 needs=$2
+    shift 2
+    [ "$(cat "$clean.needs" 2>/dev/null)" != "$needs" ] || return 0
     rm -rf "$clean"
-    debootstrap --variant=minbase bookworm "$clean" >"$clean.log" || fail "see $clean.log"
+    "$@" "$clean" >"$clean.log" 2>&1 || fail "see $clean.log"
     chroot "$clean" apt-get satisfy -y -qq --no-install-recommends "$needs" >>"$clean.log" 2>&1 ||
-        fail "what the package needs can't be had, see $clean.log"
+        fail "what a package needs can't be had, see $clean.log"
     echo "$needs" >"$clean.needs"
-fi
+}
+
+clean_system clean-server "$(needs_of "$command_package")" debootstrap --variant=minbase "$release"
+clean_system clean-desktop "$(needs_of "$editor_package")" cp -a "$build/clean-server"
 
 root=$scratch/root
 mkdir "$scratch/layer" "$root"
-mount -t tmpfs layer "$scratch/layer"
-mkdir "$scratch/layer/upper" "$scratch/layer/work"
-mount -t overlay overlay "$root" \
-    -o "lowerdir=$clean,upperdir=$scratch/layer/upper,workdir=$scratch/layer/work"
-trap 'umount -R "$root" "$scratch/layer"; rm -rf "$scratch"' EXIT
-mount --rbind /dev "$root/dev"
-mount -t proc proc "$root/proc"
-mount -t tmpfs tmp "$root/tmp"
-mkdir -m 777 "$root/tmp/series" "$root/tmp/home"
+trap 'umount -R "$root" "$scratch/layer" 2>/dev/null; rm -rf "$scratch"' EXIT
+
+# begin SYSTEM: a fresh layer above it, as the root of what follows.
+begin() {
+    ! mountpoint -q "$root" || umount -R "$root" "$scratch/layer"
+    mount -t tmpfs layer "$scratch/layer"
+    mkdir "$scratch/layer/upper" "$scratch/layer/work"
+    mount -t overlay overlay "$root" \
+        -o "lowerdir=$build/$1,upperdir=$scratch/layer/upper,workdir=$scratch/layer/work"
+    mount --rbind /dev "$root/dev"
+    mount -t proc proc "$root/proc"
+    mount -t tmpfs tmp "$root/tmp"
+    mkdir -m 777 "$root/tmp/series" "$root/tmp/home"
+    everything >"$scratch/before"
+}
 
 # Every file, and every package in whatever state. The installer's own memory of the last change is
 # no trace of the package.
@@ -40,15 +64,40 @@ everything() {
     chroot "$root" dpkg-query --show
 }
 
-everything >"$scratch/before"
-cp "$package" "$root/tmp/package.deb"
-chroot "$root" dpkg --install /tmp/package.deb >"$scratch/log" 2>&1 || fail "$(cat "$scratch/log")"
+install_packages() {
+    for file in "$@"; do
+        cp "$file" "$root/tmp/"
+    done
+    # As apt does it if one package takes files over from another.
+    chroot "$root" sh -c 'dpkg --auto-deconfigure --install /tmp/*.deb' >"$scratch/log" 2>&1 || fail "$(cat "$scratch/log")"
+    rm "$root"/tmp/*.deb
+}
+
+remove_and_compare() {
+    chroot "$root" dpkg --purge "$@" >"$scratch/log" 2>&1 || fail "$(cat "$scratch/log")"
+    everything >"$scratch/after"
+    left=$(diff "$scratch/before" "$scratch/after") || fail "the packages leave: $left"
+}
+
+# The command alone, as an ordinary user.
+as_user='chroot --userspec=nobody:nogroup'
+begin clean-server
+install_packages "$command_package"
+mkdir -m 777 "$root/tmp/series/_wait"
+echo 'Stream;NOflush;NOprealloc; 50; 1024; -1; 1024;1;0;  MEMORY;  /tmp/a;  /tmp/l;  /tmp/c;  true;' \
+    >"$root/tmp/series/_wait/mytest.dpc"
+# shellcheck disable=SC2086 # the command and its options
+$as_user "$root" dpc show /tmp/series/_wait/mytest.dpc | grep -q Stream ||
+    fail "dpc does not show a series without a desktop"
+remove_and_compare dpc
+
+# Both.
+begin clean-desktop
+install_packages "$command_package" "$editor_package"
 everything >"$scratch/installed"
 grep -q "^\./usr/bin/twDiskProbe$" "$scratch/installed" ||
     fail "the editor was not installed"
-
-# As an ordinary user. The X server is outside; its socket has no place in the file system.
-as_user='chroot --userspec=nobody:nogroup'
+# The X server is outside; its socket has no place in the file system.
 cat >"$scratch/editor" <<END
 #!/bin/sh
 cp "\$XAUTHORITY" "$root/tmp/xauthority"
@@ -60,13 +109,37 @@ chmod +x "$scratch/editor"
 export ROOT="$root"
 in_x sh "$source/tests/package/save_through_window.sh" /tmp/series/mytest.dpc "$scratch/editor"
 [ "$(grep -c '^Stream;' "$root/tmp/series/_wait/mytest.dpc")" -eq 1 ] || fail "no task was saved"
-# shellcheck disable=SC2086 # the command and its options
+# shellcheck disable=SC2086
 $as_user "$root" dpc show /tmp/series/_wait/mytest.dpc | grep -q Stream ||
     fail "dpc does not show the series"
 # shellcheck disable=SC2086
 $as_user "$root" dpc check /tmp/series/mytest.dpc && code=0 || code=$?
 [ "$code" -le 1 ] || fail "dpc can't check the series"
+broken=$(chroot "$root" find /usr/share/doc/dpc /usr/share/doc/twdiskprobe -xtype l)
+[ -z "$broken" ] || fail "links that lead nowhere: $broken"
+remove_and_compare twdiskprobe dpc
 
-chroot "$root" dpkg --purge twdiskprobe >"$scratch/log" 2>&1 || fail "$(cat "$scratch/log")"
-everything >"$scratch/after"
-left=$(diff "$scratch/before" "$scratch/after") || fail "the package leaves: $left"
+# An older version, which was one package with all files, is replaced.
+begin clean-desktop
+old=$scratch/old
+for file in "$command_package" "$editor_package"; do
+    dpkg-deb --extract "$file" "$old"
+done
+rm -r "$old/usr/share/doc/dpc"
+mkdir "$old/DEBIAN"
+cat >"$old/DEBIAN/control" <<END
+Package: twdiskprobe
+Version: 0.1.0
+Architecture: $(dpkg --print-architecture)
+Maintainer: twDiskProbe authors <maintainers@twdiskprobe.home.arpa>
+Description: as it was before 0.2.0, in one package
+END
+dpkg-deb --build "$old" "$scratch/twdiskprobe_old.deb" >/dev/null
+install_packages "$scratch/twdiskprobe_old.deb"
+install_packages "$command_package" "$editor_package"
+chroot "$root" dpkg --search /usr/bin/dpc | grep -q '^dpc:' ||
+    fail "the command still belongs to the old package"
+# shellcheck disable=SC2086
+$as_user "$root" dpc --version | grep -q "$(dpkg-deb --field "$command_package" Version)" ||
+    fail "dpc is not the new one"
+remove_and_compare twdiskprobe dpc

@@ -1,6 +1,5 @@
-#!/bin/sh
 # Starts a program, waits until its picture stands still, saves the screen and ends the program.
-# usage, inside an X server: script/screenshot FILE.png PROGRAM [ARGUMENTS...]
+# usage, inside an X server: sh screenshot.sh FILE.png PROGRAM [ARGUMENTS...]
 set -eu
 file=$1
 shift

@@ -1,13 +1,10 @@
-#!/bin/sh
 # Measures dpc check on a series of many tasks, beside wc on the same files and the compiler's front
-# end on a file of as many lines. Prints elapsed and processor seconds. usage: script/dpc-speed [tasks]
+# end on a file of as many lines. Prints elapsed and processor seconds.
+# usage: sh benchmarks/checkspeed.sh DPC [TASKS]; script/bench --time runs it
 set -eu
-cd "$(dirname "$0")/.."
-tasks=${1:-10000}
+dpc=$1
+tasks=${2:-10000}
 
-script/bootstrap time
-script/build release --target dpc
-dpc=$PWD/build/release/bin/dpc
 folder=$(mktemp -d)
 trap 'rm -r "$folder"' EXIT
 mkdir "$folder/_wait"
