@@ -12,14 +12,18 @@ function(twdp_add_test)
     add_executable(${arg_NAME} ${arg_SOURCE})
     twdp_target(${arg_NAME})
     target_link_libraries(${arg_NAME} PRIVATE ${arg_LIBRARIES} Qt5::Test)
+    # The folder is a label as well, so that the tests of one can be asked for.
+    cmake_path(GET arg_SOURCE PARENT_PATH folder)
+    cmake_path(GET folder FILENAME folder)
+    set(labels ${arg_LABEL} ${folder})
     add_test(NAME ${arg_NAME} COMMAND ${arg_NAME})
-    set_tests_properties(${arg_NAME} PROPERTIES LABELS ${arg_LABEL} TIMEOUT 300
+    set_tests_properties(${arg_NAME} PROPERTIES LABELS "${labels}" TIMEOUT 300
         SKIP_RETURN_CODE 77
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${twdp_test_environment}")
     if(arg_LABEL STREQUAL gui)
         add_test(NAME ${arg_NAME}_x11
             COMMAND xvfb-run -a -s "-screen 0 1920x1080x24" $<TARGET_FILE:${arg_NAME}>)
-        set_tests_properties(${arg_NAME}_x11 PROPERTIES LABELS ${arg_LABEL} TIMEOUT 300
+        set_tests_properties(${arg_NAME}_x11 PROPERTIES LABELS "${labels}" TIMEOUT 300
             ENVIRONMENT "QT_QPA_PLATFORM=xcb;${twdp_test_environment}")
     endif()
 endfunction()
