@@ -1,16 +1,16 @@
 #pragma once
 
-#include "check/rules.h"
+#include "check/rule.h"
 
 #include <QString>
 
 #include <string>
 
-/// Something to be said about one place of a series.
+/// A diagnostic: rule, location, message.
 struct Finding
 {
-    Rule rule;
-    int file; ///< its place among the files of the series, for sorting
+    const Rule* rule; ///< never null
+    int file;         ///< its place among the files of the series, for sorting
     QString path;
     int line;   ///< from 1
     int column; ///< from 1

@@ -111,13 +111,3 @@ bool dependsOnMachine(const QString& name)
     return name.contains(QLatin1String("[host]")) || name.contains(QLatin1String("[date]")) ||
            name.contains(QLatin1String("[temp]"));
 }
-
-bool isMarker(const LineFact& line)
-{
-    return line.kind == LineFact::Kind::Marker;
-}
-
-bool isTask(const LineFact& line)
-{
-    return line.kind == LineFact::Kind::Task;
-}

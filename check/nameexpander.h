@@ -46,8 +46,3 @@ MachineValues thisMachine();
 
 /// True if a name that was expanded by noMachine() is another one on each machine or at each run.
 bool dependsOnMachine(const QString& name);
-
-/// True for a line that names the next config file.
-bool isMarker(const LineFact& line);
-/// True for a line that the reader takes as a task.
-bool isTask(const LineFact& line);

@@ -83,6 +83,18 @@ struct LineFact
     int columnOf(TaskPath which) const { return columnOf(firstPathField + which); }
 };
 
+/// True for a line that names the next config file.
+inline bool isMarker(const LineFact& line)
+{
+    return line.kind == LineFact::Kind::Marker;
+}
+
+/// True for a line that the reader takes as a task.
+inline bool isTask(const LineFact& line)
+{
+    return line.kind == LineFact::Kind::Task;
+}
+
 /// A file of the series, whether a load reads it or not.
 struct FileFact
 {

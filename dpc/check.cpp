@@ -1,5 +1,7 @@
 #include "dpc/check.h"
 
+#include "check/rules/catalogue.h"
+#include "check/ruletexts.h"
 #include "check/text.h"
 #include "dpc/commands.h"
 #include "dpc/options.h"
@@ -26,8 +28,7 @@ constexpr Option noRule{
 constexpr Option warningsAsErrors{"--werror", nullptr, ValueKind::Flag,
                                   "count warnings as errors for the exit status"};
 constexpr Option listRules{
-    "--list-rules", nullptr, ValueKind::Flag, "print all rules with examples, and end", {}, false,
-    nullptr,        true};
+    "--list-rules", nullptr, ValueKind::Flag, "print all rules, and end", {}, false, nullptr, true};
 
 constexpr const Option* options[] = {&format,      &quiet,           &noRule,   &warningsAsErrors,
                                      &hostsOption, &hostsFileOption, &listRules};
@@ -49,15 +50,15 @@ constexpr const char* examples[] = {
     "dpc check --no-rule chunk-remainder,beyond-form mytest.dpc",
 };
 
-std::set<Rule> rulesOff(const Arguments& arguments)
+std::set<const Rule*> rulesOff(const Arguments& arguments)
 {
-    std::set<Rule> rules;
+    std::set<const Rule*> rules;
     for (const std::string& name : arguments.list(noRule)) {
-        const RuleInfo* const rule = ruleNamed(name);
+        const Rule* const rule = ruleNamed(name);
         if (rule == nullptr)
             throw UsageError(noRule, fmt::format("unknown rule {}{}", quoted(decoded(name)),
                                                  didYouMean(closestRuleName(name))));
-        rules.insert(rule->rule);
+        rules.insert(rule);
     }
     return rules;
 }

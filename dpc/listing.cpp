@@ -1,5 +1,6 @@
 #include "dpc/listing.h"
 
+#include "check/nameexpander.h"
 #include "check/taskfields.h"
 #include "check/text.h"
 #include "dpc/totals.h"

@@ -1,5 +1,6 @@
 #include "dpc/printer.h"
 
+#include "check/ruletexts.h"
 #include "check/text.h"
 
 #include <QJsonArray>
@@ -15,7 +16,7 @@ namespace {
 
 Severity severityOf(const Finding& finding)
 {
-    return infoOf(finding.rule).severity;
+    return finding.rule->severity;
 }
 
 fmt::text_style styleOf(Severity severity)
@@ -42,14 +43,14 @@ std::string findingsAsText(const std::vector<Finding>& findings, bool colour)
 {
     std::string text;
     for (const Finding& finding : findings) {
-        const RuleInfo& info = infoOf(finding.rule);
-        const std::string severity = fmt::format("{}:", severityName(info.severity));
+        const Rule& rule = *finding.rule;
+        const std::string severity = fmt::format("{}:", severityName(rule.severity));
         if (colour)
             text += fmt::format(fmt::emphasis::bold, "{}", placeOf(finding)) + ' ' +
-                    fmt::format(styleOf(info.severity), "{}", severity);
+                    fmt::format(styleOf(rule.severity), "{}", severity);
         else
             text += placeOf(finding) + ' ' + severity;
-        text += fmt::format(" {} [{}]\n", finding.text, info.name);
+        text += fmt::format(" {} [{}]\n", finding.text, rule.name);
     }
     return text;
 }
@@ -58,12 +59,12 @@ std::string findingsAsJson(const std::vector<Finding>& findings)
 {
     QJsonArray list;
     for (const Finding& finding : findings) {
-        const RuleInfo& info = infoOf(finding.rule);
+        const Rule& rule = *finding.rule;
         list.append(QJsonObject{{"file", finding.path},
                                 {"line", finding.line},
                                 {"column", finding.column},
-                                {"severity", severityName(info.severity)},
-                                {"rule", info.name},
+                                {"severity", severityName(rule.severity)},
+                                {"rule", rule.name},
                                 {"text", QString::fromStdString(finding.text)}});
     }
     const QJsonObject all{{"findings", list},

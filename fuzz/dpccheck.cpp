@@ -45,10 +45,11 @@ CheckRequest requestFor(const QString& path, const QString& root, const QByteArr
     for (const QByteArray& host : hosts.split(','))
         request.options.hosts += fuzz::latin1(host);
     // What is there outside of the folder must not matter.
-    request.options.environment.exists = [root](const QString& file) {
-        return file.startsWith(root) && QFileInfo::exists(file);
+    const Environment real = realEnvironment();
+    request.options.environment.look = [root, real](const QString& file) {
+        return file.startsWith(root) ? real.look(file) : PathStatus();
     };
-    request.options.environment.room = [](const QString& file) {
+    request.options.environment.space = [](const QString& file) {
         return std::optional<DiskSpace>({file.size() % 2 == 0 ? 1U : 2U, 1 << 30});
     };
     request.options.limits.names = 500;

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "check/rules.h"
+#include "check/rules/catalogue.h"
+#include "check/ruletexts.h"
 #include "fuzz/check.h"
 
 #include <QDirIterator>
@@ -15,7 +16,7 @@
 #include <algorithm>
 #include <sstream>
 
-// What dpc prints, looked at without its code but for the table of rules.
+// What dpc prints, looked at without its code but for the catalogue of rules.
 
 namespace dpc {
 
@@ -90,8 +91,8 @@ inline void checkPrintable(const QByteArray& text)
 
 inline void checkFinding(const QJsonObject& finding)
 {
-    const RuleInfo* const rule = ruleNamed(finding["rule"].toString().toStdString());
-    fuzz::same("a finding has a rule of the table", rule != nullptr, true);
+    const Rule* const rule = ruleNamed(finding["rule"].toString().toStdString());
+    fuzz::same("a finding has a rule of the catalogue", rule != nullptr, true);
     fuzz::same("the rule tells the severity", finding["severity"].toString(),
                QString(severityName(rule->severity)));
     const QString file = finding["file"].toString();

@@ -1,8 +1,14 @@
-#include "check/checker.h"
-#include "check/nameexpander.h"
+#include "check/rules/exampletasks.h"
+#include "check/rules/families.h"
 #include "check/text.h"
 
+#include <QDir>
+#include <QFileInfo>
+#include <QSet>
+
 #include <fmt/format.h>
+
+#include <algorithm>
 
 // The files of a series: which there are, and which are read.
 
@@ -13,30 +19,82 @@ QString nameOf(const SeriesFacts& facts, int number)
     return seriesFile(QString(), facts.name.baseName, number);
 }
 
+constexpr Rule longName = {"long-name",
+                           Severity::Error,
+                           "series",
+                           "The path of a config file is cut at 250 characters when it is saved.",
+                           "Choose a shorter folder or name.",
+                           series({"x{245}.dpc", plainTask}),
+                           oneFile(plainTask)};
+
+constexpr Rule unreadable = {
+    "unreadable",
+    Severity::Error,
+    "series",
+    "A file of the series can't be read, or is not a regular file; the editor skips it silently.",
+    "Put a file that you may read in its place.",
+    series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc/", ""}),
+    series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
+
+constexpr Rule tooMuch = {
+    "too-much",
+    Severity::Error,
+    "series",
+    "The files hold more than can be checked: 50,000 lines a series, 64 MiB a file.",
+    "Divide the series; the editor saves about 20 lines into a file.",
+    oneFile("x\n", 50001),
+    oneFile(plainTask)};
+
+constexpr Rule emptyFile = {
+    "empty-file",
+    Severity::Warning,
+    "series",
+    "A file holds neither a task nor a marker.",
+    "Add a task, or remove the file and the marker that leads to it.",
+    series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", "# no tasks yet\n"}),
+    series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
+
+constexpr Rule numberLimit = {
+    "number-limit",
+    Severity::Error,
+    "series",
+    "The editor loads numbers up to 19, without leading zeros.",
+    "Use at most 20 files, numbered without leading zeros.",
+    series({"mytest.dpc", plainTaskAndMarker}, {"mytest01.dpc", plainTask}),
+    series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
+
 void checkFile(const SeriesFacts& facts, const FileFact& file, int index, Findings& findings)
 {
     if (file.path.size() > longestFileName)
         findings.add(
-            Rule::LongName, index, 1, 1,
+            longName, index, 1, 1,
             fmt::format(
                 "the path has {} characters: a save cuts it at 250, and writes another file",
                 file.path.size()));
     if (!file.isRead && index != facts.initFile) {
         findings.add(
-            Rule::NumberLimit, index, 1, 1,
+            numberLimit, index, 1, 1,
             "the editor does not load this file: a series has the numbers 1 to 19, without "
             "leading zeros");
         return;
     }
     if (!file.readable)
-        findings.add(Rule::Unreadable, index, 1, 1,
+        findings.add(unreadable, index, 1, 1,
                      "the file can't be read: the editor skips it silently");
     else if (file.wasCut)
-        findings.add(Rule::TooMuch, index, file.lineCount, 1,
+        findings.add(tooMuch, index, file.lineCount, 1,
                      "only the first 64 MiB of the file are read");
     else if (file.isRead && file.tasks == 0 && file.markers == 0)
-        findings.add(Rule::EmptyFile, index, 1, 1, "the file holds no task");
+        findings.add(emptyFile, index, 1, 1, "the file holds no task");
 }
+
+constexpr Rule numberGap = {"number-gap",
+                            Severity::Warning,
+                            "series",
+                            "A number is missing in the series.",
+                            "Rename the files, so that their numbers follow each other.",
+                            series({"mytest.dpc", plainTaskAndMarker}, {"mytest2.dpc", plainTask}),
+                            series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
 
 void checkGap(const SeriesFacts& facts, Findings& findings)
 {
@@ -45,7 +103,7 @@ void checkGap(const SeriesFacts& facts, Findings& findings)
         const int number = facts.files[i].number;
         if (number > expected)
             findings.add(
-                Rule::NumberGap, int(i), 1, 1,
+                numberGap, int(i), 1, 1,
                 fmt::format("{} missing before this file",
                             printable(nameOf(facts, expected)) +
                                 (number - expected > 1
@@ -55,16 +113,59 @@ void checkGap(const SeriesFacts& facts, Findings& findings)
     }
 }
 
+constexpr Rule bothFolders = {
+    "both-folders",
+    Severity::Warning,
+    "series",
+    "The same file lies in the folder and in _wait: a load has its tasks twice.",
+    "Remove one of the two files.",
+    series({"mytest.dpc", plainTask}, {"_wait/mytest.dpc", plainTask}),
+    series({"_wait/mytest.dpc", plainTask})};
+
 void checkBothFolders(const SeriesFacts& facts, Findings& findings)
 {
     for (size_t i = 1; i < facts.files.size(); ++i) {
         const FileFact& file = facts.files[i];
         const FileFact& before = facts.files[i - 1];
         if (file.isRead && before.isRead && file.number == before.number)
-            findings.add(Rule::BothFolders, int(i), 1, 1,
+            findings.add(bothFolders, int(i), 1, 1,
                          fmt::format("{} is there as well: a load has the tasks of both",
                                      printable(before.shown)));
     }
+}
+
+constexpr Rule notLoaded = {
+    "not-loaded",
+    Severity::Error,
+    "series",
+    "By its name, a config file of the folder is one that the editor does not look for.",
+    "Rename the file.",
+    series({"mytest.dpc", plainTask}, {"old.dpc.dpc", plainTask}),
+    series({"mytest.dpc", plainTask}, {"old.dpc", plainTask})};
+
+std::string whyNotLoaded(const QString& file)
+{
+    if (!file.endsWith(QLatin1String(".dpc")))
+        return "the editor does not load this file: its name does not end in .dpc, in small "
+               "letters";
+    return fmt::format("the editor does not load this file: by its name it looks for {}",
+                       quoted(seriesNameForLoading(file).baseName + ".dpc"));
+}
+
+constexpr Rule folderLetters = {
+    "folder-letters",
+    Severity::Error,
+    "series",
+    "The name of the folder or the file has letters outside Latin-1: the editor can't open it.",
+    "Rename the folder or the file.",
+    series({"\u03B4\u03BF\u03BA.dpc", plainTask}),
+    series({"Pr\u00FCfung.dpc", plainTask})};
+
+/// True if the editor can't open a file of the series, because its path is not Latin-1.
+bool hasForeignLetters(const SeriesName& name)
+{
+    const QString path = name.folder + name.baseName;
+    return std::any_of(path.cbegin(), path.cend(), [](QChar c) { return c.unicode() > 0xFF; });
 }
 
 } // namespace
@@ -76,7 +177,39 @@ void checkFiles(const SeriesFacts& facts, Findings& findings)
     checkGap(facts, findings);
     checkBothFolders(facts, findings);
     if (facts.limitReached)
-        findings.add(Rule::TooMuch, facts.lines.back().file, facts.lines.back().line, 1,
+        findings.add(tooMuch, facts.lines.back().file, facts.lines.back().line, 1,
                      fmt::format("the series has more than {}: what follows is not checked",
                                  counted(static_cast<long long>(facts.lines.size()), "line")));
+}
+
+bool checkFolderLetters(const SeriesFacts& facts, Findings& findings)
+{
+    if (!hasForeignLetters(facts.name))
+        return false;
+    findings.add(folderLetters, 0, 1, 1,
+                 "the folder or the name has letters outside Latin-1: the editor can't open the "
+                 "file");
+    return true;
+}
+
+std::vector<Finding> checkNotLoaded(const QStringList& files, const CheckOptions& options)
+{
+    std::vector<Finding> findings;
+    if (options.rulesOff.count(&notLoaded) > 0)
+        return findings;
+    QSet<QString> said;
+    for (const QString& file : files) {
+        const QString path = QDir::cleanPath(QFileInfo(file).absoluteFilePath());
+        const bool isNew = !said.contains(path);
+        said.insert(path);
+        if (isNew)
+            findings.push_back({&notLoaded, 0, file, 1, 1, whyNotLoaded(file)});
+    }
+    return findings;
+}
+
+RuleList fileRules()
+{
+    return {&folderLetters, &longName,    &unreadable, &tooMuch,    &emptyFile,
+            &numberGap,     &numberLimit, &notLoaded,  &bothFolders};
 }

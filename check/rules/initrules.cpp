@@ -1,5 +1,6 @@
-#include "check/checker.h"
 #include "check/nameexpander.h"
+#include "check/rules/exampletasks.h"
+#include "check/rules/families.h"
 #include "check/text.h"
 #include "configset/filestocreate.h"
 
@@ -127,6 +128,27 @@ private:
     bool m_dependsOnMachine = false;
 };
 
+constexpr Rule initOutdated = {
+    "init-outdated",
+    Severity::Warning,
+    "series",
+    "The _init file does not make what the series needs now.",
+    "Load and save the series.",
+    series(
+        {"mytest.dpc", "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/new.dat;  "
+                       "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
+        {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 102400;1;0;  MEMORY;  "
+                            "[cfgPath]/old.dat;  ;  ;  true;\n"
+                            "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
+                            "[cfgPath]/dummyFile;  ;  ;  true;\n"}),
+    series(
+        {"mytest.dpc", "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/new.dat;  "
+                       "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
+        {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 102400;1;0;  MEMORY;  "
+                            "[cfgPath]/new.dat;  ;  ;  true;\n"
+                            "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
+                            "[cfgPath]/dummyFile;  ;  ;  true;\n"})};
+
 std::string differences(const InitComparison& comparison)
 {
     std::string text;
@@ -142,6 +164,37 @@ std::string differences(const InitComparison& comparison)
     return text;
 }
 
+constexpr Rule initMissing = {
+    "init-missing",
+    Severity::Warning,
+    "series",
+    "The series needs files or folders, and there is no _init file that makes them.",
+    "Load and save the series.",
+    oneFile(plainTask),
+    series({"mytest.dpc", plainTask}, plainInit)};
+
+constexpr Rule initNames = {
+    "init-names",
+    Severity::Warning,
+    "series",
+    "The names in the _init file lack the name of the series: it was made in the form and saved "
+    "once.",
+    "Load and save the series once more.",
+    series({"mytest.dpc",
+            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/src_[cfgName].dat;  "
+            "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
+           {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 102400;1;0;  MEMORY;  "
+                               "[cfgPath]/src_.dat;  ;  ;  true;\n"
+                               "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
+                               "[cfgPath]/dummyFile;  ;  ;  true;\n"}),
+    series({"mytest.dpc",
+            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/src_[cfgName].dat;  "
+            "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
+           {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 102400;1;0;  MEMORY;  "
+                               "[cfgPath]/src_mytest.dat;  ;  ;  true;\n"
+                               "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
+                               "[cfgPath]/dummyFile;  ;  ;  true;\n"})};
+
 } // namespace
 
 void checkInit(const SeriesFacts& facts, Findings& findings)
@@ -152,7 +205,7 @@ void checkInit(const SeriesFacts& facts, Findings& findings)
     if (facts.initFile < 0) {
         if (comparison.needsAnything())
             findings.add(
-                Rule::InitMissing, 0, 1, 1,
+                initMissing, 0, 1, 1,
                 fmt::format("there is no {}_init.dpc that makes the sources and folders of the "
                             "series: load and save it again",
                             printable(facts.name.baseName)));
@@ -162,7 +215,7 @@ void checkInit(const SeriesFacts& facts, Findings& findings)
         return;
     if (!comparison.firstNameless.empty()) {
         findings.add(
-            Rule::InitNames, facts.initFile, 1, 1,
+            initNames, facts.initFile, 1, 1,
             fmt::format("makes {} where the series looks for {}: the tasks had no config file "
                         "yet when they were saved; load and save the series once more",
                         comparison.firstNameless, comparison.nameInstead));
@@ -170,6 +223,10 @@ void checkInit(const SeriesFacts& facts, Findings& findings)
     }
     const std::string text = differences(comparison);
     if (!text.empty())
-        findings.add(Rule::InitOutdated, facts.initFile, 1, 1,
-                     text + ": load and save the series again");
+        findings.add(initOutdated, facts.initFile, 1, 1, text + ": load and save the series again");
+}
+
+RuleList initRules()
+{
+    return {&initMissing, &initOutdated, &initNames};
 }

@@ -1,4 +1,5 @@
-#include "check/checker.h"
+#include "check/rules/exampletasks.h"
+#include "check/rules/families.h"
 #include "check/taskfields.h"
 #include "check/text.h"
 
@@ -9,6 +10,8 @@
 // What is wrong with a line as text: its fields, its length, its letters.
 
 namespace {
+
+using namespace std::string_view_literals;
 
 bool isUtf8(const QByteArray& text)
 {
@@ -42,30 +45,74 @@ int firstHighByte(const QByteArray& text)
     return int(found - text.begin());
 }
 
+constexpr Rule utf8Text = {
+    "utf8-text",
+    Severity::Warning,
+    "lines",
+    "The line looks like UTF-8; config files are Latin-1, so its letters turn into others.",
+    "Save the file as Latin-1.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/Pr\xC3\xBC"
+            "fung_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/Pr\xFC"
+            "fung_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
+
 void checkLetters(const LineFact& line, Findings& findings)
 {
     if (line.kind != LineFact::Kind::Comment && isUtf8(line.text))
-        findings.add(Rule::Utf8Text, line, line.column + firstHighByte(line.text) + 1,
+        findings.add(utf8Text, line, line.column + firstHighByte(line.text) + 1,
                      fmt::format("looks like UTF-8, but config files are Latin-1: reads as {}",
                                  quoted(line.text.mid(firstHighByte(line.text), 40))));
 }
 
+constexpr Rule longLine = {
+    "long-line",
+    Severity::Error,
+    "lines",
+    "A line ends at 1,000 characters: more is not read, and was lost when it was saved.",
+    "Shorten the paths or the comment.",
+    oneFile("# x{1000}\n"
+            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile("# x{900}\n"
+            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
+
+constexpr Rule zeroByte = {"zero-byte",
+                           Severity::Warning,
+                           "lines",
+                           "The line holds a zero byte, and ends there for every reader.",
+                           "Save the file again as Latin-1 text; often it is UTF-16.",
+                           oneFile("S\0t\0r\0e\0a\0m\0;\0\n"
+                                   "\0"sv),
+                           oneFile(plainTask)};
+
 void checkLength(const LineFact& line, Findings& findings)
 {
     if (line.hasZero)
-        findings.add(Rule::ZeroByte, line, line.column + line.text.size() + 1,
+        findings.add(zeroByte, line, line.column + line.text.size() + 1,
                      "the line holds a zero byte: everything behind it is not read");
     if (line.length > longestLine)
         findings.add(
-            Rule::LongLine, line, longestLine + 1,
+            longLine, line, longestLine + 1,
             fmt::format("the line has {} characters: what follows the first 1000 is not read",
                         line.length));
     else if (line.length == longestLine && line.kind != LineFact::Kind::Comment &&
              !line.text.endsWith(';') && !isMarker(line))
         findings.add(
-            Rule::LongLine, line, longestLine,
+            longLine, line, longestLine,
             "the line has 1000 characters, the most that a save writes: its end was cut off");
 }
+
+constexpr Rule badLine = {
+    "bad-line",
+    Severity::Error,
+    "lines",
+    "The editor rejects the line and skips it: the method is unknown, or a number field is not a "
+    "number.",
+    "Correct the field that the finding names.",
+    oneFile("Posx  ;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile(plainTask)};
 
 std::string whyRejected(const LineFact& line)
 {
@@ -82,27 +129,69 @@ std::string whyRejected(const LineFact& line)
                        didYouMean(closest(text.toStdString(), methodWords)));
 }
 
+constexpr Rule winApi = {
+    "winapi",
+    Severity::Error,
+    "lines",
+    "WinApi tasks are written, but the editor does not load them again.",
+    "Choose another method; Posix is the closest.",
+    oneFile("WinApi;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile("Posix ;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
+
 void checkRejected(const LineFact& line, Findings& findings)
 {
     if (line.problem.field == 1 && line.field(1) == "WinApi")
-        findings.add(Rule::WinApi, line, line.columnOf(1),
+        findings.add(winApi, line, line.columnOf(1),
                      "the editor writes WinApi tasks but does not load them: the line is lost");
     else
-        findings.add(Rule::BadLine, line, line.columnOf(line.problem.field), whyRejected(line));
+        findings.add(badLine, line, line.columnOf(line.problem.field), whyRejected(line));
 }
+
+constexpr Rule missingFields = {
+    "missing-fields",
+    Severity::Warning,
+    "lines",
+    "The line has fewer than fourteen fields; the others count as 0 or empty.",
+    "Complete the line.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;\n"),
+    oneFile(plainTask)};
+
+constexpr Rule extraFields = {
+    "extra-fields",
+    Severity::Warning,
+    "lines",
+    "Text after the fourteenth field is not read; often a file name holds a \";\".",
+    "Rename the file, or remove the text.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/a;b_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile(plainTask)};
 
 void checkFieldCount(const LineFact& line, Findings& findings)
 {
     if (line.fields.count < taskLineFieldCount)
         findings.add(
-            Rule::MissingFields, line, line.column + line.text.size() + 1,
+            missingFields, line, line.column + line.text.size() + 1,
             fmt::format(
                 "the line ends after {} of 14 fields: {} and what follows count as 0 or empty",
                 line.fields.count, fieldName(line.fields.count + 1)));
     if (line.fields.beyond.length > 0)
-        findings.add(Rule::ExtraFields, line, line.column + line.fields.beyond.column + 1,
+        findings.add(extraFields, line, line.column + line.fields.beyond.column + 1,
                      "text after field 14 is not read; does a file name hold a ';'?");
 }
+
+constexpr Rule unknownWord = {
+    "unknown-word",
+    Severity::Warning,
+    "lines",
+    "A word that a yes-or-no field does not know counts as no.",
+    "Write the word that the finding names.",
+    oneFile("Posix ;Flush  ;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile("Posix ;flush  ;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
 
 void checkWord(const LineFact& line, int field, std::initializer_list<const char*> known,
                const char* meant, Findings& findings)
@@ -112,7 +201,7 @@ void checkWord(const LineFact& line, int field, std::initializer_list<const char
         std::any_of(known.begin(), known.end(), [&](const char* k) { return word == k; }))
         return;
     findings.add(
-        Rule::UnknownWord, line, line.columnOf(field),
+        unknownWord, line, line.columnOf(field),
         fmt::format("{} {} counts as no; for yes write {}", fieldName(field), quoted(word), meant));
 }
 
@@ -122,22 +211,6 @@ void checkWords(const LineFact& line, Findings& findings)
     checkWord(line, 3, {"prealloc", "true", "1", "NOprealloc", "false", "0"}, "'prealloc'",
               findings);
     checkWord(line, 14, {"true", "false", "0"}, "'true'", findings);
-}
-
-void checkPathLengths(const LineFact& line, Findings& findings)
-{
-    for (int field = firstPathField; field < firstPathField + taskPathCount; ++field) {
-        const int length = line.fields.fields[size_t(field - 1)].length;
-        if (length > longestPath)
-            findings.add(Rule::LongPath, line, line.columnOf(field) + longestPath,
-                         fmt::format("{} has {} characters: what follows the first 500 is not read",
-                                     fieldName(field), length));
-        else if (length == longestPath)
-            findings.add(
-                Rule::LongPath, line, line.columnOf(field) + longestPath - 1,
-                fmt::format("{} has 500 characters, the most that a path can: was it cut off?",
-                            fieldName(field)));
-    }
 }
 
 void checkLine(const LineFact& line, Findings& findings)
@@ -150,9 +223,16 @@ void checkLine(const LineFact& line, Findings& findings)
         return;
     checkFieldCount(line, findings);
     checkWords(line, findings);
-    checkPathLengths(line, findings);
-    checkNumbers(line, findings);
 }
+
+constexpr Rule longFile = {
+    "long-file",
+    Severity::Error,
+    "lines",
+    "A save writes at most 5,000 characters into a file; the rest is lost, the marker first.",
+    "Divide the tasks into several config files with \"Wait for next config file\".",
+    oneFile(plainTask, 40),
+    oneFile(plainTask, 15)};
 
 void checkFileSize(const FileFact& file, int index, Findings& findings)
 {
@@ -160,7 +240,7 @@ void checkFileSize(const FileFact& file, int index, Findings& findings)
         return;
     const bool wasCut = file.size == longestConfigFile;
     findings.add(
-        Rule::LongFile, index, file.lineAtLimit, file.columnAtLimit,
+        longFile, index, file.lineAtLimit, file.columnAtLimit,
         wasCut
             ? "the file has 5000 characters, the most that a save writes: its end was cut off"
             : fmt::format("the file has {} characters: a save cuts it here, at 5000", file.size));
@@ -174,4 +254,10 @@ void checkLines(const SeriesFacts& facts, Findings& findings)
         checkLine(line, findings);
     for (size_t i = 0; i < facts.files.size(); ++i)
         checkFileSize(facts.files[i], int(i), findings);
+}
+
+RuleList lineRules()
+{
+    return {&badLine,  &winApi,   &missingFields, &extraFields, &unknownWord,
+            &longLine, &zeroByte, &longFile,      &utf8Text};
 }

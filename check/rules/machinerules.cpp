@@ -1,5 +1,6 @@
-#include "check/checker.h"
-#include "check/taskfields.h"
+#include "check/nameexpander.h"
+#include "check/rules/exampletasks.h"
+#include "check/rules/families.h"
 #include "check/text.h"
 #include "shared/kvpath.h"
 #include "shared/kvtext.h"
@@ -29,6 +30,46 @@ std::string listed(const QStringList& hosts)
         text += fmt::format(" and {} more", hosts.size() - mostShown);
     return text;
 }
+
+constexpr Rule sharedOutput = {
+    "shared-output",
+    Severity::Error,
+    "machines",
+    "Several machines write the same destination.",
+    "Put [host] into the name.",
+    onMachines(
+        "pc01,pc02",
+        oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/out.dat; "
+                " [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")),
+    onMachines("pc01,pc02", oneFile(plainTask))};
+
+constexpr Rule sharedResults = {
+    "shared-results",
+    Severity::Warning,
+    "machines",
+    "Several machines write the same log or .csv file.",
+    "Put [host] into the name.",
+    onMachines(
+        "pc01,pc02",
+        oneFile(
+            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/results.csv;  true;\n")),
+    onMachines("pc01,pc02", oneFile(plainTask))};
+
+constexpr Rule maybeShared = {
+    "maybe-shared",
+    Severity::Note,
+    "machines",
+    "Several machines write to the same path; they share the file if the folder is a share.",
+    "Put [host] into the name, if the folder is a share.",
+    onMachines("pc01,pc02",
+               oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+                       "/mnt/nas/out.dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")),
+    onMachines(
+        "pc01,pc02",
+        oneFile(
+            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "/mnt/nas/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"))};
 
 /// Two machines that resolve to the same file.
 class SharedFileRule
@@ -60,9 +101,7 @@ public:
             return;
         m_said.insert(name);
         const bool shared = path.startsWith("[cfgPath]") || isRelative(path);
-        const Rule rule = !shared             ? Rule::MaybeShared
-                          : which == DestPath ? Rule::SharedOutput
-                                              : Rule::SharedResults;
+        const Rule& rule = !shared ? maybeShared : which == DestPath ? sharedOutput : sharedResults;
         m_findings.add(
             rule, line, line.columnOf(which),
             fmt::format("{} all write {}{}", listed(hosts), quoted(path),
@@ -83,6 +122,15 @@ private:
     QStringList m_sameName; ///< machines that have the same name in files
     QSet<QString> m_said;
 };
+
+constexpr Rule diskSpace = {
+    "disk-space",
+    Severity::Warning,
+    "machines",
+    "A file system has less space than the series needs, as far as this machine can tell.",
+    "Use smaller files or fewer machines, or make space.",
+    onMachines("pc01,pc02", withSpace(150, oneFile(plainTask))),
+    onMachines("pc01,pc02", withSpace(200, oneFile(plainTask)))};
 
 /// What the series takes of one file system.
 struct Demand
@@ -117,7 +165,7 @@ public:
     {
         for (const auto& [fileSystem, demand] : m_demands) {
             if (demand.bytes > static_cast<double>(demand.free))
-                findings.add(Rule::DiskSpace, *demand.firstLine, 1, text(demand));
+                findings.add(diskSpace, *demand.firstLine, 1, text(demand));
         }
     }
 
@@ -131,12 +179,12 @@ private:
         const QString here = m_here.resolve(line, path, iteration);
         if (m_options.environment.exists(here))
             return;
-        const std::optional<DiskSpace> room = roomFor(here);
-        if (!room)
+        const std::optional<DiskSpace> space = spaceFor(here);
+        if (!space)
             return;
-        Demand& demand = m_demands[room->fileSystem];
+        Demand& demand = m_demands[space->fileSystem];
         demand.bytes += double(line.used.fileSize) * machinesThatWrite(name, which);
-        demand.free = room->free;
+        demand.free = space->free;
         if (demand.firstLine == nullptr) {
             demand.firstLine = &line;
             demand.place = kvGetDirName(here, '/');
@@ -151,13 +199,13 @@ private:
         return eachItsOwn ? std::max(m_options.hosts.size(), 1) : 1;
     }
 
-    std::optional<DiskSpace> roomFor(const QString& path)
+    std::optional<DiskSpace> spaceFor(const QString& path)
     {
         const QString folder = kvGetDirName(path, '/');
-        const auto known = m_rooms.constFind(folder);
-        if (known != m_rooms.cend())
+        const auto known = m_spaces.constFind(folder);
+        if (known != m_spaces.cend())
             return *known;
-        return *m_rooms.insert(folder, m_options.environment.room(folder));
+        return *m_spaces.insert(folder, m_options.environment.space(folder));
     }
 
     std::string text(const Demand& demand) const
@@ -176,7 +224,7 @@ private:
     NameExpander m_anyMachine;
     NameExpander m_here;
     QSet<QString> m_counted;
-    QHash<QString, std::optional<DiskSpace>> m_rooms;
+    QHash<QString, std::optional<DiskSpace>> m_spaces;
     std::map<quint64, Demand> m_demands;
 };
 
@@ -195,4 +243,9 @@ void checkMachines(const SeriesFacts& facts, const CheckOptions& options, Findin
         space.add(line, DestPath);
     }
     space.report(findings);
+}
+
+RuleList machineRules()
+{
+    return {&sharedOutput, &sharedResults, &maybeShared, &diskSpace};
 }

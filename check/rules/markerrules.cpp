@@ -1,5 +1,6 @@
-#include "check/checker.h"
 #include "check/nameexpander.h"
+#include "check/rules/exampletasks.h"
+#include "check/rules/families.h"
 #include "check/text.h"
 
 #include <QFileInfo>
@@ -43,6 +44,19 @@ QString fileNameOf(const QString& path)
     return path.mid(separator + 1);
 }
 
+constexpr Rule markerFolder = {
+    "marker-folder",
+    Severity::Warning,
+    "series",
+    "The marker names the next file in another folder: the series was moved after it was saved.",
+    "Load and save the series in its new folder.",
+    series({"mytest.dpc",
+            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"
+            "/old/mytest1.dpc\n"},
+           {"mytest1.dpc", plainTask}),
+    series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
+
 /// In the folder or in its "_wait", by whatever name.
 bool isInSeries(const SeriesFacts& facts, const QString& path)
 {
@@ -55,6 +69,28 @@ bool isInSeries(const SeriesFacts& facts, const QString& path)
     return false;
 }
 
+constexpr Rule markerTarget = {
+    "marker-target",
+    Severity::Error,
+    "series",
+    "The marker names another file than the next one of the series.",
+    "Name the next file of the series.",
+    series({"mytest.dpc",
+            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"
+            "[cfgPath]/mytest3.dpc\n"},
+           {"mytest1.dpc", plainTask}),
+    series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
+
+constexpr Rule lastMarker = {
+    "last-marker",
+    Severity::Error,
+    "series",
+    "The last file ends with a marker: machines wait for a file that does not exist.",
+    "Remove the marker, or add the file that it names.",
+    series({"mytest.dpc", plainTaskAndMarker}),
+    series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
+
 void checkTarget(const SeriesFacts& facts, const Chain& chain, const LineFact& line,
                  NameExpander& names, Findings& findings)
 {
@@ -63,20 +99,33 @@ void checkTarget(const SeriesFacts& facts, const Chain& chain, const LineFact& l
     const QString next = seriesFile(QString(), facts.name.baseName, number + 1);
     if (!chain[size_t(number) + 1].exists)
         findings.add(
-            Rule::LastMarker, line, line.column + 1,
+            lastMarker, line, line.column + 1,
             fmt::format("the marker names {}, but there is no file {}: machines wait for ever",
                         quoted(target), printable(next)));
     else if (fileNameOf(target) != next)
-        findings.add(Rule::MarkerTarget, line, line.column + 1,
+        findings.add(markerTarget, line, line.column + 1,
                      fmt::format("the marker names {}, but the next file is {}", quoted(target),
                                  printable(next)));
     else if (!isInSeries(facts, target))
         findings.add(
-            Rule::MarkerFolder, line, line.column + 1,
+            markerFolder, line, line.column + 1,
             fmt::format("the marker names the next file in another folder: {}; load and save "
                         "the series again where it is now",
                         quoted(target)));
 }
+
+constexpr Rule afterMarker = {
+    "after-marker",
+    Severity::Warning,
+    "series",
+    "Lines follow a marker in the same file; a marker ends its file.",
+    "Move the lines into the next file.",
+    series({"mytest.dpc",
+            "[cfgPath]/mytest1.dpc\n"
+            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
+           {"mytest1.dpc", plainTask}),
+    series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
 
 void checkFileMarkers(const SeriesFacts& facts, const Chain& chain, const FileFact& file,
                       NameExpander& names, Findings& findings)
@@ -93,10 +142,19 @@ void checkFileMarkers(const SeriesFacts& facts, const Chain& chain, const FileFa
         marker + 1, end, [](const LineFact& line) { return line.kind != LineFact::Kind::Comment; });
     if (after != end)
         findings.add(
-            Rule::AfterMarker, *after, after->column + 1,
+            afterMarker, *after, after->column + 1,
             fmt::format("the marker in line {} ends the file: what follows belongs to the next one",
                         marker->line));
 }
+
+constexpr Rule leftover = {
+    "leftover",
+    Severity::Warning,
+    "series",
+    "No marker leads to the file: it is left over from a longer series, and is loaded again.",
+    "Remove the old files before saving.",
+    series({"mytest.dpc", plainTask}, {"mytest1.dpc", plainTask}),
+    series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
 
 /// Follows the markers from the first file; a gap has its own finding, and is passed over.
 void checkLeftovers(const SeriesFacts& facts, const Chain& chain, Findings& findings)
@@ -108,7 +166,7 @@ void checkLeftovers(const SeriesFacts& facts, const Chain& chain, Findings& find
         const FileFact& file = facts.files[i];
         if (file.isRead && !reached[size_t(file.number)])
             findings.add(
-                Rule::Leftover, int(i), 1, 1,
+                leftover, int(i), 1, 1,
                 fmt::format(
                     "no marker in {} leads here: is the file left over from a longer "
                     "series? The editor loads it again",
@@ -127,4 +185,9 @@ void checkMarkers(const SeriesFacts& facts, Findings& findings)
             checkFileMarkers(facts, chain, file, names, findings);
     }
     checkLeftovers(facts, chain, findings);
+}
+
+RuleList markerRules()
+{
+    return {&markerTarget, &markerFolder, &lastMarker, &afterMarker, &leftover};
 }

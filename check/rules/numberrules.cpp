@@ -1,3 +1,5 @@
+#include "check/rules/exampletasks.h"
+#include "check/rules/families.h"
 #include "check/taskfields.h"
 #include "check/text.h"
 
@@ -65,17 +67,48 @@ bool isEmptyNumber(const LineFact& line, const Number& number)
     return text.isEmpty() || text == "-";
 }
 
+constexpr Rule negativeNumber = {
+    "negative-number",
+    Severity::Warning,
+    "lines",
+    "A size or a wait is negative.",
+    "Write 0 or a positive number.",
+    oneFile("Stream;NOflush;NOprealloc; 50;  -64; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile(plainTask)};
+
+constexpr Rule noIterations = {
+    "no-iterations",
+    Severity::Warning,
+    "lines",
+    "Fewer than one iteration: the task does nothing.",
+    "Write 1, or remove the task.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;0;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile(plainTask)};
+
 void checkNegative(const LineFact& line, const Number& number, Findings& findings)
 {
     const int column = line.columnOf(number.field);
     if (number.field == iterationsField)
-        findings.add(Rule::NoIterations, line, column,
+        findings.add(noIterations, line, column,
                      fmt::format("{} iterations: the task does nothing", number.used));
     else
-        findings.add(Rule::NegativeNumber, line, column,
+        findings.add(negativeNumber, line, column,
                      fmt::format("{} is negative: {}", fieldName(number.field),
                                  inUnits(number, number.written)));
 }
+
+constexpr Rule noEffect = {
+    "no-effect",
+    Severity::Note,
+    "lines",
+    "The setting has no effect for this method and test type; the editor clears it.",
+    "Choose another method, or leave the setting out.",
+    oneFile("Stream;NOflush;prealloc  ; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile("Posix ;NOflush;prealloc  ; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
 
 /// What normalisation takes away because the method or the test type has no use for it.
 bool hasNoEffect(const LineFact& line, const Number& number)
@@ -92,6 +125,17 @@ std::string reason(const LineFact& line)
     return fmt::format("a {} {}", methodWord(line.used.method), typeWord(line));
 }
 
+constexpr Rule changedValue = {
+    "changed-value",
+    Severity::Warning,
+    "lines",
+    "The editor changes the value when it reads the line.",
+    "Write the value that the editor uses.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 2000000;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 1048576;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
+
 void checkChange(const LineFact& line, const Number& number, Findings& findings)
 {
     const int column = line.columnOf(number.field);
@@ -99,26 +143,58 @@ void checkChange(const LineFact& line, const Number& number, Findings& findings)
     if (value == number.used)
         return;
     if (hasNoEffect(line, number))
-        findings.add(Rule::NoEffect, line, column,
+        findings.add(noEffect, line, column,
                      fmt::format("{} has no effect for {}: {} becomes {}", fieldName(number.field),
                                  reason(line), value, inUnits(number, number.used)));
     else
-        findings.add(Rule::ChangedValue, line, column,
+        findings.add(changedValue, line, column,
                      fmt::format("{} {}{} becomes {} for {}", fieldName(number.field),
                                  value / number.unitSize, number.unit, inUnits(number, number.used),
                                  reason(line)));
 }
 
-void checkNumber(const LineFact& line, const Number& number, Findings& findings)
+constexpr Rule emptyNumber = {
+    "empty-number",
+    Severity::Warning,
+    "lines",
+    "A number field that is empty or a lone \"-\" counts as 0.",
+    "Write the number, also if it is 0.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile(plainTask)};
+
+constexpr Rule sizeOverflow = {
+    "size-overflow",
+    Severity::Error,
+    "lines",
+    "A number does not fit into its 32 bits and becomes another one.",
+    "Write a smaller number.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 4194304;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile(plainTask)};
+
+constexpr Rule beyondForm = {
+    "beyond-form",
+    Severity::Note,
+    "lines",
+    "The form of the editor can't show the value; overwriting the row there changes it.",
+    "Edit the task by hand only, or choose a value that the form has.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;500;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;100;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
+
+void checkNumber(const SeriesFacts& facts, const LineFact& line, const Number& number,
+                 Findings& findings)
 {
     if (number.field > line.fields.count)
         return;
     const int column = line.columnOf(number.field);
     if (isEmptyNumber(line, number))
-        findings.add(Rule::EmptyNumber, line, column,
+        findings.add(emptyNumber, line, column,
                      fmt::format("{} is empty and counts as 0", fieldName(number.field)));
     if (overflows(line, number)) {
-        findings.add(Rule::SizeOverflow, line, column,
+        findings.add(sizeOverflow, line, column,
                      fmt::format("{} {} is too large: it becomes {}", fieldName(number.field),
                                  quoted(line.field(number.field)), inUnits(number, number.used)));
         return;
@@ -126,9 +202,10 @@ void checkNumber(const LineFact& line, const Number& number, Findings& findings)
     checkChange(line, number, findings);
     if (number.used < number.smallest)
         checkNegative(line, number, findings);
-    else if (number.used / number.unitSize < number.least ||
-             number.used / number.unitSize > number.most)
-        findings.add(Rule::BeyondForm, line, column,
+    else if (!facts.isInit && (number.used / number.unitSize < number.least ||
+                               number.used / number.unitSize > number.most))
+        // The _init file is not made in the form.
+        findings.add(beyondForm, line, column,
                      fmt::format("{} {} can't be shown in the editor's form, which has {} to {}",
                                  fieldName(number.field), inUnits(number, number.used),
                                  number.least, number.most));
@@ -137,10 +214,32 @@ void checkNumber(const LineFact& line, const Number& number, Findings& findings)
 void checkFlag(const LineFact& line, int field, bool written, bool used, Findings& findings)
 {
     if (written != used)
-        findings.add(Rule::NoEffect, line, line.columnOf(field),
+        findings.add(noEffect, line, line.columnOf(field),
                      fmt::format("{} has no effect for {}: the editor clears it", fieldName(field),
                                  reason(line)));
 }
+
+constexpr Rule chunkTooLarge = {
+    "chunk-too-large",
+    Severity::Warning,
+    "lines",
+    "The file is smaller than one chunk.",
+    "Choose a smaller chunk or a larger file.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 2048; -1; 1024;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile("Stream;NOflush;NOprealloc; 50;  256; -1; 1024;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
+
+constexpr Rule chunkRemainder = {
+    "chunk-remainder",
+    Severity::Note,
+    "lines",
+    "The file size is not a multiple of the chunk size: the last chunk is shorter.",
+    "Choose a file size that is a multiple, if all chunks must be equal.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1000; -1; 1024;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile("Stream;NOflush;NOprealloc; 50;  256; -1; 1024;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
 
 void checkChunks(const LineFact& line, Findings& findings)
 {
@@ -150,11 +249,11 @@ void checkChunks(const LineFact& line, Findings& findings)
         return;
     const int column = line.columnOf(chunkSizeField);
     if (size < chunk)
-        findings.add(Rule::ChunkTooLarge, line, column,
+        findings.add(chunkTooLarge, line, column,
                      fmt::format("the file of {} KiB is smaller than one chunk of {} KiB",
                                  size / 1024, chunk / 1024));
     else if (size % chunk != 0)
-        findings.add(Rule::ChunkRemainder, line, column,
+        findings.add(chunkRemainder, line, column,
                      fmt::format("the file of {} KiB is not a multiple of the chunk of {} KiB: "
                                  "the last chunk has {} KiB",
                                  size / 1024, chunk / 1024, size % chunk / 1024));
@@ -162,49 +261,21 @@ void checkChunks(const LineFact& line, Findings& findings)
 
 } // namespace
 
-const char* fieldName(int field)
+void checkNumbers(const SeriesFacts& facts, Findings& findings)
 {
-    static constexpr const char* names[] = {
-        "method",        "flush",     "pre-allocate", "chunk wait", "chunk size",
-        "system buffer", "file size", "iterations",   "cache mode", "source",
-        "destination",   "log file",  ".csv file",    "done file"};
-    return field >= 1 && field <= taskLineFieldCount ? names[field - 1] : "text";
-}
-
-const char* methodWord(IoMethod method)
-{
-    for (int i = 0; i < 4; ++i) {
-        if (int(method) == i)
-            return methodWords[i];
+    for (const LineFact& line : facts.lines) {
+        if (!isTask(line))
+            continue;
+        for (const Number& number : numbersOf(line))
+            checkNumber(facts, line, number, findings);
+        checkFlag(line, 2, line.written.flush, line.used.flush, findings);
+        checkFlag(line, 3, line.written.preallocate, line.used.preallocate, findings);
+        checkChunks(line, findings);
     }
-    return "";
 }
 
-TestType typeOf(const LineFact& line)
+RuleList numberRules()
 {
-    if (line.toMemory)
-        return TestType::Read;
-    return line.fromMemory ? TestType::Write : TestType::Copy;
-}
-
-const char* typeWord(const LineFact& line)
-{
-    switch (typeOf(line)) {
-    case TestType::Copy:
-        return "Copy";
-    case TestType::Write:
-        return "Write";
-    case TestType::Read:
-        break;
-    }
-    return "Read";
-}
-
-void checkNumbers(const LineFact& line, Findings& findings)
-{
-    for (const Number& number : numbersOf(line))
-        checkNumber(line, number, findings);
-    checkFlag(line, 2, line.written.flush, line.used.flush, findings);
-    checkFlag(line, 3, line.written.preallocate, line.used.preallocate, findings);
-    checkChunks(line, findings);
+    return {&emptyNumber, &sizeOverflow, &negativeNumber, &changedValue,  &noEffect,
+            &beyondForm,  &noIterations, &chunkTooLarge,  &chunkRemainder};
 }

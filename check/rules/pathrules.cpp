@@ -1,3 +1,6 @@
+#include "check/nameexpander.h"
+#include "check/rules/exampletasks.h"
+#include "check/rules/families.h"
 #include "check/taskfields.h"
 #include "check/text.h"
 #include "shared/kvpath.h"
@@ -30,6 +33,16 @@ bool isRelative(const QByteArray& path)
     return isRelativePath(text);
 }
 
+constexpr Rule unknownVariable = {
+    "unknown-variable",
+    Severity::Warning,
+    "paths",
+    "A word in brackets is not a variable and stays as it is; capitals count.",
+    "Write the variable as the editor lists it.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[CfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile(plainTask)};
+
 /// Every "[word]" without a bracket inside.
 void checkVariables(const LineFact& line, const QByteArray& text, int column, Findings& findings)
 {
@@ -42,13 +55,24 @@ void checkVariables(const LineFact& line, const QByteArray& text, int column, Fi
         open = text.lastIndexOf('[', close);
         const std::string word = text.mid(open, close - open + 1).toStdString();
         if (!isVariable(word))
-            findings.add(Rule::UnknownVariable, line, column + open,
+            findings.add(unknownVariable, line, column + open,
                          fmt::format("{} is no variable{}: it stays in the name as it is",
                                      quoted(QByteArray::fromStdString(word)),
                                      didYouMean(closest(word, variables))));
         open = text.indexOf('[', close);
     }
 }
+
+constexpr Rule relativePath = {
+    "relative-path",
+    Severity::Warning,
+    "paths",
+    "A relative path is taken from the folder of the config file, which changes when it is copied.",
+    "Begin the path with [cfgPath] or with a folder.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  out/[host].dat;  "
+            "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out/[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
 
 void checkRelative(const LineFact& line, TaskPath which, Findings& findings)
 {
@@ -59,11 +83,81 @@ void checkRelative(const LineFact& line, TaskPath which, Findings& findings)
     // A misspelled variable at the start is one mistake, not two.
     if (path.startsWith('[') && !isVariable(path.left(path.indexOf(']') + 1).toStdString()))
         return;
-    findings.add(Rule::RelativePath, line, line.columnOf(which),
+    findings.add(relativePath, line, line.columnOf(which),
                  mayBeMemory ? fmt::format("{} is a file name (did you mean MEMORY?)", quoted(path))
                              : fmt::format("{} is relative to the folder of the config file "
                                            "(did you mean {}?)",
                                            quoted(path), quoted("[cfgPath]/" + path)));
+}
+
+/// The "_init" file has no logs on purpose.
+constexpr Rule emptyLog = {
+    "empty-log",
+    Severity::Note,
+    "paths",
+    "An empty log or .csv field comes back from a load as the folder of the config file.",
+    "Name a log and a .csv file.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  ;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile(plainTask)};
+
+constexpr Rule logIsFolder = {
+    "log-is-folder",
+    Severity::Warning,
+    "paths",
+    "The log or .csv field names a folder: an empty field does after a load and a save.",
+    "Name a file.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile(plainTask)};
+
+void checkLogs(const SeriesFacts& facts, const LineFact& line, Findings& findings)
+{
+    for (const TaskPath which : {LogPath, CsvPath}) {
+        const QByteArray path = line.path(which);
+        const char* name = fieldName(firstPathField + which);
+        // A line that ends early has its own finding.
+        if (path.isEmpty() && firstPathField + which <= line.fields.count && !facts.isInit)
+            findings.add(
+                emptyLog, line, line.columnOf(which),
+                fmt::format("{} is empty: a load turns it into the folder of the config file",
+                            name));
+        else if (path.endsWith('/'))
+            findings.add(logIsFolder, line, line.columnOf(which),
+                         fmt::format("{} {} is a folder, not a file", name, quoted(path)));
+    }
+}
+
+constexpr Rule longPath = {
+    "long-path",
+    Severity::Error,
+    "paths",
+    "A path ends at 500 characters, as written and with its variables replaced.",
+    "Shorten the path.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/x{500}_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile(plainTask)};
+
+void checkPathLength(const LineFact& line, TaskPath which, NameExpander& names, Findings& findings)
+{
+    const int length = line.fields.fields[size_t(firstPathField + which - 1)].length;
+    const int column = line.columnOf(which);
+    const char* name = fieldName(firstPathField + which);
+    const QByteArray path = line.path(which);
+    if (length > longestPath)
+        findings.add(longPath, line, column + longestPath,
+                     fmt::format("{} has {} characters: what follows the first 500 is not read",
+                                 name, length));
+    else if (length == longestPath)
+        findings.add(
+            longPath, line, column + longestPath - 1,
+            fmt::format("{} has 500 characters, the most that a path can: was it cut off?", name));
+    // What can't grow that long need not be tried: most of the time goes into replacing variables.
+    else if (path.size() + path.count('[') * names.longestValue() >= longestPath &&
+             names.resolve(line, path).size() >= longestPath)
+        findings.add(
+            longPath, line, column,
+            fmt::format("{} is cut at 500 characters when its variables are replaced", name));
 }
 
 /// The editor writes its full path, which may hold brackets that are no variable.
@@ -74,44 +168,14 @@ void checkMarkerPath(const SeriesFacts& facts, const LineFact& line, Findings& f
     const int known = line.text.startsWith(folder) ? folder.size() : 0;
     checkVariables(line, line.text.mid(known), column + known, findings);
     if (line.text.size() > longestPath)
-        findings.add(Rule::LongPath, line, column + longestPath,
+        findings.add(longPath, line, column + longestPath,
                      fmt::format("the marker has {} characters: what follows the first 500 is not "
                                  "read",
                                  line.text.size()));
     if (isRelative(line.text) && !line.text.startsWith('['))
-        findings.add(Rule::RelativePath, line, column,
+        findings.add(relativePath, line, column,
                      fmt::format("the marker {} is no full path (did you mean {}?)",
                                  quoted(line.text), quoted("[cfgPath]/" + line.text)));
-}
-
-void checkLogs(const LineFact& line, Findings& findings)
-{
-    for (const TaskPath which : {LogPath, CsvPath}) {
-        const QByteArray path = line.path(which);
-        const char* name = fieldName(firstPathField + which);
-        // A line that ends early has its own finding.
-        if (path.isEmpty() && firstPathField + which <= line.fields.count)
-            findings.add(
-                Rule::EmptyLog, line, line.columnOf(which),
-                fmt::format("{} is empty: a load turns it into the folder of the config file",
-                            name));
-        else if (path.endsWith('/'))
-            findings.add(Rule::LogIsFolder, line, line.columnOf(which),
-                         fmt::format("{} {} is a folder, not a file", name, quoted(path)));
-    }
-}
-
-void checkExpandedLength(const LineFact& line, TaskPath which, NameExpander& names,
-                         Findings& findings)
-{
-    const QByteArray path = line.path(which);
-    // What can't grow that long need not be tried: most of the time goes into replacing variables.
-    if (path.size() + path.count('[') * names.longestValue() < longestPath)
-        return;
-    if (path.size() < longestPath && names.resolve(line, path).size() >= longestPath)
-        findings.add(Rule::LongPath, line, line.columnOf(which),
-                     fmt::format("{} is cut at 500 characters when its variables are replaced",
-                                 fieldName(firstPathField + which)));
 }
 
 /// A path of another system can't be looked for on this one.
@@ -124,6 +188,31 @@ QString folderOf(const QString& path)
 {
     return kvGetDirName(path, '/');
 }
+
+constexpr Rule destFolder = {
+    "dest-folder",
+    Severity::Warning,
+    "paths",
+    "The folder of the destination does not exist, and the _init file does not make it.",
+    "Make the folder, or correct the name.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  /data/out/[host].dat;  "
+            "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    withExisting(
+        "/data/out/", 0,
+        oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+                "/data/out/[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"))};
+
+constexpr Rule destFolderLocal = {
+    "dest-folder-local",
+    Severity::Note,
+    "paths",
+    "The folder of the destination must be there on each machine; the _init file makes folders "
+    "below [cfgPath] only.",
+    "Make the folder on each machine, or write into [temp] itself.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[temp]/[cfgName]/out.dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [temp]/out.dat;  "
+            "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
 
 /// Says of each destination folder once that nothing makes it.
 class FolderRule
@@ -154,7 +243,7 @@ public:
         else if (!m_made.contains(folderOf(m_here.initName(line, dest))) &&
                  !m_options.environment.exists(folderOf(m_here.resolve(line, dest))))
             m_findings.add(
-                Rule::DestFolder, line, line.columnOf(DestPath),
+                destFolder, line, line.columnOf(DestPath),
                 fmt::format("the folder {} does not exist, and nothing makes it", quoted(folder)));
     }
 
@@ -164,7 +253,7 @@ private:
         if (folder == QLatin1String("[temp]/"))
             return;
         m_findings.add(
-            Rule::DestFolderLocal, line, line.columnOf(DestPath),
+            destFolderLocal, line, line.columnOf(DestPath),
             fmt::format("the folder {} must be there on each machine: the _init file does "
                         "not make it",
                         quoted(folder)));
@@ -178,6 +267,29 @@ private:
     QSet<QString> m_checked;
 };
 
+constexpr Rule noPaths = {"no-paths",
+                          Severity::Error,
+                          "paths",
+                          "Neither source nor destination names a file.",
+                          "Name a source, a destination or both.",
+                          oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+                                  "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+                          oneFile(plainTask)};
+
+void checkTask(const SeriesFacts& facts, const LineFact& line, NameExpander& names,
+               Findings& findings)
+{
+    if (line.fromMemory && line.toMemory)
+        findings.add(noPaths, line, line.columnOf(SourcePath),
+                     "neither source nor destination names a file: there is nothing to test");
+    for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath}) {
+        checkVariables(line, line.path(which), line.columnOf(which), findings);
+        checkRelative(line, which, findings);
+        checkPathLength(line, which, names, findings);
+    }
+    checkLogs(facts, line, findings);
+}
+
 } // namespace
 
 void checkPaths(const SeriesFacts& facts, const CheckOptions& options, Findings& findings)
@@ -189,16 +301,13 @@ void checkPaths(const SeriesFacts& facts, const CheckOptions& options, Findings&
             checkMarkerPath(facts, line, findings);
         if (!isTask(line))
             continue;
-        if (line.fromMemory && line.toMemory)
-            findings.add(Rule::NoPaths, line, line.columnOf(SourcePath),
-                         "neither source nor destination names a file: there is nothing to test");
-        for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath}) {
-            checkVariables(line, line.path(which), line.columnOf(which), findings);
-            checkRelative(line, which, findings);
-            checkExpandedLength(line, which, names, findings);
-        }
-        checkLogs(line, findings);
+        checkTask(facts, line, names, findings);
         folders.check(line);
     }
-    checkSources(facts, options, findings);
+}
+
+RuleList pathRules()
+{
+    return {&longPath,        &noPaths,      &emptyLog,   &logIsFolder,
+            &unknownVariable, &relativePath, &destFolder, &destFolderLocal};
 }

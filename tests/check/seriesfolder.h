@@ -1,6 +1,7 @@
 #pragma once
 
 #include "check/checker.h"
+#include "check/rules/catalogue.h"
 #include "configset/seriessaver.h"
 #include "shared/kvtext.h"
 #include "tests/support/files.h"
@@ -21,10 +22,8 @@ public:
     {
         if (!m_folder.isValid() || !QDir(m_root).mkdir("_wait"))
             qFatal("can't make a folder for the test");
-        m_options.environment.exists = [this](const QString& path) {
-            return m_existing.contains(path);
-        };
-        m_options.environment.room = [](const QString&) {
+        m_options.environment.look = [this](const QString& path) { return look(path); };
+        m_options.environment.space = [](const QString&) {
             return std::optional<DiskSpace>({1, qint64(1) << 60});
         };
     }
@@ -35,7 +34,7 @@ public:
     void put(const QString& name, const QByteArray& content) { test::put(m_root + name, content); }
 
     /// A file that rules find on the disk.
-    void setExisting(const QString& path) { m_existing.insert(path); }
+    void setExisting(const QString& path, qint64 size = 0) { m_existing.insert(path, size); }
 
     /// As the editor saves a list.
     void save(TaskList tasks, const char* baseName = "a")
@@ -59,7 +58,7 @@ public:
     {
         QStringList texts;
         for (const Finding& finding : findings(chosen)) {
-            const QString rule = infoOf(finding.rule).name;
+            const QString rule = finding.rule->name;
             if (rules.isEmpty() || rules.contains(rule))
                 texts += QStringLiteral("%1:%2:%3 %4")
                              .arg(QString(finding.path).remove(m_root))
@@ -74,7 +73,7 @@ public:
     QString text(const char* rule, const QString& chosen = "a.dpc") const
     {
         for (const Finding& finding : findings(chosen)) {
-            if (infoOf(finding.rule).name == QByteArray(rule))
+            if (finding.rule->name == QByteArray(rule))
                 return QString::fromStdString(finding.text);
         }
         return {};
@@ -88,9 +87,22 @@ public:
     }
 
 private:
+    PathStatus look(const QString& path) const
+    {
+        PathStatus status;
+        if (m_existing.contains(path)) {
+            const bool isFolder = path.endsWith('/');
+            status.kind = isFolder ? PathStatus::Kind::Folder : PathStatus::Kind::File;
+            status.isReadable = status.isWritable = true;
+            status.size = m_existing.value(path);
+            status.canonical = path;
+        }
+        return status;
+    }
+
     QTemporaryDir m_folder;
     QString m_root;
-    QSet<QString> m_existing;
+    QHash<QString, qint64> m_existing; ///< path and size
     CheckOptions m_options;
 };
 

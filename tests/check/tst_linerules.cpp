@@ -89,7 +89,7 @@ private slots:
     {
         m_series->put("a.dpc", goodLine());
         m_series->setExisting("/d/");
-        m_series->options().rulesOff = {Rule::InitMissing};
+        m_series->options().rulesOff = {ruleNamed("init-missing")};
         QCOMPARE(m_series->said(), QStringList());
     }
 

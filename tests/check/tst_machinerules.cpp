@@ -96,7 +96,7 @@ private slots:
 
     void fileSystemsAreCountedApart()
     {
-        m_series->options().environment.room = [](const QString& path) {
+        m_series->options().environment.space = [](const QString& path) {
             return std::optional<DiskSpace>({path.startsWith("/a/") ? 1U : 2U, mib});
         };
         QCOMPARE(m_series->hits("disk-space", goodLine({{11, "/a/x"}}) + goodLine({{11, "/b/x"}})),
@@ -105,23 +105,12 @@ private slots:
                  1);
     }
 
-    void realWorldKnowsItsRoom()
-    {
-        const Environment environment = realEnvironment();
-        const auto room = environment.room(m_series->root() + "none/none/x");
-        QVERIFY(room && room->free > 0);
-        QCOMPARE(room->fileSystem, environment.room(m_series->root())->fileSystem);
-        QVERIFY(!environment.room("none at all"));
-        QVERIFY(environment.exists(m_series->root()));
-        QVERIFY(!environment.exists(m_series->root() + "none"));
-    }
-
 private:
     static constexpr qint64 mib = 1024L * 1024;
 
     void setFree(qint64 bytes)
     {
-        m_series->options().environment.room = [bytes](const QString&) {
+        m_series->options().environment.space = [bytes](const QString&) {
             return std::optional<DiskSpace>({1, bytes});
         };
     }

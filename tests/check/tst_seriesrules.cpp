@@ -106,7 +106,7 @@ private slots:
                  (QStringList{"b.dpc.dpc:1:1 not-loaded", "x.y20.dpc:1:1 not-loaded",
                               "_wait/A.DPC:1:1 not-loaded"}));
         QVERIFY(m_series->text("not-loaded", "").endsWith("by its name it looks for 'b.dpc'"));
-        m_series->options().rulesOff = {Rule::NotLoaded};
+        m_series->options().rulesOff = {ruleNamed("not-loaded")};
         QCOMPARE(m_series->said({"not-loaded"}, ""), QStringList());
         for (const char* name : {"x.y20.dpc", "b.dpc.dpc", "_wait/A.DPC"})
             QVERIFY(QFile::remove(m_series->root() + name));

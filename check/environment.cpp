@@ -1,0 +1,94 @@
+#include "check/environment.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <cerrno>
+#include <cstring>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+namespace {
+
+PathStatus::Kind kindOf(mode_t mode)
+{
+    if (S_ISREG(mode))
+        return PathStatus::Kind::File;
+    return S_ISDIR(mode) ? PathStatus::Kind::Folder : PathStatus::Kind::Other;
+}
+
+std::string whyUnreadable(const PathStatus& status, mode_t mode)
+{
+    switch (status.kind) {
+    case PathStatus::Kind::Folder:
+        return "it is a folder";
+    case PathStatus::Kind::Other:
+        return S_ISFIFO(mode)   ? "it is a pipe"
+               : S_ISSOCK(mode) ? "it is a socket"
+                                : "it is a device";
+    default:
+        break;
+    }
+    return status.isReadable ? std::string() : "you have no right to read it";
+}
+
+/// Of a path that can't be followed to its end.
+PathStatus statusOfNothing(const QByteArray& path, int error)
+{
+    PathStatus status;
+    struct stat link = {};
+    if (::lstat(path.constData(), &link) == 0 && S_ISLNK(link.st_mode)) {
+        status.kind = PathStatus::Kind::DeadLink;
+        status.whyUnreadable = error == ELOOP ? "it is a link that leads back to itself"
+                                              : "it is a link that leads nowhere";
+    } else if (error == EACCES) {
+        status.whyUnreadable = "you have no right to look into its folder";
+    } else if (error == ENOENT || error == ENOTDIR) {
+        status.whyUnreadable = "it does not exist";
+    } else {
+        status.whyUnreadable = std::strerror(error); // NOLINT(concurrency-mt-unsafe): one thread
+    }
+    return status;
+}
+
+PathStatus look(const QString& path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    struct stat info = {};
+    if (::stat(name.constData(), &info) != 0)
+        return statusOfNothing(name, errno);
+    PathStatus status;
+    status.kind = kindOf(info.st_mode);
+    status.size = S_ISREG(info.st_mode) ? info.st_size : 0;
+    status.isReadable = ::access(name.constData(), R_OK) == 0;
+    status.isWritable = ::access(name.constData(), W_OK) == 0;
+    status.canonical = QFileInfo(path).canonicalFilePath();
+    status.whyUnreadable = whyUnreadable(status, info.st_mode);
+    return status;
+}
+
+/// Of the nearest folder above that exists.
+std::optional<DiskSpace> space(const QString& path)
+{
+    QByteArray place = QFile::encodeName(path);
+    struct stat status = {};
+    while (::stat(place.constData(), &status) != 0) {
+        const int separator = place.lastIndexOf('/');
+        if (separator < 0)
+            return std::nullopt;
+        place.truncate(separator == 0 && place.size() > 1 ? 1 : separator);
+    }
+    struct statvfs system = {};
+    if (::statvfs(place.constData(), &system) != 0)
+        return std::nullopt;
+    const auto free = static_cast<quint64>(system.f_bavail) * system.f_frsize;
+    return DiskSpace{status.st_dev, static_cast<qint64>(free)};
+}
+
+} // namespace
+
+Environment realEnvironment()
+{
+    return {look, space};
+}

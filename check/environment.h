@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+#include <optional>
+#include <string>
+
+/// What lies under a path. Links are followed.
+struct PathStatus
+{
+    /// What it is.
+    enum class Kind
+    {
+        Nothing,
+        File, ///< a regular file
+        Folder,
+        DeadLink, ///< a link that leads nowhere
+        Other     ///< a pipe, a device, a socket
+    };
+
+    Kind kind = Kind::Nothing;
+    qint64 size = 0;           ///< bytes of a file
+    bool isReadable = false;   ///< by this user
+    bool isWritable = false;   ///< by this user
+    QString canonical;         ///< without links and dots; empty if there is nothing
+    std::string whyUnreadable; ///< half a sentence, empty for a file that can be read
+
+    /// True if something is there that can be opened.
+    bool exists() const { return kind != Kind::Nothing && kind != Kind::DeadLink; }
+    /// True for a regular file.
+    bool isFile() const { return kind == Kind::File; }
+    /// True for a folder.
+    bool isFolder() const { return kind == Kind::Folder; }
+};
+
+/// Space on a file system.
+struct DiskSpace
+{
+    quint64 fileSystem = 0; ///< tells file systems apart
+    qint64 free = 0;        ///< bytes
+};
+
+/// What a check asks of the machine beyond the config files. It never writes, and never opens what
+/// could block.
+struct Environment
+{
+    std::function<PathStatus(const QString& path)> look;
+    /// Of the file system that a path would lie on; nothing if that can't be told.
+    std::function<std::optional<DiskSpace>(const QString& path)> space;
+
+    /// True if something is there that can be opened.
+    bool exists(const QString& path) const { return look(path).exists(); }
+};
+
+/// This machine.
+Environment realEnvironment();

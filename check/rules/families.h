@@ -1,0 +1,38 @@
+#pragma once
+
+#include "check/checkoptions.h"
+#include "check/findings.h"
+#include "check/seriesfacts.h"
+
+// The families of rules: a file each, with the rules and what checks them.
+
+RuleList lineRules();
+RuleList numberRules();
+RuleList pathRules();
+RuleList sourceRules();
+RuleList fileRules();
+RuleList markerRules();
+RuleList initRules();
+RuleList machineRules();
+
+/// True if the name has characters outside Latin-1; nothing else can be checked then.
+bool checkFolderLetters(const SeriesFacts& facts, Findings& findings);
+/// The rules about a line as text and its fields.
+void checkLines(const SeriesFacts& facts, Findings& findings);
+/// The rules about numbers and settings of tasks.
+void checkNumbers(const SeriesFacts& facts, Findings& findings);
+/// The rules about a path by itself: its variables, its form, its folder.
+void checkPaths(const SeriesFacts& facts, const CheckOptions& options, Findings& findings);
+/// The rules about who makes what a task reads.
+void checkSources(const SeriesFacts& facts, const CheckOptions& options, Findings& findings);
+/// The rules about which files there are, and which are read.
+void checkFiles(const SeriesFacts& facts, Findings& findings);
+/// The rules about the markers that lead from file to file.
+void checkMarkers(const SeriesFacts& facts, Findings& findings);
+/// The rules about the "_init" file.
+void checkInit(const SeriesFacts& facts, Findings& findings);
+/// The rules about what goes wrong only because several machines run the series.
+void checkMachines(const SeriesFacts& facts, const CheckOptions& options, Findings& findings);
+
+/// The config files of no series among those of a folder; paths as the user spells them.
+std::vector<Finding> checkNotLoaded(const QStringList& files, const CheckOptions& options);
