@@ -164,8 +164,8 @@ private slots:
     void fileCreationTakesAPathOfItsOwn()
     {
         // Each of these is cleared or set on the way.
-        for (Path TestTask::*member : {&TestTask::sourcePath, &TestTask::destPath,
-                                       &TestTask::logPath, &TestTask::csvPath}) {
+        for (Path TestTask::*member :
+             {&TestTask::sourcePath, &TestTask::destPath, &TestTask::logPath, &TestTask::csvPath}) {
             TestTask task;
             task.setDefaults();
             task.*member = Path("/x/own.dat");

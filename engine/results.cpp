@@ -1,0 +1,272 @@
+#include "engine/results.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QSet>
+
+#include <cstring>
+#include <fmt/format.h>
+
+namespace {
+
+/// The last line of a log is shorter than this; a log of a long run is not read whole.
+constexpr qint64 longestLogTail = 4096;
+
+bool reads(JobKind kind)
+{
+    return kind == JobKind::Read || kind == JobKind::Copy;
+}
+
+bool writes(JobKind kind)
+{
+    return kind != JobKind::Read;
+}
+
+/// Reports of one call, by machine and section.
+class Reports
+{
+public:
+    Reports(const FioOutput& output, const std::vector<FioHost>& hosts)
+        : m_hosts(hosts)
+    {
+        for (const FioHost& host : hosts) {
+            if (host.port == 0)
+                m_sockets.insert(host.name);
+        }
+        for (const SectionReport& report : output.sections)
+            m_reports[keyOf(report.host, report.port, report.name)].push_back(&report);
+    }
+
+    /// All of one section; a plan holds it once.
+    std::vector<const SectionReport*> of(int machine, const QByteArray& section) const
+    {
+        const FioHost& host = m_hosts[size_t(machine)];
+        return m_reports.value(keyOf(host.name, host.port, section));
+    }
+
+private:
+    QByteArray keyOf(const QString& host, int port, const QByteArray& section) const
+    {
+        // A local run has no host, and of a socket fio reports some port.
+        const QByteArray known = m_sockets.contains(host) ? QByteArray() : QByteArray::number(port);
+        return host.toUtf8() + '\n' + known + '\n' + section;
+    }
+
+    const std::vector<FioHost>& m_hosts;
+    QSet<QString> m_sockets; ///< names of hosts without a port
+    QHash<QByteArray, std::vector<const SectionReport*>> m_reports;
+};
+
+void add(std::optional<IoFigures>& sum, const IoFigures& part)
+{
+    if (!sum.has_value()) {
+        sum = part;
+        return;
+    }
+    // The first section has all chunks but the last one, so its percentiles stand for the job.
+    sum->bytes += part.bytes;
+    sum->ios += part.ios;
+    sum->ioNs += part.ioNs;
+    if (part.maxNs.has_value())
+        sum->maxNs = std::max(sum->maxNs.value_or(0), *part.maxNs);
+}
+
+/// Of both directions, one that has nothing to do counts as done.
+qint64 bytesOf(const PlanJob& job, const JobResult& result)
+{
+    const qint64 read = result.read.has_value() ? result.read->bytes : 0;
+    const qint64 written = result.write.has_value() ? result.write->bytes : 0;
+    return writes(job.kind) ? written : read;
+}
+
+std::string reasonOf(const PlanJob& job, const JobResult& result)
+{
+    if (result.error.value_or(0) != 0)
+        return fmt::format("error {}: {}", *result.error, std::strerror(*result.error));
+    if (!result.hasBegun())
+        return "did not begin: its file was not as planned, or fio ended before";
+    const qint64 done = *result.doneBytes;
+    if (reads(job.kind) && result.read->bytes != job.bytes)
+        return fmt::format("read {} of {} bytes", result.read->bytes, job.bytes);
+    if (done != job.bytes)
+        return fmt::format("wrote {} of {} bytes", done, job.bytes);
+    return {};
+}
+
+void addSection(const PlanJob& job, const SectionReport& report, JobResult& result)
+{
+    if (reads(job.kind))
+        add(result.read, report.read);
+    if (writes(job.kind))
+        add(result.write, report.write);
+    if (result.error.value_or(0) == 0)
+        result.error = report.error;
+    result.runtimeMs = result.runtimeMs.value_or(0) + report.runtimeMs;
+    if (report.syncs > 0) {
+        result.syncs = result.syncs.value_or(0) + report.syncs;
+        result.syncNs = result.syncNs.value_or(0) + qint64(report.syncNs);
+    }
+}
+
+void addLogs(const PlanJob& job, const FioHost& host, const FioLogs& logs, JobResult& result)
+{
+    for (const PlanSection& section : job.sections) {
+        for (const QString& file : logs.bandwidth(section.name, host.name))
+            result.bandwidthLogs.push_back(file);
+    }
+    if (result.startMs.has_value() || !result.runtimeMs.has_value())
+        return;
+    // Figures of a section that broke off may not go with its log.
+    const std::optional<qint64> end = logs.lastMoment(job.sections.back().name, host.name);
+    if (end.has_value() && *end >= *result.runtimeMs)
+        result.startMs = *end - *result.runtimeMs;
+}
+
+JobResult resultOf(const PlanJob& job, const Reports& reports, const FioHost& host,
+                   const FioLogs& logs)
+{
+    JobResult result;
+    for (const PlanSection& section : job.sections) {
+        const std::vector<const SectionReport*> found = reports.of(job.machine, section.name);
+        if (found.size() != 1)
+            return notRun(found.empty() ? "fio did not report it" : "fio reported it twice");
+        addSection(job, *found.front(), result);
+        if (&section == &job.sections.front())
+            result.startMs = found.front()->startMs;
+    }
+    result.doneBytes = bytesOf(job, result);
+    const double latencies = (result.read.has_value() ? result.read->ioNs : 0)
+                             + (result.write.has_value() ? result.write->ioNs : 0);
+    result.ioNs = qint64(latencies) + result.syncNs.value_or(0);
+    result.reason = reasonOf(job, result);
+    result.isGood = result.reason.empty();
+    if (result.hasBegun())
+        addLogs(job, host, logs, result);
+    else
+        result.runtimeMs = result.ioNs = result.startMs = std::nullopt;
+    return result;
+}
+
+} // namespace
+
+bool JobResult::hasBegun() const
+{
+    const auto moved = [](const std::optional<IoFigures>& figures) {
+        return figures.has_value() && figures->ios > 0;
+    };
+    return moved(read) || moved(write);
+}
+
+std::optional<qint64> JobResult::endMs() const
+{
+    if (!startMs.has_value() || !runtimeMs.has_value())
+        return std::nullopt;
+    return *startMs + *runtimeMs;
+}
+
+std::optional<double> JobResult::rate() const
+{
+    constexpr double msPerSecond = 1e3;
+    if (!doneBytes.has_value() || runtimeMs.value_or(0) == 0)
+        return std::nullopt;
+    return double(*doneBytes) * msPerSecond / double(*runtimeMs);
+}
+
+std::optional<double> JobResult::ioRate() const
+{
+    constexpr double nsPerSecond = 1e9;
+    if (!doneBytes.has_value() || ioNs.value_or(0) == 0)
+        return std::nullopt;
+    return double(*doneBytes) * nsPerSecond / double(*ioNs);
+}
+
+const char* stageStateName(StageState state)
+{
+    switch (state) {
+    case StageState::NotRun:
+        return "notRun";
+    case StageState::Complete:
+        return "complete";
+    case StageState::Incomplete:
+        return "incomplete";
+    case StageState::Interrupted:
+        break;
+    }
+    return "interrupted";
+}
+
+FioLogs::FioLogs(const QString& folder, const QString& prefix)
+    : m_folder(folder)
+    , m_prefix(prefix)
+{
+    // SECTION_KIND.NUMBER.log, and with servers the host behind it.
+    static const QRegularExpression form(
+        QStringLiteral("^([a-z0-9-]+)_(bw|lat)\\.[0-9]+\\.log(?:\\.(.+))?$"));
+    const QStringList names = QDir(folder).entryList(QDir::Files, QDir::Name);
+    for (const QString& name : names) {
+        const QRegularExpressionMatch match = form.match(name);
+        if (match.hasMatch())
+            m_files.insert(keyOf(match.captured(1).toLatin1(), match.captured(2).toLatin1(),
+                                 match.captured(3)),
+                           name);
+    }
+}
+
+FioLogs::Key FioLogs::keyOf(const QByteArray& section, const QByteArray& kind, const QString& host)
+{
+    return section + '\n' + kind + '\n' + host.toUtf8();
+}
+
+std::vector<QString> FioLogs::bandwidth(const QByteArray& section, const QString& host) const
+{
+    const QString name = m_files.value(keyOf(section, "bw", host));
+    if (name.isEmpty())
+        return {};
+    return {m_prefix + name};
+}
+
+std::optional<qint64> FioLogs::lastMoment(const QByteArray& section, const QString& host) const
+{
+    const QString name = m_files.value(keyOf(section, "lat", host));
+    QFile file(m_folder + QLatin1Char('/') + name);
+    if (name.isEmpty() || !file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    file.seek(std::max<qint64>(0, file.size() - longestLogTail));
+    const QList<QByteArray> lines = file.readAll().trimmed().split('\n');
+    bool isNumber = false;
+    const qint64 moment = lines.last().split(',').first().toLongLong(&isNumber);
+    return isNumber && moment > 0 ? std::optional<qint64>(moment) : std::nullopt;
+}
+
+JobRange jobsOf(const Plan& plan, size_t stage)
+{
+    const auto isBefore = [](const PlanJob& job, size_t wanted) {
+        return size_t(job.stage) < wanted;
+    };
+    const auto first = std::lower_bound(plan.jobs.begin(), plan.jobs.end(), stage, isBefore);
+    const auto last = std::lower_bound(first, plan.jobs.end(), stage + 1, isBefore);
+    return {size_t(first - plan.jobs.begin()), size_t(last - plan.jobs.begin())};
+}
+
+JobResult notRun(std::string reason)
+{
+    JobResult result;
+    result.reason = std::move(reason);
+    return result;
+}
+
+std::vector<JobResult> accountStage(const Plan& plan, size_t stage,
+                                    const std::vector<FioHost>& hosts, const FioOutput& output,
+                                    const FioLogs& logs)
+{
+    const Reports reports(output, hosts);
+    const JobRange range = jobsOf(plan, stage);
+    std::vector<JobResult> results;
+    results.reserve(range.end - range.begin);
+    for (size_t i = range.begin; i < range.end; ++i) {
+        const PlanJob& job = plan.jobs[i];
+        results.push_back(resultOf(job, reports, hosts[size_t(job.machine)], logs));
+    }
+    return results;
+}
