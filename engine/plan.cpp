@@ -1,5 +1,7 @@
 #include "engine/plan.h"
 
+#include "engine/names.h"
+
 const char* jobKindName(JobKind kind)
 {
     switch (kind) {
@@ -30,4 +32,9 @@ const char* fileStateName(FileState state)
         break;
     }
     return "read-writable";
+}
+
+QByteArray machineKey(const Plan& plan, int machine)
+{
+    return QByteArray::number(machine + 1) + '-' + plainWord(plan.machines[size_t(machine)].name);
 }

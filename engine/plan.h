@@ -105,11 +105,13 @@ struct PlanJob
 /// What one machine runs in one stage.
 struct PlanJobFile
 {
-    int machine = 0;   ///< index in Plan::machines
-    QByteArray file;   ///< relative to the folder of the export
-    QString logFolder; ///< made by the job file on a machine behind a server; empty: not needed
-    int sections = 0;  ///< that fio runs, those that only prepare included
-    qint64 idleMs = 0; ///< what fio idles between them
+    int machine = 0;     ///< index in Plan::machines
+    QByteArray file;     ///< relative to the folder of the export
+    size_t firstJob = 0; ///< index in Plan::jobs
+    size_t endJob = 0;   ///< one after its last
+    QString
+        logFolder;    ///< new, made by the job file on a machine behind a server; empty: not needed
+    int sections = 0; ///< that fio runs, those that only prepare included
 };
 
 /// One config file. A marker ends it, and is a barrier.
@@ -118,9 +120,7 @@ struct PlanStage
     QString configFile;             ///< where it is when it runs: outside "_wait"
     QString shownFile;              ///< as the user spells its folder
     bool isInit = false;            ///< makes the sources of the _init file
-    std::vector<PlanJobFile> files; ///< of those machines that have jobs
-    size_t firstJob = 0;            ///< index in Plan::jobs
-    size_t endJob = 0;              ///< one after its last
+    std::vector<PlanJobFile> files; ///< of those machines that have jobs; never empty
 };
 
 /// The whole run. Jobs lie stage by stage, in a stage machine by machine, and run in this order on
@@ -131,6 +131,7 @@ struct Plan
     QString date;   ///< "[date]", one moment for all
     QString id;     ///< of this plan, 12 hexadecimal digits: names the folders on other machines
     std::vector<std::string> info; ///< lines of the info text
+    bool startAtMinute = false;    ///< each stage begins at the next full minute of the clock
     std::vector<PlanMachine> machines;
     std::vector<PlanStage> stages;
     std::vector<PlanJob> jobs;
@@ -138,6 +139,9 @@ struct Plan
     /// Without servers: one machine, this one.
     bool isLocal() const { return machines.size() == 1 && machines.front().address.isEmpty(); }
 };
+
+/// Of a machine in names of files and folders: "2-pc01" for the second.
+QByteArray machineKey(const Plan& plan, int machine);
 
 // Names in the folder of an export.
 constexpr const char* planFileName = "plan.json";

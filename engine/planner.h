@@ -1,5 +1,6 @@
 #pragma once
 
+#include "check/environment.h"
 #include "check/finding.h"
 #include "check/seriesfacts.h"
 #include "engine/plan.h"
@@ -7,27 +8,18 @@
 #include <functional>
 #include <optional>
 
-/// What a plan asks of this machine. It never writes.
-struct PlanEnvironment
-{
-    /// Size of a regular file, links followed; nothing if it is not there, or something else.
-    std::function<std::optional<qint64>(const QString& path)> fileSize;
-    /// True for a device, a FIFO, a socket or a folder.
-    std::function<bool(const QString& path)> isSpecial;
-};
-
-/// This machine.
-PlanEnvironment realPlanEnvironment();
-
 /// What the user asks of a plan.
 struct PlanOptions
 {
     std::vector<PlanMachine> machines; ///< none: this one, without a server
     QString date;                      ///< what "[date]" stands for; empty: now
-    bool startAtMinute = false;        ///< each stage begins at the next full minute of the clock
+    bool startAtMinute = false;        ///< each machine waits for the next full minute of its clock
+                                       ///< before each stage. Whoever runs the stage must not start
+                                       ///< it late in a minute, for the machines read their clocks
+                                       ///< one after the other
     /// True for a file of an earlier run that may be written again.
     std::function<bool(const QString& machine, const QString& path)> mayOverwrite;
-    PlanEnvironment environment = realPlanEnvironment();
+    Environment environment = realEnvironment(); ///< this machine
 };
 
 /// What came of planning.
