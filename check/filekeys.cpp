@@ -1,0 +1,164 @@
+#include "check/filekeys.h"
+
+#include "shared/kvpath.h"
+
+#include <utility>
+
+namespace {
+
+bool isSeparator(char c)
+{
+    return c == '/' || c == '\\';
+}
+
+bool isAsciiLetter(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+QByteArray resolved(const QByteArray& path)
+{
+    // Most paths have nothing to resolve.
+    if (!path.contains("//") && !path.contains("/."))
+        return path;
+    _kvString8_allSize<500> text;
+    text.add(path.constData(), path.size());
+    const auto result = kvPathResolve(text);
+    return {result.text, result.length};
+}
+
+/// Windows ignores dots and blanks at the end of each name.
+QByteArray withoutIgnoredEnds(const QByteArray& path)
+{
+    QByteArray result;
+    for (const char c : path) {
+        while (c == '/' && (result.endsWith(' ') || (result.endsWith('.') && result != ".")))
+            result.chop(1);
+        result += c;
+    }
+    while (result.endsWith(' ') || result.endsWith('.'))
+        result.chop(1);
+    return result;
+}
+
+QByteArray lowered(const QByteArray& latin1)
+{
+    return QString::fromLatin1(latin1).toLower().toLatin1();
+}
+
+QByteArray withSlashes(QByteArray path)
+{
+    return path.replace('\\', '/');
+}
+
+QString toQString(const QByteArray& path)
+{
+    return QString::fromLatin1(path);
+}
+
+/// Keys are UTF-8: a link may lead to a name outside Latin-1.
+QByteArray toKey(const QByteArray& latin1)
+{
+    return toQString(latin1).toUtf8();
+}
+
+/// Where the last name begins.
+int nameStart(const QByteArray& path)
+{
+    return path.lastIndexOf('/') + 1;
+}
+
+QByteArray joined(const QByteArray& folder, const QByteArray& name)
+{
+    return folder.endsWith('/') ? folder + name : folder + '/' + name;
+}
+
+} // namespace
+
+bool isSharePath(const QByteArray& path)
+{
+    return path.size() > 2 && isSeparator(path[0]) && path[1] == path[0] && !isSeparator(path[2]);
+}
+
+bool isForeignPath(const QByteArray& path)
+{
+    const bool hasDrive = path.size() > 1 && isAsciiLetter(path[0]) && path[1] == ':';
+    return path.startsWith('\\') || hasDrive || isSharePath(path);
+}
+
+QByteArray foldedPath(const QByteArray& path)
+{
+    QByteArray folded = withSlashes(path);
+    // The prefixes by which Windows switches its own rules for paths off.
+    if (folded.startsWith("//?/") || folded.startsWith("//./"))
+        folded.remove(0, 4);
+    if (folded.left(4).toLower() == "unc/")
+        folded.replace(0, 4, "//");
+    // Without a drive, it is the root of the one that is in use there.
+    if (folded.startsWith('/') && !isSharePath(folded))
+        folded.prepend(':');
+    return lowered(withoutIgnoredEnds(resolved(folded)));
+}
+
+KeyedPath FileKeys::find(const QByteArray& path, bool isHere)
+{
+    KeyedPath found;
+    found.isSeen = isHere && !isForeignPath(path);
+    QByteArray text = isForeignPath(path) ? foldedPath(path) : path;
+    // On Linux a "\" may be part of a name; on Windows it never is.
+    if (text.contains('\\') && !(found.isSeen && m_environment.exists(toQString(text))))
+        text = resolved(withSlashes(text));
+    const char last = path.isEmpty() ? '\0' : path[path.size() - 1];
+    const QByteArray lastName = text.mid(nameStart(text));
+    found.namesFolder = isSeparator(last) || lastName == "." || lastName == "..";
+    while (text.size() > 1 && text.endsWith('/'))
+        text.chop(1);
+
+    const int start = nameStart(text);
+    found.folder = folderAt(text.left(start > 1 ? start - 1 : start), found.isSeen);
+    const KeyedFolder& folder = m_folders[size_t(found.folder)];
+    found.key = joined(folder.key, toKey(text.mid(start)));
+    if (!found.isSeen || folder.kind != PathStatus::Kind::Folder)
+        return found;
+    const PathStatus status = m_environment.look(toQString(text));
+    found.kind = status.kind;
+    found.size = status.size;
+    if (!status.canonical.isEmpty())
+        found.key = status.canonical.toUtf8();
+    return found;
+}
+
+int FileKeys::folderAt(const QByteArray& path, bool isSeen)
+{
+    // What lies elsewhere has no spelling in common with what this system sees.
+    const QByteArray spelling = isSeen ? path : '\n' + path;
+    const auto known = m_folderOfPath.constFind(spelling);
+    if (known != m_folderOfPath.cend())
+        return *known;
+    KeyedFolder folder = lookAtFolder(path, isSeen);
+    m_folders.push_back(std::move(folder));
+    return *m_folderOfPath.insert(spelling, int(m_folders.size()) - 1);
+}
+
+KeyedFolder FileKeys::lookAtFolder(const QByteArray& path, bool isSeen)
+{
+    KeyedFolder folder;
+    folder.isSeen = isSeen;
+    folder.shownPath = path;
+    folder.key = toKey(path);
+    if (isSeen) {
+        const PathStatus status = m_environment.look(toQString(path));
+        folder.kind = status.kind;
+        if (!status.canonical.isEmpty()) {
+            folder.key = status.canonical.toUtf8();
+            return folder;
+        }
+    }
+    const int start = nameStart(path);
+    const bool hasParent = start > (isSharePath(path) ? 2 : 1) && !path.endsWith('/');
+    if (hasParent) {
+        folder.parent = folderAt(path.left(start - 1), isSeen);
+        folder.key = joined(m_folders[size_t(folder.parent)].key, toKey(path.mid(start)));
+    }
+    return folder;
+}

@@ -1,0 +1,260 @@
+#include "check/fileuses.h"
+
+#include "shared/kvpath.h"
+#include "shared/kvtext.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr char hostVariable[] = "[host]";
+constexpr char dateVariable[] = "[date]";
+constexpr char tempVariable[] = "[temp]";
+constexpr char configPathVariable[] = "[cfgPath]";
+
+/// Names that hold "[host]" are looked at for as many machines as this allows, at least two.
+constexpr long long mostNamesByHost = 300000;
+
+QByteArray latin1(const _kvString<500>& text)
+{
+    return kvToQString(text).toLatin1();
+}
+
+bool isRelative(const QByteArray& path)
+{
+    _kvString8_allSize<500> text;
+    text.add(path.constData(), path.size());
+    return isRelativePath(text);
+}
+
+QByteArray resolved(const QByteArray& path)
+{
+    _kvString8_allSize<500> text;
+    text.add(path.constData(), path.size());
+    const auto result = kvPathResolve(text);
+    return {result.text, result.length};
+}
+
+/// "[cfgPath]/x" and "[cfgPath]x" are the same: the folder ends in "/".
+void replaceConfigPath(QByteArray& path, const QByteArray& folder)
+{
+    if (!path.contains(configPathVariable))
+        return;
+    path.replace(QByteArray(configPathVariable) + '/', folder);
+    path.replace(configPathVariable, folder);
+}
+
+bool isDigit(char c)
+{
+    return kvIsDigit(static_cast<unsigned char>(c));
+}
+
+} // namespace
+
+FileUses::FileUses(const SeriesFacts& facts, const QStringList& hosts,
+                   const Environment& environment, const MachineValues& here)
+    : m_facts(facts)
+    , m_here(here)
+    , m_expander(facts, noMachine())
+    , m_keys(environment)
+    , m_runFolder(facts.runFolder.toLatin1())
+    , m_temp(here.tempFolder->text, here.tempFolder->length)
+{
+    takeMachines(hosts);
+    const int folder = m_keys.find(m_runFolder + '.', true).folder;
+    m_runFolderKey = m_keys.folders()[size_t(folder)].key;
+    if (!m_runFolderKey.endsWith('/'))
+        m_runFolderKey += '/';
+    m_lineUses.resize(facts.lines.size());
+    for (size_t line = 0; line < facts.lines.size(); ++line) {
+        LineUses& uses = m_lineUses[line];
+        for (const TaskPath role : {SourcePath, DestPath, LogPath, CsvPath}) {
+            uses[role] = int(m_uses.size());
+            if (isTask(facts.lines[line]))
+                addUses(int(line), role);
+        }
+        uses[taskPathCount] = int(m_uses.size());
+    }
+    limitMachines();
+    placeNames();
+    addInit();
+}
+
+void FileUses::takeMachines(const QStringList& hosts)
+{
+    m_areMachinesGiven = !hosts.isEmpty();
+    for (const QString& host : hosts)
+        m_machines.push_back({host, latin1(computerNameFrom(host.toLatin1().constData()))});
+    const QByteArray own = latin1(*m_here.computerName);
+    if (hosts.isEmpty())
+        m_machines.push_back({QString::fromLatin1(own), own});
+    m_isThisMachine = m_machines.size() == 1 && m_machines.front().name == own;
+}
+
+void FileUses::addUses(int line, TaskPath role)
+{
+    const LineFact& fact = m_facts.lines[size_t(line)];
+    const QByteArray path = fact.path(role);
+    if (path.isEmpty())
+        return;
+    const int iterations = std::min(iterationsOf(fact, path), m_facts.iterationLimit);
+    for (int iteration = 0; iteration < iterations; ++iteration) {
+        const int name = nameFor(fact, path, iteration);
+        int& firstUse = m_names[size_t(name)].firstUse[role];
+        if (firstUse < 0)
+            firstUse = int(m_uses.size());
+        m_uses.push_back({line, role, iteration, name});
+    }
+}
+
+int FileUses::nameFor(const LineFact& line, const QByteArray& path, int iteration)
+{
+    UsedName name;
+    const QByteArray full = isRelative(path) ? configPathVariable + path : path;
+    name.text = m_expander.initName(line, full, iteration).toLatin1();
+    // What is cut differs from machine to machine, and ".." can't be followed past a variable.
+    name.mustExpandAnew = path.contains("..") ||
+                          full.size() + full.count('[') * m_expander.longestValue() >= longestPath;
+    const QByteArray key = name.mustExpandAnew
+                               ? name.text + '\n' + QByteArray::number(qulonglong(m_uses.size()))
+                               : name.text;
+    const auto known = m_nameOfText.constFind(key);
+    if (known != m_nameOfText.cend())
+        return *known;
+    const QByteArray& telling = name.mustExpandAnew ? path : name.text;
+    name.byHost = telling.contains(hostVariable);
+    name.byDate = telling.contains(dateVariable);
+    name.byTemp = telling.contains(tempVariable);
+    m_names.push_back(name);
+    return *m_nameOfText.insert(key, int(m_names.size()) - 1);
+}
+
+void FileUses::limitMachines()
+{
+    const long long names = std::count_if(m_names.begin(), m_names.end(),
+                                          [](const UsedName& name) { return name.byHost; });
+    const long long most = std::max(mostNamesByHost / std::max(names, 1LL), 2LL);
+    if (static_cast<long long>(m_machines.size()) > most)
+        m_machines.resize(size_t(most));
+}
+
+const FileUse& FileUses::firstUseOf(const UsedName& name) const
+{
+    int first = INT32_MAX;
+    for (const int use : name.firstUse)
+        first = use < 0 ? first : std::min(first, use);
+    return m_uses[size_t(first)];
+}
+
+QByteArray FileUses::pathOn(const FileUse& use, int machine) const
+{
+    const UsedName& name = nameOf(use);
+    const Machine& on = m_machines[size_t(std::max(machine, 0))];
+    if (name.mustExpandAnew) {
+        MachineValues values = m_here;
+        values.computerName = _kvString<500>(on.name.constData());
+        values.date = dateVariable;
+        const LineFact& line = m_facts.lines[size_t(use.line)];
+        return NameExpander(m_facts, values)
+            .resolve(line, line.path(use.role), use.iteration)
+            .toLatin1();
+    }
+    QByteArray path = name.text;
+    if (name.byHost)
+        path.replace(hostVariable, on.name);
+    replaceConfigPath(path, m_runFolder);
+    if (name.byTemp)
+        path.replace(tempVariable, m_temp);
+    return path.contains("//") ? resolved(path) : path;
+}
+
+void FileUses::placeNames()
+{
+    for (size_t i = 0; i < m_names.size(); ++i) {
+        UsedName& name = m_names[i];
+        name.firstPlace = int(m_places.size());
+        const FileUse& use = firstUseOf(name);
+        const int machines = name.byHost ? int(m_machines.size()) : 1;
+        for (int machine = 0; machine < machines; ++machine) {
+            const int place = fileAt(pathOn(use, machine), !name.byTemp || m_isThisMachine);
+            m_places.push_back(place);
+            UsedFile& file = m_files[size_t(place)];
+            file.isLocal = file.isLocal || name.byTemp;
+            file.isShared = file.isShared || name.text.contains(configPathVariable);
+            file.ways.push_back({int(i), name.byHost ? machine : allMachines});
+        }
+    }
+}
+
+int FileUses::fileAt(const QByteArray& path, bool isHere)
+{
+    KeyedPath keyed = m_keys.find(path, isHere);
+    const auto known = m_fileOfKey.constFind(keyed.key);
+    if (known != m_fileOfKey.cend())
+        return *known;
+    UsedFile file;
+    file.isOwn = isOwnFile(keyed);
+    file.isShared = isSharePath(path) || keyed.key.startsWith(m_runFolderKey);
+    file.path = std::move(keyed);
+    m_files.push_back(std::move(file));
+    return *m_fileOfKey.insert(m_files.back().path.key, int(m_files.size()) - 1);
+}
+
+/// By the name and the folder: the files come and go while the series runs.
+bool FileUses::isOwnFile(const KeyedPath& path) const
+{
+    const int start = path.key.lastIndexOf('/') + 1;
+    const QByteArray folder = path.key.left(start);
+    if (folder != m_runFolderKey && folder != m_runFolderKey + waitFolder().toUtf8())
+        return false;
+    const QByteArray name = path.key.mid(start);
+    const QByteArray base = m_facts.name.baseName.toUtf8();
+    if (!name.startsWith(base) || !name.endsWith(".dpc"))
+        return false;
+    const QByteArray number = name.mid(base.size(), name.size() - base.size() - 4);
+    return number == "_init" || std::all_of(number.begin(), number.end(), isDigit);
+}
+
+void FileUses::addInit()
+{
+    for (auto it = m_facts.init.cbegin(); it != m_facts.init.cend(); ++it)
+        m_init.push_back({it.key(), it.value(), 0});
+    std::sort(m_init.begin(), m_init.end(),
+              [](const InitUse& a, const InitUse& b) { return a.entry.line < b.entry.line; });
+    NameExpander expander(m_facts, m_here);
+    LineFact line;
+    line.file = m_facts.initFile;
+    for (size_t i = 0; i < m_init.size(); ++i) {
+        InitUse& use = m_init[i];
+        QByteArray path = use.name;
+        replaceConfigPath(path, m_runFolder);
+        // What a save writes holds no other variable.
+        if (use.name.count('[') != (use.name.startsWith(configPathVariable) ? 1 : 0) ||
+            path.contains("..") || isRelative(path))
+            path = expander.resolve(line, use.name).toLatin1();
+        use.file = fileAt(path.contains("//") ? resolved(path) : path, true);
+        UsedFile& file = m_files[size_t(use.file)];
+        if (file.init < 0 || (use.entry.isActive && !m_init[size_t(file.init)].entry.isActive))
+            file.init = int(i);
+    }
+}
+
+int FileUses::useCount(int line, TaskPath role) const
+{
+    const LineUses& uses = m_lineUses[size_t(line)];
+    return uses[size_t(role) + 1] - uses[role];
+}
+
+const FileUse& FileUses::use(int line, TaskPath role, int iteration) const
+{
+    const int last = useCount(line, role) - 1;
+    const int place = m_lineUses[size_t(line)][role] + std::min(iteration, last);
+    return m_uses[size_t(place)];
+}
+
+int FileUses::fileOf(const FileUse& use, int machine) const
+{
+    const UsedName& name = nameOf(use);
+    const int place = name.firstPlace + (name.byHost ? std::max(machine, 0) : 0);
+    return m_places[size_t(place)];
+}
