@@ -9,24 +9,6 @@
 
 namespace {
 
-constexpr size_t pageWidth = 80;
-
-/// Words in lines of at most 80 characters, each after an indent.
-std::string wrapped(const std::string& text, const std::string& indent)
-{
-    std::istringstream words(text);
-    std::string result;
-    std::string line = indent;
-    for (std::string word; words >> word;) {
-        if (line.size() > indent.size() && line.size() + 1 + word.size() > pageWidth) {
-            result += line + '\n';
-            line = indent;
-        }
-        line += (line.size() > indent.size() ? " " : "") + word;
-    }
-    return result + line + '\n';
-}
-
 /// Paragraphs, and lines that are shown as they are.
 std::string paragraphs(const std::string& text)
 {
@@ -64,6 +46,21 @@ std::string statusText(const char* success, const char* findings)
 }
 
 } // namespace
+
+std::string wrapped(const std::string& text, const std::string& indent, size_t width)
+{
+    std::istringstream words(text);
+    std::string result;
+    std::string line = indent;
+    for (std::string word; words >> word;) {
+        if (line.size() > indent.size() && line.size() + 1 + word.size() > width) {
+            result += line + '\n';
+            line = indent;
+        }
+        line += (line.size() > indent.size() ? " " : "") + word;
+    }
+    return result + line + '\n';
+}
 
 std::vector<std::string> synopsisOf(const Command& command)
 {

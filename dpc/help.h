@@ -30,6 +30,9 @@ std::string helpFor(const Command& command);
 /// How a subcommand is typed, one line for each form: "dpc check [OPTIONS] PATH...".
 std::vector<std::string> synopsisOf(const Command& command);
 
+/// Words in lines of at most so many characters, each after an indent, each with a line end.
+std::string wrapped(const std::string& text, const std::string& indent, size_t width = 80);
+
 /// What follows an option: "" for a flag, else its value: "FORMAT:{text,json}".
 std::string valueText(const Option& option);
 

@@ -1,36 +1,42 @@
 # Completion of dpc(1) for bash.
+# Made from the options of the program, see CONTRIBUTING.md; not to be edited.
+_dpc_rules() {
+    local prefix=
+    [[ $cur == *,* ]] && prefix=${cur%,*},
+    COMPREPLY=($(compgen -P "$prefix" -W "$(dpc check --list-rules 2>/dev/null |
+        sed -n 's/^\([^ ]\+\) (.*/\1/p')" -- "${cur##*,}"))
+}
+
 _dpc() {
-    local cur prev words cword split command='' word options='--help -h'
+    local cur prev words cword split command='' word options='--help -h' operand=:
     _init_completion -s || return
 
     for word in "${words[@]:1:cword-1}"; do
         [[ $word == @(check|show|diff|roundtrip) ]] && { command=$word; break; }
     done
-    case $prev in
-        --format)
-            options='text json'
-            [[ $command == show ]] && options+=' csv'
-            COMPREPLY=($(compgen -W "$options" -- "$cur"))
-            return ;;
-        --hosts-file) _filedir; return ;;
-        --host) _known_hosts_real -- "$cur"; return ;;
-        --no-rule)
-            options=$(dpc check --list-rules 2>/dev/null | sed -n 's/^\([^ ]\+\) (.*/\1/p')
-            COMPREPLY=($(compgen -W "$options" -- "$cur"))
-            return ;;
-        --hosts | --date | --iteration) return ;;
+    case $command:$prev in
+        check:--format) COMPREPLY=($(compgen -W 'text json' -- "$cur")); return ;;
+        check:--no-rule) _dpc_rules; return ;;
+        check:--hosts) _known_hosts_real -- "$cur"; return ;;
+        check:--hosts-file) _filedir; return ;;
+        show:--format) COMPREPLY=($(compgen -W 'text csv json' -- "$cur")); return ;;
+        show:--host) _known_hosts_real -- "$cur"; return ;;
+        show:--date) :; return ;;
+        show:--iteration) :; return ;;
     esac
     $split && return
     case $command in
         '') COMPREPLY=($(compgen -W "check show diff roundtrip $options --version" -- "$cur"))
             return ;;
-        check) options+=' --format --quiet -q --werror --no-rule --hosts --hosts-file --list-rules' ;;
-        show) options+=' --format --expand --host --date --iteration' ;;
+        check) options+=' --format -q --quiet --no-rule --werror --hosts --hosts-file --list-rules' operand='_filedir dpc' ;;
+        show) options+=' --format --expand --host --date --iteration' operand='_filedir dpc' ;;
+        diff) options+='' operand='_filedir dpc' ;;
+        roundtrip) options+='' operand='_filedir dpc' ;;
     esac
     if [[ $cur == -* ]]; then
         COMPREPLY=($(compgen -W "$options" -- "$cur"))
     else
-        _filedir dpc
+        $operand
     fi
 } &&
     complete -F _dpc dpc

@@ -1,27 +1,32 @@
 # Completion of dpc(1) for fish.
+# Made from the options of the program, see CONTRIBUTING.md; not to be edited.
 set -l commands check show diff roundtrip
 set -l none "not __fish_seen_subcommand_from $commands"
-set -l check '__fish_seen_subcommand_from check'
-set -l show '__fish_seen_subcommand_from show'
 
 complete -c dpc -f
-complete -c dpc -s h -l help -d 'Describe what dpc can do'
-complete -c dpc -n $none -l version -d 'Print the version'
-complete -c dpc -n $none -a check -d 'Report what is wrong'
-complete -c dpc -n $none -a show -d 'Print as a table'
-complete -c dpc -n $none -a diff -d 'Compare two series'
-complete -c dpc -n $none -a roundtrip -d 'Say what load and save would change'
+complete -c dpc -s h -l help -d 'print this page, and end'
+complete -c dpc -n $none -l version -d 'print the version, and end'
+complete -c dpc -n $none -a check -d 'report every mistake in a series, before machines run it'
+complete -c dpc -n $none -a show -d 'show a series as the editor\'s table shows it'
+complete -c dpc -n $none -a diff -d 'compare two series by task and field'
+complete -c dpc -n $none -a roundtrip -d 'tell what a load and a save in the editor would change'
 
-complete -c dpc -n "__fish_seen_subcommand_from $commands" -k -a '(__fish_complete_suffix .dpc)'
-complete -c dpc -n $check -l format -x -a 'text json' -d 'How to print'
-complete -c dpc -n $check -s q -l quiet -d 'Print nothing'
-complete -c dpc -n $check -l list-rules -d 'Print all rules'
-complete -c dpc -n $check -l werror -d 'Count warnings as errors'
-complete -c dpc -n $check -l no-rule -x -a '(dpc check --list-rules 2>/dev/null | string match -rg "^([^ ]+) \(")' -d 'Leave out findings of a rule'
-complete -c dpc -n $check -l hosts -x -d 'Names of the machines, separated by commas'
-complete -c dpc -n $check -l hosts-file -r -F -d 'File with names of the machines'
-complete -c dpc -n $show -l format -x -a 'text csv json' -d 'How to print'
-complete -c dpc -n $show -l expand -d 'Replace variables'
-complete -c dpc -n $show -l host -x -a '(__fish_print_hostnames)' -d 'Name of the machine'
-complete -c dpc -n $show -l date -x -d 'Date and time'
-complete -c dpc -n $show -l iteration -x -d 'Number of the iteration'
+complete -c dpc -n '__fish_seen_subcommand_from check' -x -k -a '(__fish_complete_suffix .dpc)'
+complete -c dpc -n '__fish_seen_subcommand_from check' -l format -x -a 'text json' -d 'how to print the findings'
+complete -c dpc -n '__fish_seen_subcommand_from check' -s q -l quiet -d 'print nothing'
+complete -c dpc -n '__fish_seen_subcommand_from check' -l no-rule -x -a '(dpc check --list-rules 2>/dev/null | string match -rg "^([^ ]+) \(")' -d 'leave out the findings of these rules, with commas between'
+complete -c dpc -n '__fish_seen_subcommand_from check' -l werror -d 'count warnings as errors for the exit status'
+complete -c dpc -n '__fish_seen_subcommand_from check' -l hosts -x -a '(__fish_print_hostnames)' -d 'the machines that run the series, with commas between'
+complete -c dpc -n '__fish_seen_subcommand_from check' -l hosts-file -r -F -d 'the same from a file, one name per line'
+complete -c dpc -n '__fish_seen_subcommand_from check' -l list-rules -d 'print all rules, and end'
+
+complete -c dpc -n '__fish_seen_subcommand_from show' -x -k -a '(__fish_complete_suffix .dpc)'
+complete -c dpc -n '__fish_seen_subcommand_from show' -l format -x -a 'text csv json' -d 'how to print the tasks'
+complete -c dpc -n '__fish_seen_subcommand_from show' -l expand -d 'resolve every path as one machine does'
+complete -c dpc -n '__fish_seen_subcommand_from show' -l host -x -a '(__fish_print_hostnames)' -d 'the machine'
+complete -c dpc -n '__fish_seen_subcommand_from show' -l date -x -d 'the text that [date] stands for'
+complete -c dpc -n '__fish_seen_subcommand_from show' -l iteration -x -d 'the number that [iter] stands for'
+
+complete -c dpc -n '__fish_seen_subcommand_from diff' -x -k -a '(__fish_complete_suffix .dpc)'
+
+complete -c dpc -n '__fish_seen_subcommand_from roundtrip' -x -k -a '(__fish_complete_suffix .dpc)'

@@ -1,4 +1,6 @@
 #include "check/ruletexts.h"
+#include "dpc/commands.h"
+#include "dpc/pages/pages.h"
 #include "tests/dpc/dpcrun.h"
 
 #include <QRegularExpression>
@@ -35,10 +37,33 @@ private slots:
         compareOrUpdate(rulesPath(), before, QString::fromStdString(rulesAsMarkdown()));
     }
 
+    void tablesOfOptionsAreThoseOfTheProgram()
+    {
+        const QString before = document();
+        QString after = before;
+        for (const Command* command : allCommands()) {
+            if (!command->options.empty())
+                after = withPart(after, QString("options of ") + command->name,
+                                 optionsAsMarkdown(*command));
+        }
+        compareOrUpdate(path(), before, withPart(after, "statuses", statusAsMarkdown()));
+    }
+
 private:
     static QString path() { return QStringLiteral(TWDP_SOURCE_DIR "/docs/dpc.md"); }
     static QString rulesPath() { return QStringLiteral(TWDP_SOURCE_DIR "/docs/rules.md"); }
     static QString document() { return QString::fromUtf8(test::contentOf(path())); }
+
+    /// The document with another text between the comments that begin and end a part.
+    static QString withPart(const QString& text, const QString& name, const std::string& part)
+    {
+        const QString begin = "<!-- " + name + " -->\n";
+        const int start = text.indexOf(begin) + begin.size();
+        const int end = text.indexOf("<!-- end of " + name + " -->", start);
+        if (start < begin.size() || end < 0)
+            qFatal("docs/dpc.md lacks a part: %s", qPrintable(name));
+        return text.left(start) + QString::fromStdString(part) + text.mid(end);
+    }
 
     static QRegularExpression blockPattern()
     {

@@ -58,14 +58,10 @@ offers() {
     esac
 }
 
-check='--format --quiet --werror --no-rule --hosts --hosts-file --list-rules'
-show='--format --expand --host --date --iteration'
+commands=$("$build/bin/dpc" --help | sed -n '/^COMMANDS/,/^$/s/^ \+\([a-z]\+\) .*/\1/p')
 for shell in bash zsh fish; do
-    offers $shell 'dpc ' check show diff roundtrip
     # shellcheck disable=SC2086 # a word each
-    offers $shell 'dpc check --' $check
-    # shellcheck disable=SC2086
-    offers $shell 'dpc show --' $show
+    offers $shell 'dpc ' $commands
     offers $shell 'dpc show --format ' text csv json
     offers $shell 'dpc diff ' a.dpc folder
 done
@@ -75,12 +71,13 @@ for shell in bash zsh; do
 done
 
 # They know every option of the program.
-for command in check show; do
+for command in $commands; do
     options=$("$build/bin/dpc" $command --help | sed -n '/^OPTIONS/,/^[A-Z]* [A-Z]*$/p' |
         grep -o -e ' --[a-z-]*') || fail "dpc $command --help names no options"
-    for option in $options; do
-        for shell in bash zsh fish; do
-            offers $shell "dpc $command --" "$option"
-        done
+    for shell in bash zsh fish; do
+        # The only option is typed at once by zsh, and not listed.
+        [ $shell = zsh ] && [ "$(echo "$options" | wc -l)" = 1 ] && continue
+        # shellcheck disable=SC2086 # a word each
+        offers $shell "dpc $command --" $options
     done
 done
