@@ -70,6 +70,16 @@ bool ConfigFileReader::fillBuffer()
     const qint64 count = m_file.isOpen() && wanted > 0 ? m_file.read(m_buffer, wanted) : 0;
     m_position = 0;
     m_end = static_cast<int>(std::max<qint64>(count, 0));
+    if (m_bytesRead == 0)
+        skipByteOrderMark();
     m_bytesRead += m_end;
-    return m_end > 0;
+    return m_position < m_end;
+}
+
+void ConfigFileReader::skipByteOrderMark()
+{
+    constexpr char mark[] = "\xEF\xBB\xBF";
+    constexpr int markLength = sizeof mark - 1;
+    if (m_end >= markLength && std::equal(mark, mark + markLength, m_buffer))
+        m_position = markLength;
 }

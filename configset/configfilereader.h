@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/limits.h"
 #include "shared/kvstring16.h"
 #include "shared/kvstring8.h"
 
@@ -20,13 +21,14 @@ ConfigLine takeConfigLine(_kvString<1000>& line);
 /// Reads a config file line by line, in bounded time and memory whatever the file holds.
 ///
 /// Only a regular file is read: a FIFO or a device behind the name would keep the caller waiting
-/// for ever, and counts as a file that can't be opened. Bytes are Latin-1. A line ends at its
-/// first zero byte and is cut at 1000 characters; a file is cut at 64 MiB, which is more than
-/// twelve thousand times what the editor writes.
+/// for ever, and counts as a file that can't be opened. Bytes are Latin-1; a byte order mark of
+/// UTF-8 at the start of the file, which editors on Windows write, belongs to no line. A line ends
+/// at its first zero byte and is cut at 1000 characters; a file is cut at 64 MiB, which is more
+/// than twelve thousand times what the editor writes.
 class ConfigFileReader
 {
 public:
-    static constexpr qint64 largestFile = 64LL * 1024 * 1024; ///< bytes
+    static constexpr qint64 largestFile = maxFileRead; ///< bytes
 
     /// Opens the file; the name is Latin-1 like every text of a task.
     explicit ConfigFileReader(const _kvString8_allSize<500>& path);
@@ -44,6 +46,7 @@ public:
 
 private:
     bool fillBuffer();
+    void skipByteOrderMark();
 
     QFile m_file;
     char m_buffer[16384] = {};

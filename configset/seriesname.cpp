@@ -11,6 +11,19 @@ bool isNumberDigit(QChar c)
     return c.unicode() > 127 ? c.category() == QChar::Number_DecimalDigit : kvIsDigit(c.unicode());
 }
 
+QString afterLastSeparator(const QString& path)
+{
+    return path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
+}
+
+QString withoutNumber(QString name)
+{
+    name.remove(extension);
+    while (!name.isEmpty() && isNumberDigit(name.back()))
+        name.chop(1);
+    return name;
+}
+
 } // namespace
 
 SeriesName seriesNameForSaving(const QString& chosenFile)
@@ -25,19 +38,18 @@ SeriesName seriesNameForSaving(const QString& chosenFile)
 
 SeriesName seriesNameForLoading(const QString& chosenFile)
 {
-    QString name = chosenFile;
-    name.remove(waitFolder()).remove(extension);
-    while (!name.isEmpty() && isNumberDigit(name.back()))
-        name.chop(1);
-
     const QString folder = kvGetDirNameAutoPD(chosenFile);
-    const SeriesName series{folder, kvGetFileNameBase(name, '/')};
-    // What follows a dot is no extension where only the whole name leads back to the chosen file,
-    // as for "nas.lan.dpc".
-    const SeriesName dotted{folder, name.mid(name.lastIndexOf(QLatin1Char('/')) + 1)};
-    const bool isDotted =
-        !candidateFiles(series).contains(chosenFile) && candidateFiles(dotted).contains(chosenFile);
-    return isDotted ? dotted : series;
+    const QString withoutWait = withoutNumber(QString(chosenFile).remove(waitFolder()));
+    // A whole segment that is taken out leaves the file's own name as it is.
+    const QString ownName = withoutNumber(afterLastSeparator(chosenFile));
+    const QString names[] = {kvGetFileNameBase(withoutWait, '/'), afterLastSeparator(withoutWait),
+                             kvGetFileNameBase(ownName, '/'), ownName};
+    for (const QString& name : names) {
+        const SeriesName series{folder, name};
+        if (candidateFiles(series).contains(chosenFile))
+            return series;
+    }
+    return {folder, names[0]};
 }
 
 QString seriesFile(const QString& folder, const QString& baseName, int number)

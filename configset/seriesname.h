@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/limits.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -11,9 +13,6 @@ struct SeriesName
     QString baseName; ///< without number and extension
 };
 
-/// How many files of a series are looked for: the first without a number, then 1 to 19.
-constexpr int seriesFileCount = 20;
-
 /// The subfolder in which the files of a series wait until somebody starts them.
 inline QString waitFolder()
 {
@@ -24,7 +23,15 @@ inline QString waitFolder()
 /// gets a "_" behind it, so that it is not taken for the number of a file.
 SeriesName seriesNameForSaving(const QString& chosenFile);
 
-/// The series that the chosen file belongs to. A file chosen inside "_wait" makes that the folder.
+/// The series that the chosen file belongs to: the first of these names that has the file among its
+/// candidateFiles(), or else the first. All of them lose the number at the end.
+///
+/// 1. without every "_wait/" of the path, and without what follows the last dot of what remains
+/// 2. the same with its dots
+/// 3. without whole segments "_wait" only, so that "/x/my_wait/s.dpc" is not "/x/mys.dpc"
+/// 4. the same with its dots
+///
+/// The folder is always that of the file: one chosen inside "_wait" makes that the folder.
 SeriesName seriesNameForLoading(const QString& chosenFile);
 
 /// The file name of the file with this number (0 is the first, without a number) in a folder.

@@ -10,7 +10,8 @@ namespace {
 
 void write(const ConfigFile& file)
 {
-    writeToLogFile(kvToString8<250>(file.path), kvToString8<5000>(file.content), true, false);
+    writeToLogFile(kvToString8<maxFileName>(file.path), kvToString8<maxConfigFile>(file.content),
+                   true, false);
 }
 
 /// The folder is made only for a series that goes on; a single file's folder is the writer's.
@@ -18,7 +19,8 @@ QString makeFollowUpFolder(const TaskList& tasks, const SeriesName& name)
 {
     const bool goesOn = std::any_of(tasks.cbegin(), tasks.cend(),
                                     [](const TestTask& task) { return task.waitForNextConfig; });
-    const bool usable = !goesOn || kvCreateFolder(name.folder + waitFolder(), true);
+    const bool usable =
+        !goesOn || !kvIsLatin1(name.folder) || kvCreateFolder(name.folder + waitFolder(), true);
     return usable ? waitFolder() : QString();
 }
 
@@ -28,6 +30,9 @@ void saveSeries(TaskList& tasks, const QString& infoText, const SeriesName& name
 {
     const RenderedSeries series =
         renderSeries(tasks, infoText, name, makeFollowUpFolder(tasks, name));
+    // With "?" for each foreign letter the folder would be another one.
+    if (!kvIsLatin1(name.folder))
+        return;
     for (const ConfigFile& file : series.files)
         write(file);
     write(renderInitFile(series.filesToCreate, name, [](const QString& resolved) {

@@ -4,7 +4,9 @@
 #include "model/tasklist.h"
 
 /// Writes the files of a series and its companion "_init" file. Each file appears whole or not at
-/// all, and failures are silent. Content is cut at 5000 characters, file names at 250. Where
+/// all, and failures are silent. A folder whose name has characters outside Latin-1 gets nothing,
+/// for its 8-bit name is that of another folder. Content is cut at 5000 characters, file names at
+/// 250. Where
 /// "_wait" can't be made, the files after the first go into the folder itself. Sets the `configId`
 /// of each task and normalises it.
 void saveSeries(TaskList& tasks, const QString& infoText, const SeriesName& name);

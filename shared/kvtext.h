@@ -5,6 +5,8 @@
 
 #include <QString>
 
+#include <algorithm>
+
 /// Latin-1 text of `count` bytes.
 inline QString kvToQString(const char* text, int count)
 {
@@ -30,6 +32,12 @@ QString kvToQString(const _kvString<N>& text)
         characters[i] = QChar(unit >= 0xFF80 ? static_cast<ushort>(unit & 0xFF) : unit);
     }
     return result;
+}
+
+/// True if a text is the same in 8 bits.
+inline bool kvIsLatin1(const QString& text)
+{
+    return std::all_of(text.cbegin(), text.cend(), [](QChar c) { return c.unicode() <= 0xFF; });
 }
 
 /// The first N characters of a text as Latin-1; characters outside it become "?".

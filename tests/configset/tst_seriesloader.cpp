@@ -74,6 +74,38 @@ private slots:
         }
     }
 
+    void folderWhoseNameEndsInWaitIsNoWaitFolder()
+    {
+        QVERIFY(QDir(m_root).mkpath("my_wait"));
+        write("mys.dpc", lineTo("/other"));
+        write("my_wait/mys.dpc", lineTo("/other"));
+        TaskList tasks{taskTo("/t/a"), marker(), taskTo("/t/b")};
+        saveSeries(tasks, "", seriesNameForSaving(m_root + "my_wait/s.dpc"));
+        write("my_wait/s.dpc", lineTo("/t/c"));
+        QCOMPARE(load(m_root + "my_wait/s.dpc"),
+                 (QStringList{"/t/c", "/t/a", "next " + m_root + "my_wait/_wait/s1.dpc", "/t/b"}));
+    }
+
+    void byteOrderMarkIsSkippedAtTheStartOnly()
+    {
+        const QByteArray mark("\xEF\xBB\xBF");
+        test::put(m_root + "a.dpc", mark + "# info\n" + mark + lineTo("/1").toLatin1());
+        test::put(m_root + "_wait/a.dpc", mark + lineTo("/2").toLatin1());
+        test::put(m_root + "a1.dpc", mark);
+        test::put(m_root + "a2.dpc", mark.left(2) + lineTo("/3").toLatin1());
+        test::put(m_root + "a3.dpc", mark + mark + lineTo("/4").toLatin1());
+        QCOMPARE(load(m_root + "a.dpc"), QStringList{"/2"});
+        QCOMPARE(m_info, QStringList{"info"});
+        QCOMPARE(m_rejected.size(), 3);
+
+        // The mark belongs to no line.
+        ConfigFileReader reader(kvToString8<500>(m_root + "_wait/a.dpc"));
+        _kvString<1000> line;
+        QVERIFY(reader.readLine(line));
+        QCOMPARE(reader.lineNumber(), 1);
+        QCOMPARE(reader.lineLength(), qint64(lineTo("/2").size() - 1));
+    }
+
     void commentsOfTheFirstFileOnly()
     {
         write("a.dpc", lineTo("/1"));
@@ -219,6 +251,43 @@ private slots:
         QCOMPARE(reader.lineLength(), ConfigFileReader::largestFile - lineTo("/1").size());
         QVERIFY(!reader.readLine(line));
         QCOMPARE(reader.lineNumber(), 2);
+    }
+
+    void seriesHasAtMost50000Entries()
+    {
+        // Short lines in two files; a rejected line and a marker are entries like the others.
+        write("a.dpc", "garbage\n/x.dpc\n" + QString("\n# c\nPosix\n").repeated(29998));
+        write("_wait/a.dpc",
+              QString("Posix\n").repeated(19999) + lineTo("/last") + "Posix\nbeyond\nPosix\n");
+        write("a1.dpc", "beyond\n" + lineTo("/beyond"));
+        const QStringList loaded = load(m_root + "a.dpc");
+        QCOMPARE(loaded.size(), 49999);
+        QCOMPARE(loaded.last(), QString("/last"));
+        QCOMPARE(m_rejected.size(), 1);
+    }
+
+    void rejectedLinesAreCountedToo()
+    {
+        write("a.dpc", QString("x\n").repeated(50000) + lineTo("/beyond"));
+        QCOMPARE(load(m_root + "a.dpc"), QStringList());
+        QCOMPARE(m_rejected.size(), 50000);
+    }
+
+    void infoTextHasAtMost5000Lines()
+    {
+        // Empty comments leave the info text empty, so that the next file's count as well.
+        write("a.dpc", QString("#\n").repeated(3000));
+        write("a1.dpc", QString("# text\n").repeated(2500) + lineTo("/1"));
+        write("a2.dpc", "# other file\n" + lineTo("/2"));
+        QStringList info;
+        TaskList tasks;
+        loadSeries({m_root, "a"}, tasks,
+                   {[&] { return info.filter("text").isEmpty(); },
+                    [&](const QString& text) { info += text; },
+                    [](const QString&, const QString&) {}});
+        QCOMPARE(tasks.size(), 2);
+        QCOMPARE(info.size(), 5000);
+        QCOMPARE(info.filter("text").size(), 2000);
     }
 
     void linesAcrossTheBufferAreWhole()

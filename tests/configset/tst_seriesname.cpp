@@ -71,6 +71,20 @@ private slots:
         row("/x/v1.2.dpc", "/x/", "v1.");
         row("/x/nas.lan25.dpc", "/x/", "nas");
         row("/x.y/mytest.dpc", "/x.y/", "mytest");
+        // Only a whole segment is the folder "_wait", if the rest leads back to the chosen file.
+        row("/x/my_wait/s.dpc", "/x/my_wait/", "s");
+        row("/x/my_wait/s12.dpc", "/x/my_wait/", "s");
+        row("/x/my_wait/_wait/s1.dpc", "/x/my_wait/_wait/", "s");
+        row("/my_wait/x_wait/s.dpc", "/my_wait/x_wait/", "s");
+        row("my_wait/s.dpc", "my_wait/", "s");
+        row("/x/my_wait/nas.lan3.dpc", "/x/my_wait/", "nas.lan");
+        row("/x/my_wait/v1.2_.dpc", "/x/my_wait/", "v1.2_");
+        row("/x/my_wait/x_wait.dpc", "/x/my_wait/", "x_wait");
+        row("/x/my_wait/12.dpc", "/x/my_wait/", "");
+        // Where nothing leads back, the rule decides.
+        row("/x/my_wait/s20.dpc", "/x/my_wait/", "mys");
+        row("/x/2024.dpc", "/x/", "");
+        row("/x/_wait/_wait/s.dpc", "/x/_wait/_wait/", "s");
     }
 
     void loading()
@@ -83,8 +97,10 @@ private slots:
 
     void everySavedNameLoadsBack()
     {
-        for (const char* chosen : {"/x/mytest.dpc", "/x/bench7.dpc", "/x/v1.2.dpc",
-                                   "/x/nas.lan.dpc", "/x/a.b.c9.dpc", "/x/_.dpc"}) {
+        for (const char* chosen :
+             {"/x/mytest.dpc", "/x/bench7.dpc", "/x/v1.2.dpc", "/x/nas.lan.dpc", "/x/a.b.c9.dpc",
+              "/x/_.dpc", "/x/my_wait/mytest.dpc", "/x/my_wait/v1.2.dpc",
+              "/x_wait/y_wait/nas.lan.dpc"}) {
             const SeriesName saved = seriesNameForSaving(chosen);
             for (int number = 0; number < seriesFileCount; ++number) {
                 const QString file = seriesFile(saved.folder, saved.baseName, number);

@@ -154,6 +154,30 @@ private slots:
                                  "fung1.dpc\n"));
     }
 
+    void folderOutsideLatin1GetsNothing()
+    {
+        // In 8 bits each folder has another one's name, which must stay as it is.
+        const QString folders[] = {m_root + QString::fromUtf8("Δοκιμή/"),
+                                   m_root + QString::fromUtf8("a/€/b/"),
+                                   m_root + QString::fromUtf8("\xF0\x9F\x92\xBE/")};
+        for (const QString& folder : folders) {
+            QVERIFY(QDir().mkpath(folder));
+            const QStringList before = filesBelow(m_root);
+            TaskList tasks{taskTo("/t/a"), marker(), taskTo("/t/b")};
+            saveSeries(tasks, "", {folder, "a"});
+            QCOMPARE(filesBelow(m_root), before);
+            // As after any save that fails.
+            QCOMPARE(tasks[2].configId, 1);
+        }
+    }
+
+    void nameOutsideLatin1IsWrittenWithQuestionMarks()
+    {
+        TaskList tasks{taskTo("/t/a")};
+        saveSeries(tasks, "", {m_root, QString::fromUtf8("a€")});
+        QCOMPARE(filesBelow(m_root), (QStringList{"_wait", "_wait/a?.dpc", "a?_init.dpc"}));
+    }
+
     void existingSourcesAreCommentedOut()
     {
         TestTask task = taskTo("");
