@@ -41,13 +41,14 @@ void noteLine(FileFact& file, const ConfigFileReader& reader, qint64& offset)
 class FileScanner
 {
 public:
-    FileScanner(SeriesFacts& facts, FileFact& file, int index, int lineLimit)
+    FileScanner(SeriesFacts& facts, FileFact& file, int index, int entryLimit)
         : m_facts(facts)
         , m_file(file)
         , m_index(index)
-        , m_lineLimit(lineLimit)
+        , m_entryLimit(entryLimit)
         , m_path(kvToString8<500>(file.path))
-        , m_takesInfo(index >= 0 && facts.info.empty())
+        , m_takesInfo(std::all_of(facts.info.begin(), facts.info.end(),
+                                  [](const std::string& text) { return text.empty(); }))
     {}
 
     void scan()
@@ -57,11 +58,7 @@ public:
         m_file.firstEntry = m_file.endEntry = int(m_facts.lines.size());
         _kvString<1000> line;
         qint64 offset = 0;
-        while (reader.readLine(line)) {
-            if (int(m_facts.lines.size()) >= m_lineLimit) {
-                m_facts.limitReached = true;
-                break;
-            }
+        while (!m_facts.limitReached && reader.readLine(line)) {
             noteLine(m_file, reader, offset);
             scanLine(line, reader.lineLength(), reader.lineNumber());
         }
@@ -87,10 +84,12 @@ private:
 
     void scanComment(LineFact& fact, const _kvString<1000>& line)
     {
-        constexpr size_t mostInfoLines = 5000;
-        if (m_takesInfo && m_facts.info.size() < mostInfoLines)
+        if (m_takesInfo && m_facts.info.size() < maxSeriesComments)
             m_facts.info.push_back(kvToQString(line).toStdString());
-        if (fact.length < longestLine && !fact.hasZero)
+        else if (m_takesInfo && m_facts.infoCut.line == 0)
+            m_facts.infoCut = {m_index, fact.line};
+        const bool isWhole = fact.length < longestLine && !fact.hasZero;
+        if (isWhole || ++m_facts.brokenComments > maxSeriesComments)
             return;
         fact.text = latin1(line);
         m_facts.lines.push_back(fact);
@@ -98,6 +97,11 @@ private:
 
     void scanEntry(LineFact& fact, const _kvString<1000>& line)
     {
+        if (m_facts.entryCount == m_entryLimit) {
+            m_facts.limitReached = true;
+            return;
+        }
+        ++m_facts.entryCount;
         fact.text = latin1(line);
         m_task = TestTask();
         if (!readTaskLineAsIs(m_task, line, m_path, &fact.problem)) {
@@ -127,14 +131,14 @@ private:
     SeriesFacts& m_facts;
     FileFact& m_file;
     int m_index;
-    int m_lineLimit;
+    int m_entryLimit;
     _kvString8_allSize<500> m_path;
     bool m_takesInfo;
     TestTask m_task;
 };
 
 /// Reads an "_init" file: what its lines create, those that are commented out included.
-void readInit(SeriesFacts& facts, FileFact& file, int lineLimit)
+void readInit(SeriesFacts& facts, FileFact& file, int entryLimit)
 {
     const auto path = kvToString8<500>(file.path);
     ConfigFileReader reader(path);
@@ -142,7 +146,7 @@ void readInit(SeriesFacts& facts, FileFact& file, int lineLimit)
     _kvString<1000> line;
     TestTask task;
     qint64 offset = 0;
-    while (facts.init.size() < lineLimit && reader.readLine(line)) {
+    while (facts.init.size() < entryLimit && reader.readLine(line)) {
         noteLine(file, reader, offset);
         const ConfigLine kind = takeConfigLine(line);
         if (kind == ConfigLine::Blank || !readTaskLineAsIs(task, line, path) ||
@@ -281,12 +285,12 @@ SeriesFacts readSeries(const SeriesName& name, const QString& shownFolder, const
     findFiles(facts);
     for (size_t i = 0; i < facts.files.size(); ++i) {
         if (facts.files[i].isRead)
-            FileScanner(facts, facts.files[i], int(i), limits.lines).scan();
+            FileScanner(facts, facts.files[i], int(i), limits.entries).scan();
     }
     if (!facts.isInit)
         findInit(facts);
     if (facts.initFile >= 0)
-        readInit(facts, facts.files[size_t(facts.initFile)], limits.lines);
+        readInit(facts, facts.files[size_t(facts.initFile)], limits.entries);
     facts.nameCount = namesOf(facts);
     facts.iterationLimit = facts.nameCount > limits.names ? 1 : INT32_MAX;
     return facts;

@@ -123,6 +123,13 @@ struct InitEntry
     bool isActive = false; ///< not commented out
 };
 
+/// A line of a file.
+struct LinePlace
+{
+    int file = 0; ///< its place among the files of the series
+    int line = 0; ///< from 1; 0 if there is none
+};
+
 /// All of a series.
 struct SeriesFacts
 {
@@ -133,9 +140,12 @@ struct SeriesFacts
     std::vector<FileFact> files;
     std::vector<LineFact> lines;
     std::vector<std::string> info; ///< comments that a load shows as the info text
+    LinePlace infoCut;             ///< the first comment that a load leaves out of it
+    int brokenComments = 0;        ///< that are cut or hold a zero byte; not all are kept
     int initFile = -1;             ///< its place among the files, -1 if there is none
     QHash<QByteArray, InitEntry> init;
-    bool limitReached = false; ///< not everything was read
+    int entryCount = 0;        ///< tasks, markers and rejected lines
+    bool limitReached = false; ///< there are more entries than a load takes
 
     /// How many names all paths of the series stand for, one for each iteration.
     long long nameCount = 0;
@@ -155,14 +165,10 @@ constexpr int longestFileName = 250;
 constexpr int longestLine = 1000;
 constexpr int longestPath = 500;
 
-/// Lines that hold something which are read of one series: a thousand times what the editor can
-/// save, and a bound to memory and time whatever the files hold.
-constexpr int mostLines = 50000;
-
 /// What is looked at of one series.
 struct ReadLimits
 {
-    int lines = mostLines;
+    int entries = maxSeriesEntries;
     long long names = 300000; ///< where paths stand for more, those of one iteration are looked at
 };
 

@@ -32,7 +32,7 @@ std::optional<SeriesFacts> readOneSeries(const QString& path, const Output& outp
         return std::nullopt;
     }
     if (facts.limitReached) {
-        fail(output, fmt::format("the series has more than {}", counted(mostLines, "line")));
+        fail(output, fmt::format("the series has more than {}", counted(maxSeriesEntries, "line")));
         return std::nullopt;
     }
     return facts;

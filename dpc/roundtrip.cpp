@@ -181,7 +181,7 @@ RoundTrip roundTrip(const SeriesFacts& facts)
 {
     constexpr long long mostIterations = 1000000;
     if (facts.limitReached)
-        return {{}, fmt::format("the series has more than {}", counted(mostLines, "line"))};
+        return {{}, fmt::format("the series has more than {}", counted(maxSeriesEntries, "line"))};
     InfoText info;
     TaskList tasks = load(facts.name, info);
     // The editor does not save an empty list.

@@ -40,12 +40,18 @@ inline QStringList filesOfSeries(const QString& folder, const QString& name)
 inline QStringList filesAround(const QString& chosen)
 {
     const QString folder = folderOf(chosen);
-    QString name = chosen.split("_wait/").join("").split(".dpc").join("").split('/').last();
-    while (!name.isEmpty() && name.back().isDigit())
-        name.chop(1);
-    const QStringList plain = filesOfSeries(folder, baseName(name));
-    const QStringList dotted = filesOfSeries(folder, name);
-    return dotted.contains(chosen) && !plain.contains(chosen) ? dotted : plain;
+    QStringList names;
+    for (QString name : {chosen.split("_wait/").join(""), chosen}) {
+        name = name.split(".dpc").join("").split('/').last();
+        while (!name.isEmpty() && name.back().isDigit())
+            name.chop(1);
+        names << baseName(name) << name;
+    }
+    for (const QString& name : names) {
+        if (filesOfSeries(folder, name).contains(chosen))
+            return filesOfSeries(folder, name);
+    }
+    return filesOfSeries(folder, names[0]);
 }
 
 /// A second loader, on whole files.
@@ -71,7 +77,10 @@ private:
         QFile file(path);
         if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
             return;
-        QList<QByteArray> lines = file.readAll().split('\n');
+        QByteArray content = file.readAll();
+        if (content.startsWith("\xEF\xBB\xBF"))
+            content.remove(0, 3);
+        QList<QByteArray> lines = content.split('\n');
         if (lines.last().isEmpty())
             lines.removeLast();
         const bool takesComments = m_load.info.join('\n').isEmpty();

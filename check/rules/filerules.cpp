@@ -176,10 +176,14 @@ void checkFiles(const SeriesFacts& facts, Findings& findings)
         checkFile(facts, facts.files[i], int(i), findings);
     checkGap(facts, findings);
     checkBothFolders(facts, findings);
+    if (facts.infoCut.line > 0)
+        findings.add(Rule::TooMuch, facts.infoCut.file, facts.infoCut.line, 1,
+                     fmt::format("the info text has more than {}: what follows is not loaded",
+                                 counted(maxSeriesComments, "line")));
     if (facts.limitReached)
         findings.add(tooMuch, facts.lines.back().file, facts.lines.back().line, 1,
                      fmt::format("the series has more than {}: what follows is not checked",
-                                 counted(static_cast<long long>(facts.lines.size()), "line")));
+                                 counted(facts.entryCount, "line")));
 }
 
 bool checkFolderLetters(const SeriesFacts& facts, Findings& findings)

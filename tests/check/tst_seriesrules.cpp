@@ -245,9 +245,19 @@ private slots:
 
     void moreThanCanBeChecked()
     {
-        m_series->options().limits.lines = 3;
+        m_series->options().limits.entries = 3;
         QCOMPARE(m_series->hits("too-much", goodLine() + goodLine() + goodLine()), 0);
         QCOMPARE(m_series->hits("too-much", goodLine() + goodLine() + goodLine() + goodLine()), 1);
+        // What is no entry does not count.
+        QCOMPARE(m_series->hits("too-much", goodLine() + "\n# c\nx\n" + goodLine() + "\n# c\n"), 0);
+    }
+
+    void moreCommentsThanALoadTakes()
+    {
+        const QByteArray most = QByteArray("# c\n").repeated(5000);
+        QCOMPARE(m_series->hits("too-much", most + goodLine()), 0);
+        m_series->put("a.dpc", most + "# d\n# e\n" + goodLine());
+        QCOMPARE(m_series->said({"too-much"}), QStringList{"a.dpc:5001:1 too-much"});
     }
 
     void longNameOfAConfigFile()

@@ -117,7 +117,7 @@ private slots:
 
     void seriesWithTooManyLinesIsOneSentence()
     {
-        m_series->put("a.dpc", QByteArray("x.dpc\n").repeated(mostLines + 1));
+        m_series->put("a.dpc", QByteArray("x.dpc\n").repeated(maxSeriesEntries + 1));
         for (const char* command : {"show ", "roundtrip "}) {
             const DpcRun::Result result = m_dpc.run(command + m_series->root() + "a.dpc");
             QCOMPARE(result.code, 2);
