@@ -1,6 +1,7 @@
 #include "check/rules/exampletasks.h"
 #include "check/rules/families.h"
 #include "check/text.h"
+#include "shared/kvtext.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -164,8 +165,7 @@ constexpr Rule folderLetters = {
 /// True if the editor can't open a file of the series, because its path is not Latin-1.
 bool hasForeignLetters(const SeriesName& name)
 {
-    const QString path = name.folder + name.baseName;
-    return std::any_of(path.cbegin(), path.cend(), [](QChar c) { return c.unicode() > 0xFF; });
+    return !kvIsLatin1(name.folder + name.baseName);
 }
 
 } // namespace
@@ -177,7 +177,7 @@ void checkFiles(const SeriesFacts& facts, Findings& findings)
     checkGap(facts, findings);
     checkBothFolders(facts, findings);
     if (facts.infoCut.line > 0)
-        findings.add(Rule::TooMuch, facts.infoCut.file, facts.infoCut.line, 1,
+        findings.add(tooMuch, facts.infoCut.file, facts.infoCut.line, 1,
                      fmt::format("the info text has more than {}: what follows is not loaded",
                                  counted(maxSeriesComments, "line")));
     if (facts.limitReached)
