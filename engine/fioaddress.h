@@ -6,7 +6,8 @@
 #include <optional>
 #include <vector>
 
-/// Where a server of fio listens, in the notation of `fio --client=`: "ip:ADDR,PORT" or "sock:PATH".
+/// Where a server of fio listens, in the notation of `fio --client=`: "ip:ADDR,PORT" or
+/// "sock:PATH".
 struct FioAddress
 {
     QString host; ///< name or number of the machine; empty for a socket

@@ -76,10 +76,10 @@ bool redirect(int target, const char* file, int flags)
     ::setpgid(0, 0);
     ::prctl(PR_SET_PDEATHSIG, SIGINT);
     constexpr int newFile = O_WRONLY | O_CREAT | O_EXCL;
-    const bool isReady = ::chdir(call.folder.constData()) == 0
-                         && redirect(STDIN_FILENO, "/dev/null", O_RDONLY)
-                         && redirect(STDOUT_FILENO, call.outputFile.constData(), newFile)
-                         && redirect(STDERR_FILENO, call.errorFile.constData(), newFile);
+    const bool isReady = ::chdir(call.folder.constData()) == 0 &&
+                         redirect(STDIN_FILENO, "/dev/null", O_RDONLY) &&
+                         redirect(STDOUT_FILENO, call.outputFile.constData(), newFile) &&
+                         redirect(STDERR_FILENO, call.errorFile.constData(), newFile);
     if (isReady) {
         ::sigprocmask(SIG_SETMASK, &mask, nullptr);
         ::execvp(call.pointers[0], call.pointers.data());
@@ -192,8 +192,8 @@ private:
     {
         if (m_exit.stopped != StopReason::None && m_time.elapsed() > m_stoppedAt + graceMs)
             kill();
-        else if (m_exit.stopped == StopReason::None && m_call.timeoutMs > 0
-                 && m_time.elapsed() >= m_call.timeoutMs)
+        else if (m_exit.stopped == StopReason::None && m_call.timeoutMs > 0 &&
+                 m_time.elapsed() >= m_call.timeoutMs)
             stop(StopReason::Timeout);
     }
 

@@ -11,13 +11,13 @@
 /// One call of fio.
 struct FioCall
 {
-    QString program;         ///< a path, or a name to be searched in PATH
-    QStringList arguments;   ///< in the file system's encoding once they are passed on
-    QString folder;          ///< working folder of fio
-    QString outputFile;      ///< receives standard output; must not exist
-    QString errorFile;       ///< receives standard error; must not exist
-    int timeoutMs = 0;       ///< 0: as long as it takes
-    int tickMs = 1000;       ///< how often `onTick` is called
+    QString program;       ///< a path, or a name to be searched in PATH
+    QStringList arguments; ///< in the file system's encoding once they are passed on
+    QString folder;        ///< working folder of fio
+    QString outputFile;    ///< receives standard output; must not exist
+    QString errorFile;     ///< receives standard error; must not exist
+    int timeoutMs = 0;     ///< 0: as long as it takes
+    int tickMs = 1000;     ///< how often `onTick` is called
     std::function<void(pid_t process)> onTick; ///< while fio runs; may be empty
 };
 

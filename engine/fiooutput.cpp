@@ -91,8 +91,8 @@ std::optional<SectionReport> sectionOf(const QJsonObject& object)
     const std::optional<IoFigures> read = figuresOf(readObject);
     const std::optional<IoFigures> write = figuresOf(writeObject);
     const QString name = object.value(QLatin1String("jobname")).toString();
-    if (!error.has_value() || !read.has_value() || !write.has_value() || name.isEmpty()
-        || name == QLatin1String(sumOfClients))
+    if (!error.has_value() || !read.has_value() || !write.has_value() || name.isEmpty() ||
+        name == QLatin1String(sumOfClients))
         return std::nullopt;
     SectionReport report;
     report.name = name.toLatin1();
@@ -119,8 +119,8 @@ std::optional<SectionReport> parseSection(const QByteArray& bytes)
         // A mean of nothing is printed as C prints it, which JSON does not know.
         static const QRegularExpression notANumber(QStringLiteral(":\\s*[-+]?(nan|inf)\\b"));
         QString text = QString::fromLatin1(bytes);
-        document = QJsonDocument::fromJson(
-            text.replace(notANumber, QStringLiteral(": null")).toUtf8());
+        document =
+            QJsonDocument::fromJson(text.replace(notANumber, QStringLiteral(": null")).toUtf8());
     }
     return document.isObject() ? sectionOf(document.object()) : std::nullopt;
 }
@@ -148,8 +148,8 @@ void DocumentScanner::takeText()
 
 bool DocumentScanner::isKey(const QByteArray& name, int begin, int end) const
 {
-    return end - begin == name.size() && std::equal(name.begin(), name.end(), &m_text.data()[begin])
-        && m_at < m_text.size();
+    return end - begin == name.size() &&
+           std::equal(name.begin(), name.end(), &m_text.data()[begin]) && m_at < m_text.size();
 }
 
 /// The text in quotes that is the value of a key, empty if there is none.

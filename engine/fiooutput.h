@@ -6,8 +6,8 @@
 #include <optional>
 #include <vector>
 
-// What fio printed, as far as a run is accounted by it. Any bytes will do: what is not understood is
-// left out, and a job that is left out counts as not run.
+// What fio printed, as far as a run is accounted by it. Any bytes will do: what is not understood
+// is left out, and a job that is left out counts as not run.
 
 /// Figures of one direction of a section, reads or writes.
 struct IoFigures
@@ -31,8 +31,11 @@ struct SectionReport
     IoFigures read;
     IoFigures write;
     qint64 syncs = 0;
-    double syncNs = 0; ///< sum of the latencies, ns
+    double syncNs = 0;             ///< sum of the latencies, ns
     std::optional<qint64> startMs; ///< ms since 1970; older versions of fio do not say it
+
+    /// In both directions.
+    qint64 bytes() const { return read.bytes + write.bytes; }
 };
 
 /// All that fio printed in one call.

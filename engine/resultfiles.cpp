@@ -184,12 +184,11 @@ QByteArray quoted(QString text)
 {
     if (!text.isEmpty() && QStringLiteral("=+-@\t\r").contains(text.front()))
         text.prepend(QLatin1Char('\''));
-    const bool needsQuotes = text.contains(QLatin1Char(',')) || text.contains(QLatin1Char('"'))
-                             || text.contains(QLatin1Char('\n'))
-                             || text.contains(QLatin1Char('\r'));
+    const bool needsQuotes = text.contains(QLatin1Char(',')) || text.contains(QLatin1Char('"')) ||
+                             text.contains(QLatin1Char('\n')) || text.contains(QLatin1Char('\r'));
     if (needsQuotes)
-        text = QLatin1Char('"') + text.replace(QLatin1Char('"'), QLatin1String("\"\""))
-               + QLatin1Char('"');
+        text = QLatin1Char('"') + text.replace(QLatin1Char('"'), QLatin1String("\"\"")) +
+               QLatin1Char('"');
     return text.toUtf8();
 }
 

@@ -7,8 +7,8 @@ struct RunResults
 {
     const Plan* plan = nullptr;
     RunStatus status;
-    QString fioVersion; ///< empty: unknown
-    QJsonArray losses;  ///< findings, as `dpc check --format=json` writes them
+    QString fioVersion;              ///< empty: unknown
+    QJsonArray losses;               ///< findings, as `dpc check --format=json` writes them
     std::vector<StageResult> stages; ///< of all stages of the plan
     std::vector<JobResult> jobs;     ///< of all jobs of the plan, in its order
 };

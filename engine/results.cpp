@@ -3,7 +3,6 @@
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
-#include <QSet>
 
 #include <cstring>
 #include <fmt/format.h>
@@ -22,41 +21,6 @@ bool writes(JobKind kind)
 {
     return kind != JobKind::Read;
 }
-
-/// Reports of one call, by machine and section.
-class Reports
-{
-public:
-    Reports(const FioOutput& output, const std::vector<FioHost>& hosts)
-        : m_hosts(hosts)
-    {
-        for (const FioHost& host : hosts) {
-            if (host.port == 0)
-                m_sockets.insert(host.name);
-        }
-        for (const SectionReport& report : output.sections)
-            m_reports[keyOf(report.host, report.port, report.name)].push_back(&report);
-    }
-
-    /// All of one section; a plan holds it once.
-    std::vector<const SectionReport*> of(int machine, const QByteArray& section) const
-    {
-        const FioHost& host = m_hosts[size_t(machine)];
-        return m_reports.value(keyOf(host.name, host.port, section));
-    }
-
-private:
-    QByteArray keyOf(const QString& host, int port, const QByteArray& section) const
-    {
-        // A local run has no host, and of a socket fio reports some port.
-        const QByteArray known = m_sockets.contains(host) ? QByteArray() : QByteArray::number(port);
-        return host.toUtf8() + '\n' + known + '\n' + section;
-    }
-
-    const std::vector<FioHost>& m_hosts;
-    QSet<QString> m_sockets; ///< names of hosts without a port
-    QHash<QByteArray, std::vector<const SectionReport*>> m_reports;
-};
 
 void add(std::optional<IoFigures>& sum, const IoFigures& part)
 {
@@ -123,7 +87,7 @@ void addLogs(const PlanJob& job, const FioHost& host, const FioLogs& logs, JobRe
         result.startMs = *end - *result.runtimeMs;
 }
 
-JobResult resultOf(const PlanJob& job, const Reports& reports, const FioHost& host,
+JobResult resultOf(const PlanJob& job, const SectionIndex& reports, const FioHost& host,
                    const FioLogs& logs)
 {
     JobResult result;
@@ -136,8 +100,8 @@ JobResult resultOf(const PlanJob& job, const Reports& reports, const FioHost& ho
             result.startMs = found.front()->startMs;
     }
     result.doneBytes = bytesOf(job, result);
-    const double latencies = (result.read.has_value() ? result.read->ioNs : 0)
-                             + (result.write.has_value() ? result.write->ioNs : 0);
+    const double latencies = (result.read.has_value() ? result.read->ioNs : 0) +
+                             (result.write.has_value() ? result.write->ioNs : 0);
     result.ioNs = qint64(latencies) + result.syncNs.value_or(0);
     result.reason = reasonOf(job, result);
     result.isGood = result.reason.empty();
@@ -260,7 +224,7 @@ std::vector<JobResult> accountStage(const Plan& plan, size_t stage,
                                     const std::vector<FioHost>& hosts, const FioOutput& output,
                                     const FioLogs& logs)
 {
-    const Reports reports(output, hosts);
+    const SectionIndex reports(output, hosts);
     const JobRange range = jobsOf(plan, stage);
     std::vector<JobResult> results;
     results.reserve(range.end - range.begin);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "engine/fiooutput.h"
 #include "engine/plan.h"
+#include "engine/sectionindex.h"
 
 #include <QHash>
 
@@ -15,8 +15,8 @@
 /// What came of one planned job.
 struct JobResult
 {
-    bool isGood = false; ///< it ran, without an error, and did its bytes
-    std::string reason;  ///< why it is not good, in UTF-8
+    bool isGood = false;             ///< it ran, without an error, and did its bytes
+    std::string reason;              ///< why it is not good, in UTF-8
     std::optional<qint64> doneBytes; ///< of a copy, what was written
     std::optional<int> error;        ///< error number of the system, 0 for none
     std::optional<qint64> startMs;   ///< ms since 1970
@@ -89,13 +89,6 @@ struct JobRange
 
 /// Jobs of a stage.
 JobRange jobsOf(const Plan& plan, size_t stage);
-
-/// What fio calls a machine in its output.
-struct FioHost
-{
-    QString name; ///< empty for this machine without a server
-    int port = 0; ///< 0: a socket, whose port means nothing
-};
 
 /// Accounts one stage: a result for each of its jobs, in the order of the plan. `hosts` belong to
 /// the machines of the plan. Exit status and messages of fio count for nothing.

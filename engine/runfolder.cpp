@@ -1,5 +1,7 @@
 #include "engine/runfolder.h"
 
+#include "check/text.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -86,11 +88,11 @@ std::string RunFolder::whyTaken(const QString& path)
     const QJsonObject state = readObject(path + QLatin1Char('/') + QLatin1String(stateFileName));
     const QString name = state.value(QLatin1String("state")).toString();
     const QJsonValue stage = state.value(QLatin1String("stage"));
-    std::string text = fmt::format("{} is there already", path.toStdString());
+    std::string text = quoted(path) + " is there already";
     if (name.isEmpty())
         return text;
     if (name != QLatin1String(runStateName(RunState::Running)))
-        return fmt::format("{}: a run that ended as {}", text, name.toStdString());
+        return fmt::format("{}: a run that ended as {}", text, printable(name));
     const std::string where = stage.isDouble() ? fmt::format("in stage {}", stage.toInt())
                                                : std::string("before its first stage");
     return isLocked(path) ? fmt::format("{}: a run that goes on {}", text, where)
@@ -116,12 +118,11 @@ bool RunFolder::create(const QString& path, std::string& problem)
 bool RunFolder::write(const QString& name, const QByteArray& content)
 {
     QSaveFile saved(file(name));
-    if (saved.open(QIODevice::WriteOnly) && saved.write(content) == content.size()
-        && saved.commit())
+    if (saved.open(QIODevice::WriteOnly) && saved.write(content) == content.size() &&
+        saved.commit())
         return true;
     if (m_problem.empty())
-        m_problem = fmt::format("{}: {}", file(name).toStdString(),
-                                saved.errorString().toStdString());
+        m_problem = fmt::format("{}: {}", quoted(file(name)), saved.errorString().toStdString());
     return false;
 }
 
@@ -155,18 +156,16 @@ std::optional<EarlierRun> EarlierRun::read(const QString& folder, const QString&
                                            std::string& problem)
 {
     const QString begin = folder + QLatin1Char('/');
-    const QString planned = readObject(begin + QLatin1String(planFileName))
-                                .value(QLatin1String("series"))
-                                .toString();
+    const QString planned =
+        readObject(begin + QLatin1String(planFileName)).value(QLatin1String("series")).toString();
     QFile manifest(begin + QLatin1String(manifestFileName));
-    if (planned.isEmpty() || !QFileInfo(manifest).isFile()
-        || !manifest.open(QIODevice::ReadOnly)) {
-        problem = fmt::format("{} is not a run that made files", folder.toStdString());
+    if (planned.isEmpty() || !QFileInfo(manifest).isFile() || !manifest.open(QIODevice::ReadOnly)) {
+        problem = fmt::format("{} is not a run that made files", quoted(folder));
         return std::nullopt;
     }
     if (planned != series) {
-        problem = fmt::format("{} is a run of {}, not of {}", folder.toStdString(),
-                              planned.toStdString(), series.toStdString());
+        problem = fmt::format("{} is a run of {}, not of {}", quoted(folder), quoted(planned),
+                              quoted(series));
         return std::nullopt;
     }
     EarlierRun run;

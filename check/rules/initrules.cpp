@@ -134,20 +134,20 @@ constexpr Rule initOutdated = {
     "series",
     "The _init file does not make what the series needs now.",
     "Load and save the series.",
-    series(
-        {"mytest.dpc", "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/new.dat;  "
-                       "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
-        {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 102400;1;0;  MEMORY;  "
-                            "[cfgPath]/old.dat;  ;  ;  true;\n"
-                            "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
-                            "[cfgPath]/dummyFile;  ;  ;  true;\n"}),
-    series(
-        {"mytest.dpc", "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/new.dat;  "
-                       "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
-        {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 102400;1;0;  MEMORY;  "
-                            "[cfgPath]/new.dat;  ;  ;  true;\n"
-                            "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
-                            "[cfgPath]/dummyFile;  ;  ;  true;\n"})};
+    series({"mytest.dpc",
+            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/new.dat;  "
+            "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
+           {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 102400;1;0;  MEMORY;  "
+                               "[cfgPath]/old.dat;  ;  ;  true;\n"
+                               "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
+                               "[cfgPath]/dummyFile;  ;  ;  true;\n"}),
+    series({"mytest.dpc",
+            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/new.dat;  "
+            "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
+           {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 102400;1;0;  MEMORY;  "
+                               "[cfgPath]/new.dat;  ;  ;  true;\n"
+                               "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
+                               "[cfgPath]/dummyFile;  ;  ;  true;\n"})};
 
 std::string differences(const InitComparison& comparison)
 {

@@ -42,13 +42,13 @@ constexpr Rule sourceDate = {
     "Leave [date] out of the source.",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/src_[date].dat;  "
             "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
-    series(
-        {"mytest.dpc", "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/src.dat;  "
-                       "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
-        {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 102400;1;0;  MEMORY;  "
-                            "[cfgPath]/src.dat;  ;  ;  true;\n"
-                            "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
-                            "[cfgPath]/dummyFile;  ;  ;  true;\n"})};
+    series({"mytest.dpc",
+            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/src.dat;  "
+            "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
+           {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 102400;1;0;  MEMORY;  "
+                               "[cfgPath]/src.dat;  ;  ;  true;\n"
+                               "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
+                               "[cfgPath]/dummyFile;  ;  ;  true;\n"})};
 
 constexpr Rule sourceLocal = {
     "source-local",

@@ -35,8 +35,8 @@ const char figures[] = R"("io_bytes" : 4096, "total_ios" : 1, "runtime" : 7)";
 QByteArray sectionWith(const QByteArray& fields)
 {
     const QByteArray direction = QByteArray("{") + figures + "}";
-    return "{ \"jobname\" : \"s1\", \"read\" : " + direction + ", \"write\" : " + direction + ", "
-           + fields + " }";
+    return "{ \"jobname\" : \"s1\", \"read\" : " + direction + ", \"write\" : " + direction + ", " +
+           fields + " }";
 }
 
 QByteArray documentOf(const QByteArray& section)
@@ -151,14 +151,15 @@ void TestFioOutput::takesAMeanOfNothing()
 
 void TestFioOutput::takesNamesInAnyEncoding()
 {
-    const QByteArray section = sectionWith("\"error\" : 0, \"filename\" : \"/tmp/Pr\xFC" "fung{\"");
+    const QByteArray section = sectionWith("\"error\" : 0, \"filename\" : \"/tmp/Pr\xFC"
+                                           "fung{\"");
     QCOMPARE(readFioOutput(documentOf(section)).sections.size(), size_t(1));
 }
 
 void TestFioOutput::takesBracesInMessages()
 {
-    const QByteArray text = "fio: can't open '/tmp/{x}' [y\n"
-                            + documentOf(sectionWith("\"error\" : 2, \"x\" : \"]}\\\"}\""));
+    const QByteArray text = "fio: can't open '/tmp/{x}' [y\n" +
+                            documentOf(sectionWith("\"error\" : 2, \"x\" : \"]}\\\"}\""));
     const FioOutput output = readFioOutput(text);
     QCOMPARE(output.sections.size(), size_t(1));
     QCOMPARE(output.sections.front().error, 2);
