@@ -30,8 +30,9 @@ constexpr Option warningsAsErrors{"--werror", nullptr, ValueKind::Flag,
 constexpr Option listRules{
     "--list-rules", nullptr, ValueKind::Flag, "print all rules, and end", {}, false, nullptr, true};
 
-constexpr const Option* options[] = {&format,      &quiet,           &noRule,   &warningsAsErrors,
-                                     &hostsOption, &hostsFileOption, &listRules};
+constexpr const Option* options[] = {&format,           &quiet,       &noRule,
+                                     &warningsAsErrors, &hostsOption, &machinesOption,
+                                     &hostsFileOption,  &listRules};
 constexpr Operand operands[] = {{"PATH", ValueKind::ConfigFile, true}};
 
 constexpr const char* description =
@@ -41,7 +42,7 @@ constexpr const char* description =
 
 An error means that the series does not run, or not as it was meant; a warning that there is probably a mistake; a note is good to know. The counts follow on the error stream.
 
-Findings about several machines need their names: --hosts or --hosts-file.)";
+Findings about several machines need their names: --hosts or --hosts-file. If the names do not matter, --machines tells how many there are.)";
 
 constexpr const char* examples[] = {
     "dpc check mytest.dpc",
@@ -90,7 +91,7 @@ int run(const Arguments& arguments, const Output& output)
     }
     CheckRequest request;
     request.paths = arguments.operands();
-    request.options.hosts = hostsOf(arguments);
+    request.options.hosts = namesOf(machinesOf(arguments));
     request.options.rulesOff = rulesOff(arguments);
     request.format = arguments.value(format);
     request.quiet = arguments.has(quiet);

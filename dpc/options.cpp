@@ -1,39 +1,46 @@
 #include "dpc/options.h"
 
-#include "check/text.h"
-
-#include <QFile>
-
-#include <fmt/format.h>
+#include <set>
 
 namespace {
 
-void addHost(QStringList& hosts, const QString& name)
+/// Adds the machines that are not there yet, and refuses a list that can't be used.
+void add(std::vector<Machine>& machines, const MachineList& more, const Option& option)
 {
-    const QString trimmed = name.trimmed();
-    if (!trimmed.isEmpty() && !hosts.contains(trimmed))
-        hosts += trimmed;
-}
-
-void readHosts(QStringList& hosts, const std::string& path)
-{
-    constexpr qint64 largestFile = 1024LL * 1024;
-    QFile file(decoded(path));
-    if (!file.open(QIODevice::ReadOnly))
-        throw UsageError(hostsFileOption, fmt::format("{} can't be read", quoted(decoded(path))));
-    const QStringList lines = QString::fromUtf8(file.read(largestFile)).split('\n');
-    for (const QString& line : lines)
-        addHost(hosts, line.section('#', 0, 0));
+    if (!more.problem.empty())
+        throw UsageError(option, more.problem);
+    std::set<QString> known;
+    for (const Machine& machine : machines)
+        known.insert(machine.name);
+    for (const Machine& machine : more.machines) {
+        if (known.insert(machine.name).second)
+            machines.push_back(machine);
+    }
 }
 
 } // namespace
 
-QStringList hostsOf(const Arguments& arguments)
+std::vector<Machine> machinesOf(const Arguments& arguments)
 {
-    QStringList hosts;
-    for (const std::string& host : arguments.list(hostsOption))
-        addHost(hosts, QString::fromStdString(host));
+    std::vector<Machine> machines;
+    if (arguments.has(machinesOption)) {
+        if (arguments.has(hostsOption) || arguments.has(hostsFileOption))
+            throw UsageError(machinesOption, "can't stand beside --hosts or --hosts-file");
+        add(machines, numberedMachines(arguments.number(machinesOption)), machinesOption);
+    }
+    // The file first: it may tell more about a machine than its name.
     if (arguments.has(hostsFileOption))
-        readHosts(hosts, arguments.value(hostsFileOption));
-    return hosts;
+        add(machines, machinesInFile(decoded(arguments.value(hostsFileOption))), hostsFileOption);
+    if (arguments.has(hostsOption)) {
+        QStringList texts;
+        for (const std::string& text : arguments.values(hostsOption))
+            texts += decoded(text);
+        add(machines, machinesNamed(texts), hostsOption);
+    }
+    return machines;
+}
+
+QStringList namesOf(const std::vector<Machine>& machines)
+{
+    return MachineList{machines, {}}.names();
 }

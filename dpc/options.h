@@ -1,5 +1,6 @@
 #pragma once
 
+#include "check/machines.h"
 #include "dpc/command.h"
 
 // Options that several subcommands share.
@@ -12,12 +13,20 @@ inline constexpr Option hostsOption{
     "--hosts",
     "NAMES",
     ValueKind::Machine,
-    "the machines that run the series, with commas between; may be repeated",
+    "the machines that run the series, with commas between; pc[01-20] stands for twenty; may be "
+    "repeated",
     {},
     true};
 inline constexpr Option hostsFileOption{
     "--hosts-file", "FILE", ValueKind::File,
-    "the same from a file, one name per line; \"#\" begins a comment"};
+    "the same from a file, one name or range per line; \"#\" begins a comment"};
+inline constexpr Option machinesOption{
+    "--machines", "NUMBER", ValueKind::Number,
+    "so many machines, with the names machine01 and so on; not beside --hosts and --hosts-file"};
 
-/// The names of the machines that the two options give, each once.
-QStringList hostsOf(const Arguments& arguments);
+/// The machines that the three options give, each name once; none if no option is given. Throws
+/// UsageError for options that name no machine.
+std::vector<Machine> machinesOf(const Arguments& arguments);
+
+/// The names alone.
+QStringList namesOf(const std::vector<Machine>& machines);

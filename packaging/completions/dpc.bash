@@ -18,6 +18,7 @@ _dpc() {
         check:--format) COMPREPLY=($(compgen -W 'text json' -- "$cur")); return ;;
         check:--no-rule) _dpc_rules; return ;;
         check:--hosts) _known_hosts_real -- "$cur"; return ;;
+        check:--machines) :; return ;;
         check:--hosts-file) _filedir; return ;;
         show:--format) COMPREPLY=($(compgen -W 'text csv json' -- "$cur")); return ;;
         show:--host) _known_hosts_real -- "$cur"; return ;;
@@ -28,7 +29,7 @@ _dpc() {
     case $command in
         '') COMPREPLY=($(compgen -W "check show diff roundtrip $options --version" -- "$cur"))
             return ;;
-        check) options+=' --format -q --quiet --no-rule --werror --hosts --hosts-file --list-rules' operand='_filedir dpc' ;;
+        check) options+=' --format -q --quiet --no-rule --werror --hosts --machines --hosts-file --list-rules' operand='_filedir dpc' ;;
         show) options+=' --format --expand --host --date --iteration' operand='_filedir dpc' ;;
         diff) options+='' operand='_filedir dpc' ;;
         roundtrip) options+='' operand='_filedir dpc' ;;

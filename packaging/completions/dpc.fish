@@ -17,7 +17,8 @@ complete -c dpc -n '__fish_seen_subcommand_from check' -s q -l quiet -d 'print n
 complete -c dpc -n '__fish_seen_subcommand_from check' -l no-rule -x -a '(dpc check --list-rules 2>/dev/null | string match -rg "^([^ ]+) \(")' -d 'leave out the findings of these rules, with commas between'
 complete -c dpc -n '__fish_seen_subcommand_from check' -l werror -d 'count warnings as errors for the exit status'
 complete -c dpc -n '__fish_seen_subcommand_from check' -l hosts -x -a '(__fish_print_hostnames)' -d 'the machines that run the series, with commas between'
-complete -c dpc -n '__fish_seen_subcommand_from check' -l hosts-file -r -F -d 'the same from a file, one name per line'
+complete -c dpc -n '__fish_seen_subcommand_from check' -l machines -x -d 'so many machines, with the names machine01 and so on'
+complete -c dpc -n '__fish_seen_subcommand_from check' -l hosts-file -r -F -d 'the same from a file, one name or range per line'
 complete -c dpc -n '__fish_seen_subcommand_from check' -l list-rules -d 'print all rules, and end'
 
 complete -c dpc -n '__fish_seen_subcommand_from show' -x -k -a '(__fish_complete_suffix .dpc)'
