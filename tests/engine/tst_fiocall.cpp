@@ -1,0 +1,207 @@
+#include "engine/fiocall.h"
+#include "tests/support/childprocess.h"
+#include "tests/support/files.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+
+// A shell stands in for fio: what is under test is how a process is started, told and waited for.
+
+class TestFioCall : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void keepsBothOutputsAndTheFolder();
+    void overwritesNoOutput();
+    void saysWhyItCannotStart();
+    void passesAnInterruptOn_data();
+    void passesAnInterruptOn();
+    void tellsEvenWhatIgnoresSignalsFromTheStart();
+    void stopsAtTheTimeout();
+    void killsAtTheSecondSignal();
+    void leavesNoJobOfAKilledFio();
+    void endsWithItsParent();
+    void ticksWhileItWaits();
+    void givesSignalsBack();
+
+private:
+    FioCall shell(const QString& script) const;
+    QByteArray output() const { return test::contentOf(m_folder->filePath("out")); }
+
+    QScopedPointer<QTemporaryDir> m_folder;
+
+public slots:
+    void init() { m_folder.reset(new QTemporaryDir); }
+};
+
+FioCall TestFioCall::shell(const QString& script) const
+{
+    FioCall call;
+    call.program = QStringLiteral("sh");
+    call.arguments = QStringList{QStringLiteral("-c"), script};
+    call.folder = m_folder->path();
+    call.outputFile = m_folder->filePath("out");
+    call.errorFile = m_folder->filePath("err");
+    return call;
+}
+
+namespace {
+
+/// A shell that reports what it was told, and then ends.
+const char waiting[] = "trap 'echo told; exit 0' INT; kill -%1 $PPID; while :; do sleep 0.05; done";
+
+} // namespace
+
+void TestFioCall::keepsBothOutputsAndTheFolder()
+{
+    const SignalGuard guard;
+    const FioExit exit = guard.run(shell("pwd; echo no >&2; exit 3"));
+    QVERIFY(exit.problem.isEmpty());
+    QCOMPARE(exit.stopped, StopReason::None);
+    QCOMPARE(output().trimmed(), m_folder->path().toUtf8());
+    QCOMPARE(test::contentOf(m_folder->filePath("err")), QByteArray("no\n"));
+}
+
+void TestFioCall::overwritesNoOutput()
+{
+    test::put(m_folder->filePath("out"), "mine");
+    const SignalGuard guard;
+    QVERIFY(!guard.run(shell("echo yours")).problem.isEmpty());
+    QCOMPARE(output(), QByteArray("mine"));
+}
+
+void TestFioCall::saysWhyItCannotStart()
+{
+    FioCall call = shell("");
+    call.program = QStringLiteral("no-such-program");
+    const SignalGuard guard;
+    QCOMPARE(guard.run(call).problem, QStringLiteral("No such file or directory"));
+    call.program = QStringLiteral("sh");
+    call.folder = m_folder->filePath("none");
+    QVERIFY(!guard.run(call).problem.isEmpty());
+}
+
+void TestFioCall::passesAnInterruptOn_data()
+{
+    QTest::addColumn<QString>("signal");
+    QTest::addColumn<int>("reason");
+    QTest::newRow("SIGINT") << "INT" << int(StopReason::Interrupt);
+    QTest::newRow("SIGTERM") << "TERM" << int(StopReason::Terminate);
+    QTest::newRow("SIGHUP") << "HUP" << int(StopReason::Terminate);
+}
+
+void TestFioCall::passesAnInterruptOn()
+{
+    QFETCH(QString, signal);
+    QFETCH(int, reason);
+    ::signal(SIGHUP, SIG_DFL);
+    const SignalGuard guard;
+    const FioExit exit = guard.run(shell(QString(waiting).arg(signal)));
+    QCOMPARE(int(exit.stopped), reason);
+    QVERIFY(!exit.wasKilled);
+    QCOMPARE(output(), QByteArray("told\n"));
+}
+
+void TestFioCall::tellsEvenWhatIgnoresSignalsFromTheStart()
+{
+    // As a shell starts what runs in the background.
+    ::signal(SIGINT, SIG_IGN);
+    {
+        const SignalGuard guard;
+        const FioExit exit = guard.run(shell(QString(waiting).arg("INT")));
+        QCOMPARE(exit.stopped, StopReason::Interrupt);
+        QCOMPARE(output(), QByteArray("told\n"));
+    }
+    ::signal(SIGINT, SIG_DFL);
+}
+
+void TestFioCall::stopsAtTheTimeout()
+{
+    FioCall call = shell("trap 'echo told; exit 0' INT; while :; do sleep 0.05; done");
+    call.timeoutMs = 300;
+    const SignalGuard guard;
+    const FioExit exit = guard.run(call);
+    QCOMPARE(exit.stopped, StopReason::Timeout);
+    // A shell that had not come to its trap yet ends without a word.
+    QVERIFY(output().isEmpty() || output() == "told\n");
+}
+
+void TestFioCall::killsAtTheSecondSignal()
+{
+    const SignalGuard guard;
+    const FioExit exit = guard.run(
+        shell("trap 'kill -TERM $PPID' INT; kill -INT $PPID; while :; do sleep 0.05; done"));
+    QCOMPARE(exit.stopped, StopReason::Interrupt);
+    QVERIFY(exit.wasKilled);
+}
+
+void TestFioCall::leavesNoJobOfAKilledFio()
+{
+    const SignalGuard guard;
+    // The job holds the pipe open for as long as it lives.
+    std::array<int, 2> pipe{};
+    QCOMPARE(::pipe(pipe.data()), 0);
+    const FioExit exit = guard.run(shell("sleep 1000 & kill -KILL $$"));
+    QVERIFY(exit.problem.isEmpty());
+    ::close(pipe[1]);
+    char byte = 0;
+    QCOMPARE(::read(pipe[0], &byte, 1), ssize_t(0));
+    ::close(pipe[0]);
+}
+
+void TestFioCall::endsWithItsParent()
+{
+    const QString told = m_folder->filePath("told");
+    std::array<int, 2> pipe{};
+    QCOMPARE(::pipe(pipe.data()), 0);
+    const pid_t parent = test::startChild([&] {
+        const SignalGuard guard;
+        guard.run(shell("trap 'echo told > told; exit 0' INT; kill -KILL $PPID; "
+                        "while :; do sleep 0.05; done"));
+    });
+    ::close(pipe[1]);
+    QVERIFY(!test::endedWell(parent));
+    // The end of the shell closes the last copy of the pipe.
+    char byte = 0;
+    QCOMPARE(::read(pipe[0], &byte, 1), ssize_t(0));
+    ::close(pipe[0]);
+    QCOMPARE(test::contentOf(told), QByteArray("told\n"));
+}
+
+void TestFioCall::ticksWhileItWaits()
+{
+    FioCall call = shell("while ! test -e ticked; do sleep 0.02; done");
+    call.tickMs = 20;
+    int ticks = 0;
+    call.onTick = [&](pid_t process) {
+        QVERIFY(process > 0);
+        if (++ticks == 3)
+            test::put(m_folder->filePath("ticked"), "");
+    };
+    const SignalGuard guard;
+    QCOMPARE(guard.run(call).stopped, StopReason::None);
+    QVERIFY(ticks >= 3);
+}
+
+void TestFioCall::givesSignalsBack()
+{
+    {
+        const SignalGuard guard;
+        QCOMPARE(guard.pending(), StopReason::None);
+        ::raise(SIGTERM);
+        QCOMPARE(guard.pending(), StopReason::Terminate);
+        QCOMPARE(guard.pending(), StopReason::None);
+    }
+    sigset_t mask{};
+    ::sigprocmask(SIG_SETMASK, nullptr, &mask);
+    QVERIFY(!::sigismember(&mask, SIGTERM));
+    QVERIFY(!::sigismember(&mask, SIGINT));
+}
+
+QTEST_APPLESS_MAIN(TestFioCall)
+#include "tst_fiocall.moc"
