@@ -20,8 +20,9 @@ QString kvToQString(const _kvString8_allSize<N>& text)
     return kvToQString(text.text, text.length);
 }
 
-/// The one way by which 16-bit text leaves the program's records: code units 0xFF80 to 0xFFFF,
-/// which only sign extension produces, become the Latin-1 character of their low byte.
+/// The one way by which 16-bit text leaves the program's records: code units 0xFF80 to 0xFFFF
+/// become the Latin-1 character of their low byte, for sign extension makes them of bytes.
+/// Characters that have these code units themselves, halfwidth forms, can't be told from them.
 template <int N>
 QString kvToQString(const _kvString<N>& text)
 {
