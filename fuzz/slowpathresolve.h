@@ -5,16 +5,15 @@
 
 namespace slow {
 
-inline bool isOneVariable(const QString& segment)
+inline bool holdsBracketedWord(const QString& segment)
 {
-    return segment.size() >= 2 && segment.startsWith('[') && segment.endsWith(']') &&
-           segment.count('[') == 1 && segment.count(']') == 1;
+    return segment.contains('[') && segment.section('[', 1).contains(']');
 }
 
 /// False where ".." leads out of something unknown, or out of nothing.
 inline bool canBeLeft(const QStringList& folders)
 {
-    return !folders.isEmpty() && folders.last() != ".." && !isOneVariable(folders.last());
+    return !folders.isEmpty() && folders.last() != ".." && !holdsBracketedWord(folders.last());
 }
 
 /// A second path resolution, on lists of whole segments.

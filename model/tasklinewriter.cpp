@@ -1,48 +1,70 @@
 #include "model/tasklinewriter.h"
 
+#include <QtGlobal>
+
 #include <algorithm>
-#include <charconv>
+#include <limits>
 
 namespace {
 
-/// A line in 8 bits, uncut: there is room for four whole paths and everything between them.
+// How long a line can get: the longest text of each piece, added up.
+constexpr int longestNumber = std::numeric_limits<std::int32_t>::digits10 + 2; // one more, a sign
+constexpr int longestKeywords = kvdetail::textLength("Posix ;") + kvdetail::textLength("NOflush;") +
+                                kvdetail::textLength("NOprealloc; ") +
+                                kvdetail::textLength("false;");
+constexpr int longestNumbers = 6 * longestNumber + kvdetail::textLength(";"
+                                                                        ";  "
+                                                                        "; "
+                                                                        ";"
+                                                                        ";"
+                                                                        ";  ");
+constexpr int longestPaths =
+    4 * (kvdetail::capacityOf(_kvString8_allSize<500>()) + kvdetail::textLength(";  "));
+
+/// A line in 8 bits before it is cut. Nothing is checked when a piece is added, for there is room
+/// for the longest line that a record can give.
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): clearing it would cost more than the line
-class Bytes
+class UncutLine
 {
 public:
     void add(const char* text) { add(text, kvdetail::textLength(text)); }
     void add(const char* text, int count)
     {
+        Q_ASSERT(m_length + count <= static_cast<int>(sizeof m_text));
         std::copy_n(text, count, m_text + m_length);
         m_length += count;
     }
 
-    /// The decimal text, padded with blanks on the left.
-    void addNumber(std::int32_t number, int width = 0)
+    void addNumber(int number)
     {
-        char digits[16];
-        const char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-        const auto count = static_cast<int>(end - digits);
-        for (int padding = width - count; padding > 0; --padding)
-            add(" ");
-        add(digits, count);
+        _kvString8_allSize<15> digits;
+        digits.addNr(number);
+        add(digits.text, digits.length);
+    }
+
+    /// Padded with blanks on the left.
+    void addNumber(long long number, unsigned char width)
+    {
+        _kvString8_allSize<20> digits;
+        digits.addNr(number, width);
+        add(digits.text, digits.length);
     }
 
     const char* text() const { return m_text; }
     int length() const { return m_length; }
 
 private:
-    char m_text[4 * 500 + 200]; // not cleared: only what was added is read
+    char m_text[longestKeywords + longestNumbers + longestPaths]; // only what was added is read
     int m_length = 0;
 };
 
-void addPath(Bytes& line, const _kvString8_allSize<500>& path)
+void addPath(UncutLine& line, const _kvString8_allSize<500>& path)
 {
     line.add(path.text);
     line.add(";  ");
 }
 
-void addPathOrMemory(Bytes& line, const _kvString8_allSize<500>& path)
+void addPathOrMemory(UncutLine& line, const _kvString8_allSize<500>& path)
 {
     if (path.isEmpty())
         line.add("MEMORY;  ");
@@ -68,7 +90,7 @@ const char* methodField(IoMethod method)
     return ";";
 }
 
-void addSettings(Bytes& line, const TestTask& task)
+void addSettings(UncutLine& line, const TestTask& task)
 {
     const _fileGLobal& io = task.io;
     line.add(methodField(task.method));
@@ -94,16 +116,16 @@ void addSettings(Bytes& line, const TestTask& task)
 _kvString<1000>& writeTaskLine(_kvString<1000>& line, TestTask& task)
 {
     task.normalise();
-    Bytes bytes;
-    addSettings(bytes, task);
-    addPathOrMemory(bytes, task.sourcePath);
-    addPathOrMemory(bytes, task.destPath);
-    addPath(bytes, task.logPath);
-    addPath(bytes, task.csvPath);
-    bytes.add(task.writeDone ? "true;" : "false;");
+    UncutLine uncut;
+    addSettings(uncut, task);
+    addPathOrMemory(uncut, task.sourcePath);
+    addPathOrMemory(uncut, task.destPath);
+    addPath(uncut, task.logPath);
+    addPath(uncut, task.csvPath);
+    uncut.add(task.writeDone ? "true;" : "false;");
 
     // Widened once, at the end: all but the paths is ASCII, which has no sign.
     line.clear();
-    line.addSignExtended(bytes.text(), bytes.length());
+    line.addSignExtended(uncut.text(), uncut.length());
     return line;
 }

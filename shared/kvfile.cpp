@@ -160,8 +160,7 @@ _kvString8_allSize<500> kvGetTempDir()
     return kvToString8<500>(folder);
 }
 
-void writeToLogFile(const _kvString8_allSize<250>& file, const _kvString8_allSize<5000>& text, bool,
-                    bool)
+void writeToLogFile(const _kvString8_allSize<250>& file, _kvString8_allSize<5000> text, bool, bool)
 {
     const QByteArray name = QFile::encodeName(kvToQString(file));
     if (name.isEmpty() || name.contains('\0'))

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "shared/kvexport.h"
 #include "shared/kvstring16.h"
 #include "shared/kvstring8.h"
 
@@ -9,15 +8,15 @@
 // Files and folders. 8-bit names are Latin-1; the file system gets its own encoding of them.
 
 /// True for anything that exists under the name, links followed.
-KVSHARED_EXPORT bool kvFileExists(const _kvString<500>& file);
+bool kvFileExists(const _kvString<500>& file);
 
 /// Creates a folder, with `parents` also the missing ones above it. True if the folder is there
 /// afterwards.
-KVSHARED_EXPORT bool kvCreateFolder(const QString& folder, bool parents);
+bool kvCreateFolder(const QString& folder, bool parents);
 
 /// The system's folder for temporary files, without a separator at the end: TMPDIR if it is a
 /// folder, else /tmp.
-KVSHARED_EXPORT _kvString8_allSize<500> kvGetTempDir();
+_kvString8_allSize<500> kvGetTempDir();
 
 /// Replaces the content of a file, whole or not at all: a reader sees the old content or the new
 /// one, at every moment and also after a crash. Missing folders are made. Links are followed, and
@@ -26,5 +25,4 @@ KVSHARED_EXPORT _kvString8_allSize<500> kvGetTempDir();
 /// that is no regular file; no temporary file is left behind then, only after a crash.
 /// Another name of the same file, a hard link, keeps the old content.
 /// The two flags belong to the interface; every caller passes true and false.
-KVSHARED_EXPORT void writeToLogFile(const _kvString8_allSize<250>& file,
-                                    const _kvString8_allSize<5000>& text, bool, bool);
+void writeToLogFile(const _kvString8_allSize<250>& file, _kvString8_allSize<5000> text, bool, bool);

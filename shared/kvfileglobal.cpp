@@ -46,7 +46,9 @@ void _fileGLobal::setErrorText(const _kvString8_allSize<500>& text1,
                                const _kvString8_allSize<500>& text4,
                                const _kvString8_allSize<500>& text5)
 {
-    errorText = _kvString8_allSize<500>("ERROR: ");
+    // One of the texts may be the error text itself.
+    _kvString8_allSize<500> message("ERROR: ");
     for (const auto* text : {&text1, &text2, &text3, &text4, &text5})
-        errorText.add(*text);
+        message.add(*text);
+    errorText = message;
 }

@@ -1,13 +1,12 @@
 #pragma once
 
-#include "shared/kvexport.h"
 #include "shared/kvstring8.h"
 #include "shared/kvtime.h"
 
 #include <cstdint>
 
 /// The default chunk size for copying, in bytes.
-KVSHARED_EXPORT int copyFile_chunksize();
+int copyFile_chunksize();
 
 /// How the system buffers a file: -1 is the default, the meaning of the others is the I/O method's.
 /// Records and config files may hold any 32-bit number.
@@ -19,7 +18,7 @@ using CacheMode = std::int32_t;
 
 /// The settings with which a file is read or written. The order of members and of the two virtual
 /// operations is fixed: the speed test's own classes are laid out upon it.
-class KVSHARED_EXPORT _fileGLobal
+class _fileGLobal
 {
 public:
     _fileGLobal();
@@ -29,7 +28,8 @@ public:
     /// This base does not know which settings are valid: sets `errorText`.
     virtual void clearInvalidSettings();
 
-    /// Sets `errorText` to "ERROR: " followed by the texts, cut at 500 characters.
+    /// Sets `errorText` to "ERROR: " followed by the texts, cut at 500 characters. A text may be
+    /// `errorText` itself.
     void setErrorText(const _kvString8_allSize<500>& text1,
                       const _kvString8_allSize<500>& text2 = {},
                       const _kvString8_allSize<500>& text3 = {},

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <iterator>
 #include <string>
+#include <type_traits>
 
-/// Helpers on plain character ranges; a char counts as its Latin-1 code unit, never as a sign.
+/// What the 8-bit and the 16-bit fixed-capacity strings share: helpers on plain character ranges,
+/// and below them the operations on a `Text`, one of the two. A char counts as its Latin-1 code
+/// unit, never as a sign. Nothing here fails or allocates.
 namespace kvdetail {
 
 /// A character as an unsigned number.
@@ -73,133 +77,97 @@ constexpr int findText(const A* text, int length, const B* what, int whatLength,
     return -1;
 }
 
-} // namespace kvdetail
-
-/// The operations that the 8-bit and the 16-bit fixed-capacity strings share. It has no members of
-/// its own, so that `Text` keeps its layout: `length` first, then the contiguous characters.
-///
-/// Capacity is N characters. Whatever would pass it is dropped silently, and `text[length]` is
-/// always zero. Comparisons are exact. No operation fails or allocates.
-template <class Text, class Char, int N>
-class kvFixedText
+/// Characters that a text can hold; behind them there is room for the terminating zero.
+template <class Text>
+constexpr int capacityOf(const Text& text)
 {
-public:
-    /// Empties the text.
-    constexpr void clear() { terminateAt(0); }
+    return static_cast<int>(std::size(text.text)) - 1;
+}
 
-    /// Sets the length in characters, brought into 0 to N, and terminates the text there. Growing
-    /// takes in what the array holds: callers that wrote characters directly use it so.
-    constexpr void setLength(const short& newLength)
-    {
-        const int notNegative = newLength < 0 ? 0 : newLength;
-        terminateAt(notNegative > N ? N : notNegative);
+/// Makes `end`, from 0 to the capacity, the length.
+template <class Text>
+constexpr void terminateAt(Text& text, int end)
+{
+    text.length = static_cast<short>(end);
+    text.text[end] = 0;
+}
+
+/// Sets the length, brought into 0 to the capacity. Growing takes in what the array holds.
+template <class Text>
+constexpr void setLength(Text& text, int length)
+{
+    const int notNegative = length < 0 ? 0 : length;
+    terminateAt(text, notNegative > capacityOf(text) ? capacityOf(text) : notNegative);
+}
+
+/// How many of `count` further characters have room.
+template <class Text>
+constexpr int fittingOf(const Text& text, int count)
+{
+    const int room = capacityOf(text) - text.length;
+    return count < 0 ? 0 : (count < room ? count : room);
+}
+
+/// Appends `count` characters, as far as there is room; 8-bit ones widen without sign.
+template <class Text, class Char>
+constexpr void append(Text& text, const Char* source, int count)
+{
+    using Own = std::remove_reference_t<decltype(text.text[0])>;
+    const int fitting = fittingOf(text, count);
+    Own* const end = text.text + text.length;
+    for (int i = 0; i < fitting; ++i)
+        end[i] = static_cast<Own>(codeUnit(source[i]));
+    terminateAt(text, text.length + fitting);
+}
+
+/// True if the text is `other`, of `length` characters.
+template <class Text, class Char>
+constexpr bool isEqual(const Text& text, const Char* other, int length)
+{
+    return text.length == length && sameText(text.text, other, length);
+}
+
+/// True if the text begins with `prefix`; every text begins with the empty one.
+template <class Text>
+constexpr bool startsWith(const Text& text, const char* prefix)
+{
+    const int length = textLength(prefix);
+    return length <= text.length && sameText(text.text, prefix, length);
+}
+
+/// The same for its end.
+template <class Text>
+constexpr bool endsWith(const Text& text, const char* suffix)
+{
+    const int start = text.length - textLength(suffix);
+    return start >= 0 && sameText(text.text + start, suffix, text.length - start);
+}
+
+/// True if `what` stands anywhere in the text. The empty text is never found.
+template <class Text>
+constexpr bool contains(const Text& text, const char* what)
+{
+    return findText(text.text, text.length, what, textLength(what), 0) >= 0;
+}
+
+/// Replaces every occurrence of `what`, found from the left and not overlapping; what is put in is
+/// not searched again. An empty `what` changes nothing.
+template <class Text>
+constexpr void replace(Text& text, const Text& what, const Text& with)
+{
+    int found = findText(text.text, text.length, what.text, what.length, 0);
+    if (found < 0)
+        return;
+    Text result;
+    int copied = 0;
+    while (found >= 0) {
+        append(result, text.text + copied, found - copied);
+        append(result, with.text, with.length);
+        copied = found + what.length;
+        found = findText(text.text, text.length, what.text, what.length, copied);
     }
+    append(result, text.text + copied, text.length - copied);
+    text = result;
+}
 
-    /// True if the text holds no character.
-    constexpr bool isEmpty() const { return self().length == 0; }
-    /// True if it holds any.
-    constexpr bool hasData() const { return self().length != 0; }
-
-    /// Same length and same characters.
-    constexpr bool isEqual(const Text& other) const
-    {
-        return self().length == other.length &&
-               kvdetail::sameText(self().text, other.text, self().length);
-    }
-
-    /// True if the text is `other`; 8-bit characters are Latin-1.
-    constexpr bool isEqual(const char* other) const
-    {
-        return self().length == kvdetail::textLength(other) &&
-               kvdetail::sameText(self().text, other, self().length);
-    }
-
-    /// True if the text begins with `prefix`, a Latin-1 text; every text begins with the empty one.
-    constexpr bool startsWith(const char* prefix) const
-    {
-        const int prefixLength = kvdetail::textLength(prefix);
-        return prefixLength <= self().length &&
-               kvdetail::sameText(self().text, prefix, prefixLength);
-    }
-
-    /// The same for its end.
-    constexpr bool endsWith(const char* suffix) const
-    {
-        const int start = self().length - kvdetail::textLength(suffix);
-        return start >= 0 && kvdetail::sameText(self().text + start, suffix, self().length - start);
-    }
-
-    /// True if `what`, a Latin-1 text, stands anywhere in it. The empty text is never found.
-    constexpr bool contains(const char* what) const
-    {
-        return kvdetail::findText(self().text, self().length, what, kvdetail::textLength(what),
-                                  0) >= 0;
-    }
-
-    /// Appends one character.
-    constexpr void addChar(Char c)
-    {
-        if (self().length < N) {
-            self().text[self().length] = c;
-            terminateAt(self().length + 1);
-        }
-    }
-
-    /// Appends `count` characters; 8-bit ones are Latin-1 and widen without sign.
-    template <class Source>
-    constexpr void add(const Source* source, int count)
-    {
-        const int fitting = fittingOf(count);
-        Char* const end = self().text + self().length;
-        for (int i = 0; i < fitting; ++i)
-            end[i] = static_cast<Char>(kvdetail::codeUnit(source[i]));
-        terminateAt(self().length + fitting);
-    }
-
-    /// Appends a zero-terminated Latin-1 text; a null pointer counts as the empty text.
-    constexpr void add(const char* source) { add(source, kvdetail::textLength(source)); }
-
-    /// Appends another text of the same kind.
-    constexpr void add(const Text& other) { add(other.text, other.length); }
-
-    /// Replaces every occurrence of `what`, found from the left and not overlapping; what is put in
-    /// is not searched again. An empty `what` changes nothing.
-    constexpr void replace(const Text& what, const Text& with)
-    {
-        int found = kvdetail::findText(self().text, self().length, what.text, what.length, 0);
-        if (found < 0)
-            return;
-        Text result;
-        int copied = 0;
-        while (found >= 0) {
-            result.add(self().text + copied, found - copied);
-            result.add(with);
-            copied = found + what.length;
-            found = kvdetail::findText(self().text, self().length, what.text, what.length, copied);
-        }
-        result.add(self().text + copied, self().length - copied);
-        self() = result;
-    }
-
-    /// Removes every occurrence of `what`.
-    constexpr void remove(const Text& what) { replace(what, Text()); }
-
-protected:
-    /// How many of `count` further characters have room.
-    constexpr int fittingOf(int count) const
-    {
-        const int room = N - self().length;
-        return count < 0 ? 0 : (count < room ? count : room);
-    }
-
-    /// Makes `end`, from 0 to N, the length.
-    constexpr void terminateAt(int end)
-    {
-        self().length = static_cast<short>(end);
-        self().text[end] = 0;
-    }
-
-private:
-    constexpr Text& self() { return static_cast<Text&>(*this); }
-    constexpr const Text& self() const { return static_cast<const Text&>(*this); }
-};
+} // namespace kvdetail

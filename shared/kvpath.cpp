@@ -1,5 +1,7 @@
 #include "shared/kvpath.h"
 
+#include <utility>
+
 namespace {
 
 bool isAsciiLetter(char c)
@@ -75,7 +77,7 @@ private:
             --start;
         const auto* segment = m_result.text + start;
         const int length = m_result.length - start;
-        if (length == 0 || isDotDot(segment, length) || isVariable(segment, length))
+        if (length == 0 || isDotDot(segment, length) || holdsBracketedWord(segment, length))
             return false;
         m_result.setLength(static_cast<short>(start > m_root ? start - 1 : start));
         return true;
@@ -87,17 +89,12 @@ private:
         return length == 2 && segment[0] == '.' && segment[1] == '.';
     }
 
-    /// One bracketed variable and nothing else: how many folders it stands for is not known here.
+    /// A variable may stand for several folders, and its value may end within one.
     template <class Char>
-    static bool isVariable(const Char* segment, int length)
+    static bool holdsBracketedWord(const Char* segment, int length)
     {
-        if (length < 2 || segment[0] != '[' || segment[length - 1] != ']')
-            return false;
-        for (int i = 1; i < length - 1; ++i) {
-            if (segment[i] == '[' || segment[i] == ']')
-                return false;
-        }
-        return true;
+        const int opening = kvdetail::findUnit(segment, length, '[', 0);
+        return kvdetail::findUnit(segment, length, ']', opening) < length;
     }
 
     const Text& m_path;
@@ -129,28 +126,31 @@ QString kvConvertPDToOS(const QString& path, _kvOS os)
     return os == _kvOS::Windows ? QString(path).replace(QLatin1Char('/'), QLatin1Char('\\')) : path;
 }
 
-_kvString8_allSize<500> kvGetDirName(const _kvString8_allSize<500>& path)
+_kvString8_allSize<500> kvGetDirName(_kvString8_allSize<500> path)
 {
-    _kvString8_allSize<500> folder = path;
-    while (folder.length > 0 && folder.text[folder.length - 1] != '/')
-        folder.setLength(static_cast<short>(folder.length - 1));
-    return folder;
+    while (path.length > 0 && path.text[path.length - 1] != '/')
+        path.setLength(static_cast<short>(path.length - 1));
+    return path;
 }
 
-QString kvGetDirName(const QString& path, unsigned short separator)
+QString kvGetDirName(QString path, unsigned short separator)
 {
-    return path.left(path.lastIndexOf(QChar(separator)) + 1);
+    path.truncate(path.lastIndexOf(QChar(separator)) + 1);
+    return path;
 }
 
-QString kvGetDirNameAutoPD(const QString& path)
+QString kvGetDirNameAutoPD(QString path)
 {
-    return kvGetDirName(path, path.contains(QLatin1Char('/')) ? '/' : '\\');
+    const auto separator = path.contains(QLatin1Char('/')) ? u'/' : u'\\';
+    return kvGetDirName(std::move(path), separator);
 }
 
-QString kvGetFileNameBase(const QString& path, unsigned short separator)
+QString kvGetFileNameBase(QString path, unsigned short separator)
 {
-    const QString name = path.mid(path.lastIndexOf(QChar(separator)) + 1);
-    return name.left(name.lastIndexOf(QLatin1Char('.')));
+    path.remove(0, path.lastIndexOf(QChar(separator)) + 1);
+    const int end = path.lastIndexOf(QLatin1Char('.'));
+    path.truncate(end < 0 ? path.size() : end);
+    return path;
 }
 
 bool kvIsDigit(const unsigned short& ch)
@@ -158,12 +158,12 @@ bool kvIsDigit(const unsigned short& ch)
     return ch >= '0' && ch <= '9';
 }
 
-_kvString8_allSize<500> kvPathResolve(const _kvString8_allSize<500>& path)
+_kvString8_allSize<500> kvPathResolve(_kvString8_allSize<500> path)
 {
     return PathResolver<_kvString8_allSize<500>>(path).resolve();
 }
 
-_kvString<500> kvPathResolve(const _kvString<500>& path)
+_kvString<500> kvPathResolve(_kvString<500> path)
 {
     return PathResolver<_kvString<500>>(path).resolve();
 }

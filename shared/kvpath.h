@@ -1,6 +1,5 @@
 #pragma once
 
-#include "shared/kvexport.h"
 #include "shared/kvstring16.h"
 #include "shared/kvstring8.h"
 
@@ -18,35 +17,36 @@ enum class _kvOS
 
 /// False for text that begins with "/", "\", a drive letter and ":", or with "[cfgPath]" or
 /// "[temp]", which stand for rooted folders; else true, for the empty text too.
-KVSHARED_EXPORT bool isRelativePath(const _kvString8_allSize<500>& path);
+bool isRelativePath(const _kvString8_allSize<500>& path);
 
 /// Turns the platform-independent separators into those of Linux, which this program runs on. For
 /// Linux and macOS nothing changes: a "\" is an ordinary character there.
-KVSHARED_EXPORT _kvString8_allSize<500> kvConvertPDToOS(const _kvString8_allSize<500>& path);
+_kvString8_allSize<500> kvConvertPDToOS(const _kvString8_allSize<500>& path);
 /// The same for a text without a limit.
-KVSHARED_EXPORT QString kvConvertPDToOS(const QString& path);
+QString kvConvertPDToOS(const QString& path);
 /// The same for the system given.
-KVSHARED_EXPORT QString kvConvertPDToOS(const QString& path, _kvOS os);
+QString kvConvertPDToOS(const QString& path, _kvOS os);
 
 /// The folder part: up to and including the last "/"; empty where there is none.
-KVSHARED_EXPORT _kvString8_allSize<500> kvGetDirName(const _kvString8_allSize<500>& path);
+_kvString8_allSize<500> kvGetDirName(_kvString8_allSize<500> path);
 /// The same up to and including the last separator.
-KVSHARED_EXPORT QString kvGetDirName(const QString& path, unsigned short separator);
+QString kvGetDirName(QString path, unsigned short separator);
 
 /// The folder part of a path in either notation: the separator is "/" where the text has one, else
 /// "\".
-KVSHARED_EXPORT QString kvGetDirNameAutoPD(const QString& path);
+QString kvGetDirNameAutoPD(QString path);
 
 /// The file name after the last separator, without the last "." and what follows it.
-KVSHARED_EXPORT QString kvGetFileNameBase(const QString& path, unsigned short separator);
+QString kvGetFileNameBase(QString path, unsigned short separator);
 
 /// "0" to "9".
-KVSHARED_EXPORT bool kvIsDigit(const unsigned short& ch);
+bool kvIsDigit(const unsigned short& ch);
 
 /// A normalised form, never longer than the path: joins repeated "/" (exactly two at the start, a
 /// network share, stay), drops "." and resolves ".." as far as the text tells: never past the root,
-/// a leading ".." or a segment that is one bracketed variable. A "/" at the end stays. A relative
-/// path that cancels out is "."; the empty path stays empty.
-KVSHARED_EXPORT _kvString8_allSize<500> kvPathResolve(const _kvString8_allSize<500>& path);
+/// a leading ".." or a segment that holds a bracketed word, for nobody knows yet how many folders
+/// that stands for ("[cfgPath]sub"). A "/" at the end stays. A relative path that cancels out is
+/// "."; the empty path stays empty.
+_kvString8_allSize<500> kvPathResolve(_kvString8_allSize<500> path);
 /// The same for 16-bit texts.
-KVSHARED_EXPORT _kvString<500> kvPathResolve(const _kvString<500>& path);
+_kvString<500> kvPathResolve(_kvString<500> path);

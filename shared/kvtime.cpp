@@ -12,3 +12,5 @@ QString _kvTime::asStringFileName_TruncSec() const
     return QLocale::c().toString(QDateTime::fromSecsSinceEpoch(m_secondsSinceEpoch),
                                  QStringLiteral("yyyy-MM-dd_HH-mm-ss"));
 }
+
+kvTimer::kvTimer() = default;

@@ -1,11 +1,9 @@
 #pragma once
 
-#include "shared/kvexport.h"
-
 #include <QString>
 
 /// A moment in whole seconds.
-class KVSHARED_EXPORT _kvTime
+class _kvTime
 {
 public:
     /// The current time, or with false the start of 1970.
@@ -19,10 +17,10 @@ private:
 };
 
 /// A stopwatch, not started.
-class KVSHARED_EXPORT kvTimer
+class kvTimer
 {
 public:
-    kvTimer() = default;
+    kvTimer();
 
 private:
     [[maybe_unused]] qint64 m_startNanoseconds = 0;

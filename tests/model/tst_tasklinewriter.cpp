@@ -184,6 +184,23 @@ private slots:
         QCOMPARE(kvToQString(line), whole.left(1000));
     }
 
+    void everyPieceAtItsLongestHasRoomBeforeTheCut()
+    {
+        constexpr auto smallest = std::numeric_limits<std::int32_t>::min();
+        TestTask task;
+        task.method = IoMethod::Posix;
+        task.io.chunkWait = task.io.chunkSize = task.io.fileSize = smallest;
+        task.io.sysBufferMode = task.io.cacheMode = task.iterations = smallest;
+        for (auto* path : {&task.sourcePath, &task.destPath, &task.logPath, &task.csvPath})
+            *path = kvToString8<500>(QString(500, 'p'));
+        const QByteArray settings("Posix ;NOflush;NOprealloc; -2147483648;-2097152; -2147483648; "
+                                  "-2097152;-2147483648;-2147483648;  ");
+        _kvString<1000> line;
+        writeTaskLine(line, task);
+        QCOMPARE(kvToQString(line).toLatin1(),
+                 (settings + QByteArray(500, 'p') + ";  " + QByteArray(500, 'p')).left(1000));
+    }
+
     void cutsOfAnyLengthAreTerminated()
     {
         // Growing the last path by one character moves every later one across the limit.

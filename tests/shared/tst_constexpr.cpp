@@ -141,7 +141,7 @@ constexpr bool bytesWidenWithAndWithoutSign()
                          "a",
                          2);
     return text.text[0] == 0xFC && text.text[1] == 0xFFFC && text.text[2] == 'a' &&
-           kvCharLen(text.text) == 3;
+           text.text[3] == 0;
 }
 static_assert(bytesWidenWithAndWithoutSign());
 

@@ -112,6 +112,14 @@ private slots:
         }
     }
 
+    void errorTextMayHoldWhatItHeldBefore()
+    {
+        _fileGLobal io;
+        io.setErrorText(_kvString8_allSize<500>("a"));
+        io.setErrorText(io.errorText, io.errorText);
+        QCOMPARE(kvToQString(io.errorText), QStringLiteral("ERROR: ERROR: aERROR: a"));
+    }
+
     void timeTextSortsAndIsSafeInFileNames()
     {
         const QString before = QDateTime::currentDateTime().toString(Qt::ISODate);

@@ -274,6 +274,14 @@ private slots:
         allSharedOperations<_kvString<1000>>();
     }
 
+    void clearingAWideTextClearsItsReserveToo()
+    {
+        _kvString<500> text("a");
+        text.reserved = 7;
+        text.clear();
+        QCOMPARE(int(text.reserved), 0);
+    }
+
     void numbersAppendInDecimalAndPadOnTheLeft()
     {
         addingNumbers<15>();

@@ -121,9 +121,16 @@ private slots:
         row("[cfgPath]/../../x", "[cfgPath]/../../x");
         row("[cfgPath]/a/../x", "[cfgPath]/x");
         row("/[temp]/..", "/[temp]/..");
-        row("a[iter]/../x", "x");
-        row("[a][b]/../x", "x");
+        row("[cfgPath]sub/../y.dat", "[cfgPath]sub/../y.dat");
+        row("/d/a[iter]/../x", "/d/a[iter]/../x");
+        row("a[iter]b/c/../x", "a[iter]b/x");
+        row("[a][b]/../x", "[a][b]/../x");
+        row("[a[b]/../x", "[a[b]/../x");
+        row("]a[b]/../x", "]a[b]/../x");
         row("[/../x", "x");
+        row("]/../x", "x");
+        row("]a[/../x", "x");
+        row("[a/b]/../x", "[a/x");
         row("[]/..", "[]/..");
         row("a.../..b/.c", "a.../..b/.c");
         row("a\\..\\b", "a\\..\\b");
