@@ -2,6 +2,8 @@
 
 #include "check/rule.h"
 
+#include <string>
+
 // What fio does otherwise than a task says, in the form of the rules of a check. An error: fio
 // can't do the task, and nothing runs. A warning: the measured work is another one, which a user
 // must allow by the name of the rule. A note: the measured work is the same.
@@ -9,6 +11,7 @@
 extern const Rule fioNotRead;
 extern const Rule fioNotRun;
 extern const Rule fioMarker;
+extern const Rule fioTwoFiles;
 extern const Rule fioNoFile;
 extern const Rule fioNoSendfile;
 extern const Rule fioName;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "check/rule.h"
 #include "check/seriesfacts.h"
 #include "engine/plan.h"
 
