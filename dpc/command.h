@@ -136,6 +136,9 @@ struct UsageError
 {
     std::string text;
 
+    explicit UsageError(std::string reason)
+        : text(std::move(reason))
+    {}
     UsageError(const Option& option, const std::string& reason)
         : text(option.longName() + ": " + reason)
     {}

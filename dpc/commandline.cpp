@@ -14,6 +14,19 @@
 
 namespace {
 
+CLI::Validator oneOf(const Option& option)
+{
+    const auto problem = [&option](const std::string& text) {
+        const bool isChoice = std::any_of(option.choices.begin(), option.choices.end(),
+                                          [&](const char* choice) { return text == choice; });
+        return isChoice
+                   ? std::string()
+                   : fmt::format("{} is not one of {}", quoted(decoded(text)),
+                                 fmt::join(option.choices.begin(), option.choices.end(), ", "));
+    };
+    return CLI::Validator(problem, "");
+}
+
 CLI::Validator wholeNumber()
 {
     const auto problem = [](const std::string& text) {
@@ -49,8 +62,10 @@ public:
     Arguments parse(const std::vector<std::string>& typed)
     {
         const auto end = std::find(typed.begin(), typed.end(), "--");
+        std::vector<std::string> before = withEmptyValues({typed.begin(), end});
         // The parser takes them from the end.
-        m_app.parse(std::vector<std::string>(std::make_reverse_iterator(end), typed.rend()));
+        std::reverse(before.begin(), before.end());
+        m_app.parse(before);
         Arguments arguments;
         bool needsOperands = true;
         for (const auto& [option, parser] : m_options) {
@@ -60,7 +75,8 @@ public:
             needsOperands = needsOperands && !option->replacesOperands;
         }
         std::vector<std::string> operands = m_app.remaining();
-        refuse(operands, [](const std::string& text) { return text.size() > 1 && text[0] == '-'; });
+        for (const std::string& text : operands)
+            refuseOption(text);
         if (end != typed.end())
             operands.insert(operands.end(), end + 1, typed.end());
         addOperands(arguments, operands, needsOperands);
@@ -68,6 +84,23 @@ public:
     }
 
 private:
+    /// "--hosts=" as "--hosts" and an empty text: the parser would take what follows as the value.
+    std::vector<std::string> withEmptyValues(const std::vector<std::string>& typed) const
+    {
+        std::vector<std::string> result;
+        for (const std::string& text : typed) {
+            const bool isEmpty =
+                std::any_of(m_options.begin(), m_options.end(), [&](const auto& known) {
+                    return known.first->valueName != nullptr &&
+                           text == known.first->longName() + '=';
+                });
+            result.push_back(isEmpty ? text.substr(0, text.size() - 1) : text);
+            if (isEmpty)
+                result.emplace_back();
+        }
+        return result;
+    }
+
     CLI::Option* addOption(const Option& option)
     {
         if (option.kind == ValueKind::Flag)
@@ -76,20 +109,25 @@ private:
         if (option.repeats)
             parser->take_all();
         if (option.kind == ValueKind::Choice)
-            parser->check(CLI::IsMember(
-                std::vector<std::string>(option.choices.begin(), option.choices.end())));
+            parser->check(oneOf(option));
         if (option.kind == ValueKind::Number)
             parser->check(wholeNumber());
         return parser;
     }
 
-    template <typename Predicate>
-    static void refuse(const std::vector<std::string>& texts, Predicate isUnexpected)
+    void refuseOption(const std::string& text) const
     {
-        std::vector<std::string> unexpected;
-        std::copy_if(texts.rbegin(), texts.rend(), std::back_inserter(unexpected), isUnexpected);
-        if (!unexpected.empty())
-            throw CLI::ExtrasError(unexpected);
+        if (text.size() < 2 || text[0] != '-')
+            return;
+        std::vector<std::string> names;
+        for (const auto& known : m_options)
+            names.push_back(known.first->longName());
+        std::vector<const char*> candidates;
+        for (const std::string& name : names)
+            candidates.push_back(name.c_str());
+        throw UsageError(
+            fmt::format("unknown option {}{}", quoted(decoded(text)),
+                        didYouMean(closest(text, candidates.data(), int(candidates.size())))));
     }
 
     /// Not left to the parser, which takes a name in brackets for a list.
@@ -104,8 +142,7 @@ private:
             repeats = operand.repeats;
         }
         if (!repeats && texts.size() > wanted)
-            refuse({texts.begin() + std::ptrdiff_t(wanted), texts.end()},
-                   [](const std::string&) { return true; });
+            throw UsageError(fmt::format("unexpected argument {}", quoted(decoded(texts[wanted]))));
         for (const std::string& text : texts)
             arguments.addOperand(text);
     }
@@ -120,6 +157,17 @@ int failInUse(const Output& output, const std::string& text, const std::string& 
     return fail(output, fmt::format("{} (see {} --help)", printable(decoded(text)), command));
 }
 
+/// Of an option that has too many values or too few: "--format: 1 required TEXT missing".
+std::string sentenceFor(const CLI::ArgumentMismatch& error)
+{
+    const std::string text = error.what();
+    const size_t colon = text.find(':');
+    if (colon == std::string::npos)
+        return fmt::format("--{}: takes no value", text.substr(0, text.find(' ')));
+    const bool isMissing = text.find("missing") != std::string::npos;
+    return text.substr(0, colon) + (isMissing ? ": its value is missing" : ": may be given once");
+}
+
 int runCommand(const Command& command, const std::vector<std::string>& typed, const Output& output)
 {
     const std::string name = std::string("dpc ") + command.name;
@@ -129,12 +177,7 @@ int runCommand(const Command& command, const std::vector<std::string>& typed, co
         output.out << helpFor(command);
         return exitClean;
     } catch (const CLI::ArgumentMismatch& error) {
-        const std::string text = error.what();
-        const size_t colon = text.find(':');
-        return failInUse(
-            output,
-            colon == std::string::npos ? text : text.substr(0, colon) + ": takes one value, once",
-            name);
+        return failInUse(output, sentenceFor(error), name);
     } catch (const CLI::Error& error) {
         return failInUse(output, error.what(), name);
     } catch (const UsageError& error) {
@@ -145,24 +188,24 @@ int runCommand(const Command& command, const std::vector<std::string>& typed, co
 /// Without a subcommand at the first place: options of dpc itself.
 int runMain(const std::vector<std::string>& typed, const Output& output)
 {
-    CLI::App app("", "dpc");
-    app.set_help_flag(helpOption.names);
-    app.set_version_flag(versionOption.names, "dpc " TWDP_VERSION);
-    std::string name;
-    app.add_option("COMMAND", name);
-    try {
-        app.parse(std::vector<std::string>(typed.rbegin(), typed.rend()));
-    } catch (const CLI::CallForHelp&) {
-        const Command* const command = commandNamed(name);
-        output.out << (command == nullptr ? mainHelp() : helpFor(*command));
-        return exitClean;
-    } catch (const CLI::CallForVersion& version) {
-        output.out << version.what() << '\n';
-        return exitClean;
-    } catch (const CLI::Error& error) {
-        return failInUse(output, error.what(), "dpc");
+    bool wantsHelp = false;
+    const Command* command = nullptr;
+    for (const std::string& text : typed) {
+        if (text == versionOption.names) {
+            output.out << "dpc " TWDP_VERSION "\n";
+            return exitClean;
+        }
+        const bool isHelp = text == "-h" || text == helpOption.longName();
+        wantsHelp = wantsHelp || isHelp;
+        command = command == nullptr ? commandNamed(text) : command;
+        if (!isHelp && command == nullptr)
+            return failInUse(output, fmt::format("unknown option {}", quoted(decoded(text))),
+                             "dpc");
     }
-    return failInUse(output, "a command is missing", "dpc");
+    if (!wantsHelp)
+        return failInUse(output, "a command is missing", "dpc");
+    output.out << (command == nullptr ? mainHelp() : helpFor(*command));
+    return exitClean;
 }
 
 } // namespace
