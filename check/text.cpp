@@ -9,12 +9,28 @@ namespace {
 
 constexpr int longestQuote = 160;
 
-bool isControl(QChar c)
+/// True for what steers a terminal, reorders or ends a line, or cannot be seen.
+bool isUnsafe(uint character)
 {
-    // Besides the control characters, those that reorder or end a line.
-    return c.unicode() < 32 || (c.unicode() >= 127 && c.unicode() < 160) ||
-           (c.unicode() >= 0x2028 && c.unicode() <= 0x202E) ||
-           (c.unicode() >= 0x2066 && c.unicode() <= 0x2069);
+    switch (QChar::category(character)) {
+    case QChar::Other_Control:
+    case QChar::Other_Format:
+    case QChar::Other_Surrogate:
+    case QChar::Other_NotAssigned:
+    case QChar::Separator_Line:
+    case QChar::Separator_Paragraph:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// A byte of a file name that is not UTF-8 stands as a lone surrogate, see escapeForeignBytes().
+uint shownCode(uint character)
+{
+    constexpr uint firstByte = 0xDC80;
+    constexpr uint lastByte = 0xDCFF;
+    return character >= firstByte && character <= lastByte ? character - 0xDC00 : character;
 }
 
 std::string lowered(std::string text)
@@ -46,17 +62,26 @@ int editDistance(const std::string& a, const std::string& b)
 
 std::string printable(const QString& text)
 {
+    return safeText(text,
+                    [](uint character) { return fmt::format("\\x{:02X}", shownCode(character)); });
+}
+
+std::string safeText(const QString& text, const std::function<std::string(uint)>& escape)
+{
     std::string result;
     for (int i = 0; i < text.size(); ++i) {
-        const QChar c = text[i];
-        if (isControl(c)) {
-            result += fmt::format("\\x{:02X}", c.unicode());
-        } else if (c.isHighSurrogate() && i + 1 < text.size()) {
-            result += text.mid(i, 2).toStdString();
-            ++i;
-        } else {
-            result += QString(c).toStdString();
+        uint character = text[i].unicode();
+        if (character >= ' ' && character <= '~') {
+            result += static_cast<char>(character);
+            continue;
         }
+        int length = 1;
+        if (text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
+            character = QChar::surrogateToUcs4(text[i], text[i + 1]);
+            length = 2;
+        }
+        result += isUnsafe(character) ? escape(character) : text.mid(i, length).toStdString();
+        i += length - 1;
     }
     return result;
 }

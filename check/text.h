@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
 #include <string>
 
 // Everything that dpc prints is UTF-8.
@@ -19,9 +20,13 @@ inline std::string utf8(const QByteArray& latin1)
     return QString::fromLatin1(latin1).toStdString();
 }
 
-/// With control characters as "\x1B": a config file must not steer the terminal, and no text may
-/// break the line.
+/// With control characters, invisible ones, and those that change the direction of writing, as
+/// "\x1B": a config file must not steer the terminal, and no text may break the line. A byte of a
+/// file name that is not UTF-8 is shown in the same way.
 std::string printable(const QString& text);
+
+/// The same with another notation for the characters that are not safe to look at.
+std::string safeText(const QString& text, const std::function<std::string(uint)>& escape);
 
 /// Printable, in quotes, long texts shortened in the middle.
 std::string quoted(const QString& text);

@@ -3,12 +3,12 @@
 #include "check/nameexpander.h"
 #include "check/taskfields.h"
 #include "check/text.h"
+#include "dpc/json.h"
 #include "dpc/totals.h"
 #include "model/taskcells.h"
 #include "shared/kvtext.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 #include <QStringList>
 
@@ -134,16 +134,12 @@ std::string asText(const SeriesFacts& facts, const std::vector<Row>& rows,
     return aligned(lines) + '\n' + totalsAsText(totalsOf(facts));
 }
 
-/// A quote is doubled; a cell with a quote, a comma or a line end stands in quotes.
-std::string csvLine(const QStringList& cells)
+/// True for a text that a spreadsheet would compute, and show as something else.
+bool isFormula(const QString& cell)
 {
-    QStringList quotedCells;
-    for (QString cell : cells) {
-        if (cell.contains('"') || cell.contains(',') || cell.contains('\n') || cell.contains('\r'))
-            cell = '"' + cell.replace('"', QStringLiteral("\"\"")) + '"';
-        quotedCells += cell;
-    }
-    return utf8(quotedCells.join(',')) + "\r\n";
+    bool isNumber = false;
+    cell.toLongLong(&isNumber);
+    return !cell.isEmpty() && QStringLiteral("=+-@").contains(cell[0]) && !isNumber;
 }
 
 std::string asCsv(const std::vector<Row>& rows, const QStringList& header)
@@ -197,10 +193,27 @@ std::string asJson(const SeriesFacts& facts, const std::vector<Row>& rows)
                            {"bytesWritten", totals.bytesWritten},
                            {"bytesRead", totals.bytesRead},
                            {"leastWaitMs", totals.leastWait}};
-    return QJsonDocument(QJsonObject{{"tasks", list}, {"totals", sums}}).toJson().toStdString();
+    QJsonObject all = jsonOutput({});
+    all.insert("tasks", list);
+    all.insert("totals", sums);
+    return jsonText(all);
 }
 
 } // namespace
+
+std::string csvLine(const QStringList& cells)
+{
+    QStringList quotedCells;
+    for (const QString& text : cells) {
+        QString cell = shown(text);
+        if (isFormula(cell))
+            cell.prepend('\'');
+        if (cell.contains('"') || cell.contains(','))
+            cell = '"' + cell.replace('"', QStringLiteral("\"\"")) + '"';
+        quotedCells += cell;
+    }
+    return utf8(quotedCells.join(',')) + "\r\n";
+}
 
 std::string listSeries(const SeriesFacts& facts, ListFormat format,
                        const std::optional<Expansion>& expansion)

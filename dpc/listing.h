@@ -3,6 +3,8 @@
 #include "check/seriesfacts.h"
 #include "model/pathvariables.h"
 
+#include <QStringList>
+
 #include <optional>
 #include <string>
 
@@ -26,3 +28,8 @@ struct Expansion
 /// totals.
 std::string listSeries(const SeriesFacts& facts, ListFormat format,
                        const std::optional<Expansion>& expansion);
+
+/// A line of a table for spreadsheets, as UTF-8. A quote is doubled; a cell with a quote or a comma
+/// stands in quotes; what is not safe to look at is written as "\x1B". A cell that begins with "=",
+/// "+", "-" or "@" and is not a number has an apostrophe before it, so that nothing computes it.
+std::string csvLine(const QStringList& cells);

@@ -2,9 +2,9 @@
 
 #include "check/ruletexts.h"
 #include "check/text.h"
+#include "dpc/json.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <fmt/color.h>
@@ -71,7 +71,7 @@ std::string findingsAsJson(const std::vector<Finding>& findings)
                           {"errors", countOf(findings, Severity::Error)},
                           {"warnings", countOf(findings, Severity::Warning)},
                           {"notes", countOf(findings, Severity::Note)}};
-    return QJsonDocument(all).toJson().toStdString();
+    return jsonText(all);
 }
 
 std::string summaryOf(const std::vector<Finding>& findings)

@@ -1,6 +1,7 @@
 #include "check/text.h"
 #include "configset/seriesloader.h"
 #include "dpc/alignment.h"
+#include "dpc/listing.h"
 #include "dpc/printer.h"
 #include "dpc/roundtrip.h"
 #include "dpc/totals.h"
@@ -8,6 +9,8 @@
 #include "tests/dpc/dpcrun.h"
 
 #include <QRegularExpression>
+
+#include <fmt/format.h>
 
 #include <limits>
 
@@ -229,6 +232,39 @@ private slots:
         QCOMPARE(printable(QString::fromUtf8("f\xC3\xBC\xF0\x9F\x98\x80")),
                  std::string("f\xC3\xBC\xF0\x9F\x98\x80"));
         QCOMPARE(quoted(QString(1000, 'x')).size(), size_t(165));
+        for (const ushort character : {0x00, 0x1B, 0x7F, 0x85, 0x9F, 0xAD, 0x61C, 0x200B, 0x200F,
+                                       0x2028, 0x202A, 0x2060, 0x2066, 0x2069, 0xFEFF})
+            QCOMPARE(printable(QString("a") + QChar(character) + "b"),
+                     fmt::format("a\\x{:02X}b", character));
+        // A letter of the plane of tags, which nothing shows.
+        QCOMPARE(printable(QString::fromUtf8("a\xF3\xA0\x81\x81")), std::string("a\\xE0041"));
+        // Blanks, letters and marks of any language are seen.
+        const QString seen = QString::fromUtf8(" ~\xC2\xA0\xC3\xA9\xCE\xB1\xE4\xB8\xAD");
+        QCOMPARE(printable(seen), seen.toStdString());
+    }
+
+    void nothingThatIsPrintedSteersATerminal()
+    {
+        const QByteArray unsafe = "\x1B[2J\x7F\x9B"
+                                  "0m\xAD";
+        m_series->put("a.dpc", goodLine({{10, unsafe}, {11, '/' + unsafe}}));
+        for (const char* command : {"check", "check --format=json", "show", "show --format=csv",
+                                    "show --format=json", "show --expand", "roundtrip"}) {
+            const DpcRun::Result result =
+                m_dpc.run(QString(command) + ' ' + m_series->root() + "a.dpc");
+            const QString text = QString::fromUtf8(result.out + result.err);
+            for (const QChar c : text)
+                QVERIFY2(c == '\n' || c == '\r' || (c.isPrint() && c.unicode() != 0xAD), command);
+            QVERIFY2(text.contains("[2J") || result.out.contains("is created"), command);
+        }
+    }
+
+    void cellsThatSpreadsheetsWouldComputeAreText()
+    {
+        QCOMPARE(csvLine({"=1+1", "@x", "+a", "-b", "\t=1"}),
+                 std::string("'=1+1,'@x,'+a,'-b,\\x09=1\r\n"));
+        QCOMPARE(csvLine({"=\"a\",b", "+1,2"}), std::string("\"'=\"\"a\"\",b\",\"'+1,2\"\r\n"));
+        QCOMPARE(csvLine({"a=b", "-1", "", "+5"}), std::string("a=b,-1,,+5\r\n"));
     }
 
 private:
