@@ -44,7 +44,8 @@ enum class ValueKind
     Folder,     ///< a folder
     ConfigFile, ///< a file of a series, or a folder
     Machine,    ///< the name of a machine
-    Rule        ///< names of rules, with commas between
+    Rule,       ///< names of rules of a check, with commas between
+    Loss        ///< names of rules of losses that can be allowed, with commas between
 };
 
 /// An option of a subcommand. Each is a constant, and stands for itself in Arguments.

@@ -7,7 +7,7 @@
 const std::vector<const Command*>& allCommands()
 {
     static const std::vector<const Command*> commands = {&checkCommand, &showCommand, &diffCommand,
-                                                         &roundTripCommand};
+                                                         &roundTripCommand, &exportCommand};
     return commands;
 }
 

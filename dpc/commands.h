@@ -9,6 +9,7 @@ extern const Command checkCommand;
 extern const Command showCommand;
 extern const Command diffCommand;
 extern const Command roundTripCommand;
+extern const Command exportCommand;
 
 /// All subcommands, in the order of the help page.
 const std::vector<const Command*>& allCommands();

@@ -252,7 +252,7 @@ private:
 
 } // namespace
 
-QJsonArray findingsAsJson(const std::vector<Finding>& findings)
+QJsonArray lossesAsJson(const std::vector<Finding>& findings)
 {
     QJsonArray list;
     for (const Finding& finding : findings)

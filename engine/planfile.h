@@ -15,7 +15,7 @@
 constexpr int planFileVersion = 1;
 
 /// Findings as objects, as `dpc check --format=json` has them.
-QJsonArray findingsAsJson(const std::vector<Finding>& findings);
+QJsonArray lossesAsJson(const std::vector<Finding>& findings);
 
 /// The plan and what is lost, as indented JSON.
 QByteArray planAsJson(const Plan& plan, const QJsonArray& losses);

@@ -98,7 +98,8 @@ private:
             return;
         PlanMachine here;
         here.name = kvToQString(getComputerName());
-        here.tempFolder = kvToQString(kvGetTempDir());
+        here.tempFolder = m_options.localTempFolder.isEmpty() ? kvToQString(kvGetTempDir())
+                                                              : m_options.localTempFolder;
         m_plan.machines.push_back(here);
     }
 
@@ -442,5 +443,11 @@ private:
 
 PlanResult planSeries(const SeriesFacts& facts, const PlanOptions& options)
 {
-    return Planner(facts, options).plan();
+    // What was chosen inside of "_wait" runs outside of it, beside what lies there already.
+    const QString wait = waitFolder();
+    if (!facts.name.folder.endsWith('/' + wait))
+        return Planner(facts, options).plan();
+    const QString shown = facts.shownFolder.endsWith(wait) ? facts.shownFolder.chopped(wait.size())
+                                                           : facts.shownFolder + "../";
+    return Planner(readSeries({facts.runFolder, facts.name.baseName}, shown), options).plan();
 }

@@ -12,6 +12,7 @@
 struct PlanOptions
 {
     std::vector<PlanMachine> machines; ///< none: this one, without a server
+    QString localTempFolder;           ///< "[temp]" of this machine; empty: its own
     QString date;                      ///< what "[date]" stands for; empty: now
     bool startAtMinute = false;        ///< each machine waits for the next full minute of its clock
                                        ///< before each stage. Whoever runs the stage must not start

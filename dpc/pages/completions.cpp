@@ -1,6 +1,7 @@
 #include "dpc/commands.h"
 #include "dpc/options.h"
 #include "dpc/pages/pages.h"
+#include "engine/lossrules.h"
 
 #include <fmt/format.h>
 
@@ -55,6 +56,17 @@ std::vector<std::string> namesOf(const Option& option)
     return {names.substr(0, comma), names.substr(comma + 1)};
 }
 
+/// Names of the rules that --allow-loss takes to any effect.
+std::string lossNames()
+{
+    std::vector<std::string> names;
+    for (const Rule* rule : lossRules()) {
+        if (rule->severity == Severity::Warning)
+            names.emplace_back(rule->name);
+    }
+    return fmt::format("{}", fmt::join(names, " "));
+}
+
 // bash
 
 std::string bashValue(ValueKind kind, const std::string& choices)
@@ -72,6 +84,8 @@ std::string bashValue(ValueKind kind, const std::string& choices)
         return "_known_hosts_real -- \"$cur\"";
     case ValueKind::Rule:
         return "_dpc_rules";
+    case ValueKind::Loss:
+        return fmt::format("COMPREPLY=($(compgen -W '{}' -- \"$cur\"))", lossNames());
     case ValueKind::Flag:
     case ValueKind::Text:
     case ValueKind::Number:
@@ -121,6 +135,8 @@ std::string zshAction(const char* name, ValueKind kind, const std::string& choic
         return fmt::format(":{}:_sequence _hosts", name);
     case ValueKind::Rule:
         return fmt::format(":{}:_values -s , rule $rules", name);
+    case ValueKind::Loss:
+        return fmt::format(":{}:_values -s , rule {}", name, lossNames());
     case ValueKind::Text:
     case ValueKind::Number:
         break;
@@ -175,6 +191,8 @@ std::string fishValue(ValueKind kind, const std::string& choices)
         return " -x -a '(__fish_print_hostnames)'";
     case ValueKind::Rule:
         return fmt::format(" -x -a '{}'", fishRules);
+    case ValueKind::Loss:
+        return fmt::format(" -x -a '{}'", lossNames());
     case ValueKind::Text:
     case ValueKind::Number:
         break;
