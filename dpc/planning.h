@@ -1,35 +1,36 @@
 #pragma once
 
-#include "dpc/command.h"
+#include "dpc/options.h"
 #include "engine/planner.h"
 
-#include <functional>
 #include <optional>
+#include <set>
 
-// What export and run share: the options of a plan, and the losses that a user allows.
+// What `dpc export` and `dpc run` have in common: a series, the machines, and what may be lost.
 
 inline constexpr Option tempOption{
     "--temp", "PATH", ValueKind::Folder,
-    "the folder that [temp] stands for, on machines for which the file of machines gives none"};
+    "the folder that [temp] stands for on machines whose line of the hosts file has none"};
 inline constexpr Option dateOption{"--date", "TEXT", ValueKind::Text,
-                                   "the text that [date] stands for; default: now"};
+                                   "what [date] stands for; without it the moment of the call"};
 inline constexpr Option allowLossOption{
     "--allow-loss",
-    "NAMES",
+    "RULES",
     ValueKind::Loss,
-    "run although the work of a task changes by these rules, with commas between; may be repeated",
+    "go on although fio can't do what these rules name, with commas between; may be repeated",
     {},
     true};
 
-/// What the options say of a plan. Throws UsageError for options that can't be used.
-PlanOptions planOptions(const Arguments& arguments);
+/// The machines with the addresses of their servers; none if no option names a machine. Throws
+/// UsageError for an address that is none, and for two machines at one.
+std::vector<PlanMachine> planMachinesOf(const Arguments& arguments);
 
-/// Plans the series that a path leads to. If there is none, or if the options are wrong for it,
-/// says so on the error stream and returns nothing.
-std::optional<PlanResult> planOf(const QString& path, const PlanOptions& options,
-                                 const Output& output);
+/// What the options say about a plan. Throws UsageError as planMachinesOf().
+PlanOptions planOptionsOf(const Arguments& arguments);
 
-/// True if nothing is in the way of the plan: no error, no problem, and no loss that the arguments
-/// don't allow. Else says on the error stream what is. Throws UsageError for a rule that is
-/// unknown.
-bool isAllowed(const PlanResult& result, const Arguments& arguments, const Output& output);
+/// The losses that the user allows. Throws UsageError for an unknown rule.
+std::set<const Rule*> allowedLossesOf(const Arguments& arguments);
+
+/// The losses that forbid to go on: errors, and warnings that are not allowed.
+std::vector<Finding> forbiddenLosses(const std::vector<Finding>& losses,
+                                     const std::set<const Rule*>& allowed);

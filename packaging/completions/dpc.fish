@@ -1,6 +1,6 @@
 # Completion of dpc(1) for fish.
 # Made from the options of the program, see CONTRIBUTING.md; not to be edited.
-set -l commands check show diff roundtrip
+set -l commands check show diff roundtrip export
 set -l none "not __fish_seen_subcommand_from $commands"
 
 complete -c dpc -f
@@ -10,6 +10,7 @@ complete -c dpc -n $none -a check -d 'report every mistake in a series, before m
 complete -c dpc -n $none -a show -d 'show a series as the editor\'s table shows it'
 complete -c dpc -n $none -a diff -d 'compare two series by task and field'
 complete -c dpc -n $none -a roundtrip -d 'tell what a load and a save in the editor would change'
+complete -c dpc -n $none -a export -d 'write the jobs of fio that a series stands for'
 
 complete -c dpc -n '__fish_seen_subcommand_from check' -x -k -a '(__fish_complete_suffix .dpc)'
 complete -c dpc -n '__fish_seen_subcommand_from check' -l format -x -a 'text json' -d 'how to print the findings'
@@ -31,3 +32,11 @@ complete -c dpc -n '__fish_seen_subcommand_from show' -l iteration -x -d 'the nu
 complete -c dpc -n '__fish_seen_subcommand_from diff' -x -k -a '(__fish_complete_suffix .dpc)'
 
 complete -c dpc -n '__fish_seen_subcommand_from roundtrip' -x -k -a '(__fish_complete_suffix .dpc)'
+
+complete -c dpc -n '__fish_seen_subcommand_from export' -x -k -a '(__fish_complete_suffix .dpc)'
+complete -c dpc -n '__fish_seen_subcommand_from export' -l format -x -a 'text json' -d 'how to print what is lost'
+complete -c dpc -n '__fish_seen_subcommand_from export' -l hosts -x -a '(__fish_print_hostnames)' -d 'the machines that run the series, with commas between'
+complete -c dpc -n '__fish_seen_subcommand_from export' -l hosts-file -r -F -d 'the same from a file, one name or range per line'
+complete -c dpc -n '__fish_seen_subcommand_from export' -l temp -x -a '(__fish_complete_directories)' -d 'the folder that [temp] stands for on machines whose line of the hosts file has none'
+complete -c dpc -n '__fish_seen_subcommand_from export' -l date -x -d 'what [date] stands for'
+complete -c dpc -n '__fish_seen_subcommand_from export' -l allow-loss -x -a 'fio-not-run fio-buffer-sizes fio-preallocate fio-flush fio-cache-mode' -d 'go on although fio can\'t do what these rules name, with commas between'
