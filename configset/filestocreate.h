@@ -6,6 +6,8 @@
 #include <QString>
 #include <QVector>
 
+#include <optional>
+
 /// A file that must exist before a series can run.
 struct FileToCreate
 {
@@ -15,10 +17,22 @@ struct FileToCreate
     bool isDummy = false; ///< only there to make its folder
 };
 
+/// The line of an _init file that creates a file, with its line end.
+QString creatingLine(const FileToCreate& file);
+
 /// An ordered list in which no text stands twice.
 class FileToCreateList
 {
 public:
+    /// Without a limit.
+    FileToCreateList() = default;
+    /// Full as soon as the lines of its files fill this many characters of an _init file.
+    explicit FileToCreateList(int maxCharacters)
+        : m_maxCharacters(maxCharacters)
+    {}
+
+    /// True if nothing more can be seen in the _init file; what is added still counts.
+    bool isFull() const { return m_maxCharacters && m_characters >= *m_maxCharacters; }
     /// True if a file of the list has this text.
     bool contains(const QString& text) const { return m_texts.contains(text); }
     /// Adds a file whose text is not in the list yet.
@@ -27,12 +41,15 @@ public:
     const QVector<FileToCreate>& files() const { return m_files; }
 
 private:
+    std::optional<int> m_maxCharacters;
+    int m_characters = 0; ///< counted only if there is a limit
     QVector<FileToCreate> m_files;
     QSet<QString> m_texts;
 };
 
-/// Adds the files that a name stands for, one for each iteration of the task (fewer where they have
-/// the same text), each of `size` bytes.
+/// Adds the files that a name stands for, one for each iteration of the task (fewer if they have
+/// the same text, or if the list is full), each of `size` bytes. The time grows with the files that
+/// are added and with those that other names have added before, not with the iterations.
 void collectFilesToCreate(FileToCreateList& list, const QString& name, qint64 size,
                           const TestTask& task, const int& taskNumber,
                           const MachineValues& machine = {});

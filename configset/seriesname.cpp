@@ -1,10 +1,11 @@
 #include "configset/seriesname.h"
 
+#include "model/confignames.h"
 #include "shared/kvpath.h"
 
 namespace {
 
-const QString extension = QStringLiteral(".dpc");
+const QString extension = QString::fromLatin1(configFileExtension);
 
 bool isNumberDigit(QChar c)
 {
@@ -59,7 +60,7 @@ QString seriesFile(const QString& folder, const QString& baseName, int number)
 
 QString initFile(const SeriesName& name)
 {
-    return name.folder + name.baseName + QStringLiteral("_init") + extension;
+    return name.folder + name.baseName + QLatin1String(initFileSuffix) + extension;
 }
 
 QStringList candidateFiles(const SeriesName& name)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/confignames.h"
 #include "model/limits.h"
 
 #include <QString>
@@ -16,7 +17,7 @@ struct SeriesName
 /// The subfolder in which the files of a series wait until somebody starts them.
 inline QString waitFolder()
 {
-    return QStringLiteral("_wait/");
+    return QString::fromLatin1(waitFolderName);
 }
 
 /// The name under which a series is saved when the user has chosen this file. A digit at the end
@@ -37,7 +38,7 @@ SeriesName seriesNameForLoading(const QString& chosenFile);
 /// The file name of the file with this number (0 is the first, without a number) in a folder.
 QString seriesFile(const QString& folder, const QString& baseName, int number);
 
-/// The companion that creates what the series needs.
+/// The _init file, which creates what the series needs.
 QString initFile(const SeriesName& name);
 
 /// Every file that belongs to the series where it exists, in the order of loading.

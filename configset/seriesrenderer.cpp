@@ -13,33 +13,45 @@ QString header(const QString& infoText)
            "\n\n";
 }
 
-QString taskLine(TestTask& task)
+QString taskLine(const TestTask& task)
 {
-    _kvString<1000> line;
-    return kvToQString(writeTaskLine(line, task)) + QLatin1Char('\n');
+    _kvString<maxLine> line;
+    return kvToQString(writePreparedTaskLine(line, task)) + QLatin1Char('\n');
 }
 
 } // namespace
 
-RenderedSeries renderSeries(TaskList& tasks, const QString& infoText, const SeriesName& name,
-                            const QString& followUpFolder, const MachineValues& machine)
+void prepareTasks(TaskList& tasks)
 {
-    RenderedSeries series;
     int configId = 0;
-    int taskNumber = 0;
-    ConfigFile current{seriesFile(name.folder + waitFolder(), name.baseName, configId),
-                       header(infoText)};
     for (TestTask& task : tasks) {
+        if (task.waitForNextConfig) {
+            ++configId;
+            continue;
+        }
+        task.configId = configId;
+        task.normalise();
+    }
+}
+
+RenderedSeries renderSeries(const TaskList& tasks, const QString& infoText, const SeriesName& name,
+                            FollowUpFiles place, const MachineValues& machine)
+{
+    const QString followUpFolder =
+        name.folder + (place == FollowUpFiles::InWaitFolder ? waitFolder() : QString());
+    RenderedSeries series;
+    series.filesToCreate = FileToCreateList(maxConfigFile);
+    int taskNumber = 0;
+    ConfigFile current{seriesFile(name.folder + waitFolder(), name.baseName, 0), header(infoText)};
+    for (const TestTask& task : tasks) {
         if (!task.waitForNextConfig) {
-            task.configId = configId;
             current.content += taskLine(task);
             collectFilesOfTask(series.filesToCreate, task, taskNumber, machine);
             ++taskNumber;
             continue;
         }
-        ++configId;
         taskNumber = 0;
-        const QString next = seriesFile(name.folder + followUpFolder, name.baseName, configId);
+        const QString next = seriesFile(followUpFolder, name.baseName, series.files.size() + 1);
         current.content += next + QLatin1Char('\n');
         series.files.append(current);
         current = {next, QString()};
@@ -52,12 +64,12 @@ ConfigFile renderInitFile(const FileToCreateList& list, const SeriesName& name,
                           const std::function<bool(const QString& resolved)>& exists)
 {
     ConfigFile file{initFile(name), QString()};
-    TestTask task;
     for (const FileToCreate& needed : list.files()) {
-        task.setFileCreation(kvToString8<500>(needed.text), needed.size);
+        if (file.content.size() >= maxConfigFile)
+            break;
         if (exists(needed.resolved))
             file.content += commentStart;
-        file.content += taskLine(task);
+        file.content += creatingLine(needed);
     }
     return file;
 }

@@ -8,7 +8,7 @@
 
 #include <functional>
 
-/// A config file in memory, uncut. Characters are those of Latin-1.
+/// A config file in memory, uncut unless said otherwise. Characters are those of Latin-1.
 struct ConfigFile
 {
     QString path;
@@ -22,14 +22,24 @@ struct RenderedSeries
     FileToCreateList filesToCreate;
 };
 
-/// Renders the files of a series: one for each stretch of tasks that a marker ends, the info text
-/// as comments at the head of the first. Sets the `configId` of each task and normalises it. The
-/// first file lies in "_wait"; the others lie in `followUpFolder`, "_wait/" or empty, below the
-/// folder of the series.
-RenderedSeries renderSeries(TaskList& tasks, const QString& infoText, const SeriesName& name,
-                            const QString& followUpFolder, const MachineValues& machine = {});
+/// Where the files after the first are to lie.
+enum class FollowUpFiles
+{
+    InWaitFolder,
+    InSeriesFolder
+};
 
-/// Renders the companion file: a line for each file to create, a comment where `exists` says that
-/// the file is there.
+/// What a save does to the tasks themselves: each gets the `configId` of the file that it belongs
+/// to, and is normalised. Markers stay as they are.
+void prepareTasks(TaskList& tasks);
+
+/// Renders the files of a series, whose tasks are prepared: one for each stretch of tasks that a
+/// marker ends, the info text as comments at the head of the first. The first file lies in "_wait"
+/// in any case. Files to create are listed as far as an _init file can hold them.
+RenderedSeries renderSeries(const TaskList& tasks, const QString& infoText, const SeriesName& name,
+                            FollowUpFiles place, const MachineValues& machine = {});
+
+/// Renders the _init file: a line for each file to create, a comment if `exists` says that the file
+/// is there. It ends with the line that passes `maxConfigFile` characters.
 ConfigFile renderInitFile(const FileToCreateList& list, const SeriesName& name,
                           const std::function<bool(const QString& resolved)>& exists);

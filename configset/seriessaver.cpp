@@ -15,27 +15,27 @@ void write(const ConfigFile& file)
 }
 
 /// The folder is made only for a series that goes on; a single file's folder is the writer's.
-QString makeFollowUpFolder(const TaskList& tasks, const SeriesName& name)
+FollowUpFiles makeFollowUpFolder(const TaskList& tasks, const SeriesName& name)
 {
     const bool goesOn = std::any_of(tasks.cbegin(), tasks.cend(),
                                     [](const TestTask& task) { return task.waitForNextConfig; });
-    const bool usable =
-        !goesOn || !kvIsLatin1(name.folder) || kvCreateFolder(name.folder + waitFolder(), true);
-    return usable ? waitFolder() : QString();
+    const bool isUsable = !goesOn || kvCreateFolder(name.folder + waitFolder(), true);
+    return isUsable ? FollowUpFiles::InWaitFolder : FollowUpFiles::InSeriesFolder;
 }
 
 } // namespace
 
 void saveSeries(TaskList& tasks, const QString& infoText, const SeriesName& name)
 {
-    const RenderedSeries series =
-        renderSeries(tasks, infoText, name, makeFollowUpFolder(tasks, name));
+    prepareTasks(tasks);
     // With "?" for each foreign letter the folder would be another one.
     if (!kvIsLatin1(name.folder))
         return;
+    const RenderedSeries series =
+        renderSeries(tasks, infoText, name, makeFollowUpFolder(tasks, name));
     for (const ConfigFile& file : series.files)
         write(file);
     write(renderInitFile(series.filesToCreate, name, [](const QString& resolved) {
-        return kvFileExists(kvToString16<500>(resolved));
+        return kvFileExists(kvToString16<maxPath>(resolved));
     }));
 }

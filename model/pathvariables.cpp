@@ -1,10 +1,14 @@
 #include "model/pathvariables.h"
 
+#include "model/confignames.h"
+#include "model/limits.h"
 #include "shared/kvfile.h"
 #include "shared/kvpath.h"
 #include "shared/kvtext.h"
 #include "shared/kvtime.h"
 
+#include <algorithm>
+#include <limits>
 #include <unistd.h>
 
 namespace {
@@ -19,9 +23,9 @@ struct Narrow
 
     static Text fromComputerName(const _kvString<500>& name)
     {
-        constexpr int longestName = 499;
+        constexpr int maxNarrowName = 499;
         Text narrowed;
-        for (int i = 0; i < name.length && i < longestName; ++i)
+        for (int i = 0; i < name.length && i < maxNarrowName; ++i)
             narrowed.addChar(static_cast<char>(name.text[i]));
         return narrowed;
     }
@@ -44,86 +48,128 @@ struct Wide
     }
 };
 
-/// Asks for the value only where the text holds the variable: most texts hold few.
-template <class Text, class Value>
-void replaceVariable(Text& text, const char* variable, const Value& value)
+/// One name on its way from variables to values.
+template <class Convert>
+class Expansion
 {
-    if (text.contains(variable))
-        text.replace(Text(variable), value());
-}
+public:
+    using Text = typename Convert::Text;
 
-template <class Text>
-void replaceNumber(Text& text, const char* variable, long long number)
-{
-    replaceVariable(text, variable, [&] {
+    Expansion(const TestTask& task, std::int32_t taskNumber, std::int32_t iteration,
+              const MachineValues& machine)
+        : m_task(task)
+        , m_taskNumber(taskNumber)
+        , m_iteration(iteration)
+        , m_machine(machine)
+        // Asked for every name, on purpose: a host may be renamed while the program runs.
+        , m_computerName(machine.computerName ? *machine.computerName : getComputerName())
+    {}
+
+    void replaceIn(Text& text, bool keepCfgPath) const
+    {
+        unsigned held = variablesIn(text);
+        for (int i = 0; i < pathVariableCount; ++i) {
+            const auto variable = static_cast<PathVariable>(i);
+            const bool isKept = keepCfgPath && variable == PathVariable::CfgPath;
+            if (isKept || (held >> i & 1U) == 0)
+                continue;
+            text.replace(Text(pathVariables[i]), valueOf(variable));
+            // A value may hold a variable, or complete one with what stands around it.
+            held = variablesIn(text);
+        }
+    }
+
+private:
+    /// One bit for each variable, found in one look at the text: most names hold few.
+    static unsigned variablesIn(const Text& text)
+    {
+        unsigned held = 0;
+        for (int at = 0; at < text.length; ++at) {
+            for (int i = 0; text.text[at] == '[' && i < pathVariableCount; ++i) {
+                if (standsAt(text, at, pathVariables[i]))
+                    held |= 1U << i;
+            }
+        }
+        return held;
+    }
+
+    static bool standsAt(const Text& text, int position, const char* variable)
+    {
+        const int length = kvdetail::textLength(variable);
+        return length <= text.length - position &&
+               kvdetail::sameText(text.text + position, variable, length);
+    }
+
+    Text valueOf(PathVariable variable) const
+    {
+        switch (variable) {
+        case PathVariable::Host:
+            return Convert::fromComputerName(m_computerName);
+        case PathVariable::Date:
+            return Convert::fromQString(m_machine.date ? *m_machine.date
+                                                       : _kvTime(true).asStringFileName_TruncSec());
+        case PathVariable::Iter:
+            return number(m_iteration);
+        case PathVariable::CfgLine:
+        case PathVariable::CfgTaskId:
+            return number(m_taskNumber);
+        case PathVariable::CfgId:
+            return number(m_task.configId);
+        case PathVariable::CfgLogName:
+            return logName();
+        case PathVariable::CfgNameId:
+            return configBaseName();
+        case PathVariable::CfgName:
+            return seriesName();
+        case PathVariable::CfgPath:
+            return Convert::fromPath(kvGetDirName(m_task.configPath));
+        case PathVariable::Temp:
+            break;
+        }
+        return Convert::fromPath(m_machine.tempFolder ? *m_machine.tempFolder : kvGetTempDir());
+    }
+
+    static Text number(long long value)
+    {
         _kvString8_allSize<20> digits;
-        digits.addNr(number);
+        digits.addNr(value);
         return Text(digits.text);
-    });
-}
+    }
 
-/// The file name of the task's config file, without folder and extension.
-template <class Convert>
-typename Convert::Text configBaseName(const TestTask& task)
-{
-    return Convert::fromQString(kvGetFileNameBase(kvToQString(task.configPath), '/'));
-}
+    /// The file name of the task's config file, without folder and extension.
+    Text configBaseName() const
+    {
+        return Convert::fromQString(kvGetFileNameBase(kvToQString(m_task.configPath), '/'));
+    }
 
-/// The name of the series: its files differ in the digits at the end, and its companion in "_init".
-/// The digits go first, so that "mytest2_init" gives "mytest2".
-template <class Convert>
-typename Convert::Text seriesName(const TestTask& task)
-{
-    auto name = configBaseName<Convert>(task);
-    while (name.hasData() && kvIsDigit(kvdetail::codeUnit(name.text[name.length - 1])))
-        name.setLength(static_cast<short>(name.length - 1));
-    if (name.endsWith("_init"))
-        name.remove(typename Convert::Text("_init"));
-    return name;
-}
+    Text logName() const
+    {
+        Text name("_");
+        name.add(configBaseName());
+        name.add("_log");
+        return name;
+    }
 
-template <class Convert>
-void replaceVariables(const TestTask& task, typename Convert::Text& text, std::int32_t taskNumber,
-                      std::int32_t iteration, bool keepCfgPath, const MachineValues& machine,
-                      const _kvString<500>& computerName)
-{
-    replaceVariable(text, "[host]", [&] { return Convert::fromComputerName(computerName); });
-    replaceVariable(text, "[date]", [&] {
-        return Convert::fromQString(machine.date ? *machine.date
-                                                 : _kvTime(true).asStringFileName_TruncSec());
-    });
-    replaceNumber(text, "[iter]", iteration);
-    replaceNumber(text, "[cfgline]", taskNumber);
-    replaceNumber(text, "[cfgTaskID]", taskNumber);
-    replaceNumber(text, "[cfgID]", task.configId);
-    replaceVariable(text, "[cfgLogName]", [&] {
-        typename Convert::Text logName("_");
-        logName.add(configBaseName<Convert>(task));
-        logName.add("_log");
-        return logName;
-    });
-    replaceVariable(text, "[cfgNameID]", [&] { return configBaseName<Convert>(task); });
-    replaceVariable(text, "[cfgName]", [&] { return seriesName<Convert>(task); });
-    if (!keepCfgPath)
-        replaceVariable(text, "[cfgPath]",
-                        [&] { return Convert::fromPath(kvGetDirName(task.configPath)); });
-    replaceVariable(text, "[temp]", [&] {
-        return Convert::fromPath(machine.tempFolder ? *machine.tempFolder : kvGetTempDir());
-    });
-}
+    /// The name of the series: its files differ in the digits at the end, and its _init file in
+    /// "_init". The digits go first, so that "mytest2_init" gives "mytest2".
+    Text seriesName() const
+    {
+        Text name = configBaseName();
+        while (name.hasData() && kvIsDigit(kvdetail::codeUnit(name.text[name.length - 1])))
+            name.setLength(static_cast<short>(name.length - 1));
+        if (name.endsWith(initFileSuffix))
+            name.remove(Text(initFileSuffix));
+        return name;
+    }
 
-template <class Convert>
-typename Convert::Text expand(const TestTask& task, typename Convert::Text& text,
-                              std::int32_t taskNumber, std::int32_t iteration, bool keepCfgPath,
-                              const MachineValues& machine)
-{
-    const auto computerName = machine.computerName ? *machine.computerName : getComputerName();
-    // Many names are plain: one look at the text instead of one for each variable.
-    if (text.contains("["))
-        replaceVariables<Convert>(task, text, taskNumber, iteration, keepCfgPath, machine,
-                                  computerName);
-    return kvPathResolve(text);
-}
+    const TestTask& m_task;
+    std::int32_t m_taskNumber;
+    std::int32_t m_iteration;
+    const MachineValues& m_machine;
+    const _kvString<maxPath> m_computerName;
+};
+
+static_assert(pathVariableCount <= std::numeric_limits<unsigned>::digits, "one bit for each");
 
 } // namespace
 
@@ -150,12 +196,21 @@ _kvString<500> replaceFileVariables(const TestTask& task, _kvString<500>& text,
                                     std::int32_t taskNumber, std::int32_t iteration,
                                     const bool& keepCfgPath, const MachineValues& machine)
 {
-    return expand<Wide>(task, text, taskNumber, iteration, keepCfgPath, machine);
+    Expansion<Wide>(task, taskNumber, iteration, machine).replaceIn(text, keepCfgPath);
+    return kvPathResolve(text);
 }
 
 _kvString8_allSize<500> replaceFileVariables8(const TestTask& task, _kvString8_allSize<500>& text,
                                               std::int32_t taskNumber, std::int32_t iteration,
                                               const bool& keepCfgPath, const MachineValues& machine)
 {
-    return expand<Narrow>(task, text, taskNumber, iteration, keepCfgPath, machine);
+    Expansion<Narrow>(task, taskNumber, iteration, machine).replaceIn(text, keepCfgPath);
+    return kvPathResolve(text);
+}
+
+bool mayDependOnIteration(const _kvString<500>& name)
+{
+    const char* const* const end = pathVariables + int(PathVariable::Iter) + 1;
+    return std::any_of(pathVariables, end,
+                       [&](const char* variable) { return name.contains(variable); });
 }

@@ -4,7 +4,38 @@
 
 #include <QString>
 
+#include <iterator>
 #include <optional>
+
+/// What a name in a task can hold in brackets, in the order in which it is replaced.
+enum class PathVariable
+{
+    Host,
+    Date,
+    Iter,
+    CfgLine,
+    CfgTaskId,
+    CfgId,
+    CfgLogName,
+    CfgNameId,
+    CfgName,
+    CfgPath,
+    Temp
+};
+
+/// How the variables are spelled in a name.
+constexpr const char* pathVariables[] = {"[host]",      "[date]",    "[iter]",       "[cfgline]",
+                                         "[cfgTaskID]", "[cfgID]",   "[cfgLogName]", "[cfgNameID]",
+                                         "[cfgName]",   "[cfgPath]", "[temp]"};
+
+constexpr int pathVariableCount = int(std::size(pathVariables));
+static_assert(pathVariableCount == int(PathVariable::Temp) + 1, "each variable has its spelling");
+
+/// How a variable is spelled in a name.
+constexpr const char* spellingOf(PathVariable variable)
+{
+    return pathVariables[int(variable)];
+}
 
 /// What the variables of a machine stand for. A value that is not set is asked of this machine.
 struct MachineValues
@@ -35,3 +66,7 @@ _kvString8_allSize<500> replaceFileVariables8(const TestTask& task, _kvString8_a
                                               std::int32_t taskNumber, std::int32_t iteration,
                                               const bool& keepCfgPath,
                                               const MachineValues& machine = {});
+
+/// False if a name is surely the same in every iteration. The values of variables that are replaced
+/// before "[iter]" count as well: they may complete it, and the date goes on from one to the next.
+bool mayDependOnIteration(const _kvString<500>& name);

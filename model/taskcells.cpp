@@ -1,37 +1,14 @@
 #include "model/taskcells.h"
 
+#include "model/methods.h"
 #include "shared/kvtext.h"
 
 namespace {
 
 QString methodName(IoMethod method)
 {
-    switch (method) {
-    case IoMethod::Posix:
-        return QStringLiteral("Posix");
-    case IoMethod::System:
-        return QStringLiteral("System");
-    case IoMethod::Stream:
-        return QStringLiteral("Stream");
-    case IoMethod::AnsiC:
-        return QStringLiteral("AnsiC");
-    case IoMethod::WinApi:
-        return QStringLiteral("WinApi");
-    }
-    return {};
-}
-
-QString typeName(TestType type)
-{
-    switch (type) {
-    case TestType::Copy:
-        return QStringLiteral("Copy");
-    case TestType::Write:
-        return QStringLiteral("Write");
-    case TestType::Read:
-        break;
-    }
-    return QStringLiteral("Read");
+    const MethodInfo* const info = methodInfo(method);
+    return info != nullptr ? QString::fromLatin1(info->name) : QString();
 }
 
 } // namespace
@@ -45,7 +22,7 @@ QStringList taskCells(const TestTask& task, int configFileNumber)
         return cells;
     }
     cells += methodName(task.method);
-    cells += typeName(task.testType());
+    cells += QString::fromLatin1(testTypeName(task.testType()));
     for (const int number :
          {kibFromBytes(task.io.fileSize), task.iterations, kibFromBytes(task.io.chunkSize),
           task.io.chunkWait, task.io.sysBufferMode})

@@ -1,6 +1,8 @@
 #include "model/tasklinereader.h"
 
+#include "model/confignames.h"
 #include "model/limits.h"
+#include "model/methods.h"
 #include "model/pathvariables.h"
 #include "shared/kvpath.h"
 
@@ -72,15 +74,10 @@ void narrow(Path& path, const unsigned short* text, int length)
 
 std::optional<IoMethod> methodOf(const Field& field)
 {
-    if (field.is("Stream"))
-        return IoMethod::Stream;
-    if (field.is("AnsiC"))
-        return IoMethod::AnsiC;
-    if (field.is("Posix"))
-        return IoMethod::Posix;
-    if (field.is("System"))
-        return IoMethod::System;
-    // "WinApi" is written but not read: such tasks do not come back.
+    for (int number = 0; number < methodCount; ++number) {
+        if (ioMethods[number].has(IsRead) && field.is(ioMethods[number].name))
+            return static_cast<IoMethod>(number);
+    }
     return std::nullopt;
 }
 
@@ -211,7 +208,7 @@ bool readTaskLineAsIs(TestTask& task, const _kvString<1000>& line, const Path& c
 {
     task.configPath = configPath;
     task.lineText = line;
-    if (line.endsWith(".dpc")) {
+    if (line.endsWith(configFileExtension)) {
         readMarker(task, line);
         return true;
     }

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "model/tasklinefields.h"
 #include "model/testtask.h"
-
-#include <array>
 
 /// Where and why a line was rejected.
 struct TaskLineProblem
@@ -10,23 +9,6 @@ struct TaskLineProblem
     int field = 0;  ///< 1 to 14 in the order of the line
     int column = 0; ///< first character of the trimmed field, from 0
     int length = 0; ///< of the trimmed field, in characters
-};
-
-/// Where a trimmed field stands in its line.
-struct TaskLineField
-{
-    int column = 0; ///< first character, from 0
-    int length = 0; ///< in characters
-};
-
-constexpr int taskLineFieldCount = 14;
-
-/// A line, cut at its semicolons.
-struct TaskLineFields
-{
-    std::array<TaskLineField, taskLineFieldCount> fields;
-    int count = 0;        ///< fields that the line holds; those that it lacks are empty
-    TaskLineField beyond; ///< what follows the last field
 };
 
 /// The fields of a line as the reader takes them.

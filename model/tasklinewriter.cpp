@@ -1,5 +1,8 @@
 #include "model/tasklinewriter.h"
 
+#include "model/limits.h"
+#include "model/methods.h"
+
 #include <QtGlobal>
 
 #include <algorithm>
@@ -7,19 +10,31 @@
 
 namespace {
 
+/// All methods are padded to it, so that the second field starts in the same column.
+constexpr int methodWidth = 6;
+
+constexpr bool methodsFit()
+{
+    for (const MethodInfo& method : ioMethods) {
+        if (kvdetail::textLength(method.name) > methodWidth)
+            return false;
+    }
+    return true;
+}
+static_assert(methodsFit());
+
 // How long a line can get: the longest text of each piece, added up.
-constexpr int longestNumber = std::numeric_limits<std::int32_t>::digits10 + 2; // one more, a sign
-constexpr int longestKeywords = kvdetail::textLength("Posix ;") + kvdetail::textLength("NOflush;") +
-                                kvdetail::textLength("NOprealloc; ") +
-                                kvdetail::textLength("false;");
-constexpr int longestNumbers = 6 * longestNumber + kvdetail::textLength(";"
+constexpr int maxNumberText = std::numeric_limits<std::int32_t>::digits10 + 2; // one more, a sign
+constexpr int maxKeywordsText =
+    methodWidth + kvdetail::textLength(";") + kvdetail::textLength("NOflush;") +
+    kvdetail::textLength("NOprealloc; ") + kvdetail::textLength("false;");
+constexpr int maxNumbersText = 6 * maxNumberText + kvdetail::textLength(";"
                                                                         ";  "
                                                                         "; "
                                                                         ";"
                                                                         ";"
                                                                         ";  ");
-constexpr int longestPaths =
-    4 * (kvdetail::capacityOf(_kvString8_allSize<500>()) + kvdetail::textLength(";  "));
+constexpr int maxPathsText = 4 * (maxPath + kvdetail::textLength(";  "));
 
 /// A line in 8 bits before it is cut. Nothing is checked when a piece is added, for there is room
 /// for the longest line that a record can give.
@@ -54,17 +69,17 @@ public:
     int length() const { return m_length; }
 
 private:
-    char m_text[longestKeywords + longestNumbers + longestPaths]; // only what was added is read
+    char m_text[maxKeywordsText + maxNumbersText + maxPathsText]; // only what was added is read
     int m_length = 0;
 };
 
-void addPath(UncutLine& line, const _kvString8_allSize<500>& path)
+void addPath(UncutLine& line, const _kvString8_allSize<maxPath>& path)
 {
     line.add(path.text);
     line.add(";  ");
 }
 
-void addPathOrMemory(UncutLine& line, const _kvString8_allSize<500>& path)
+void addPathOrMemory(UncutLine& line, const _kvString8_allSize<maxPath>& path)
 {
     if (path.isEmpty())
         line.add("MEMORY;  ");
@@ -72,28 +87,20 @@ void addPathOrMemory(UncutLine& line, const _kvString8_allSize<500>& path)
         addPath(line, path);
 }
 
-/// Padded to six characters, so that the second field starts in the same column for all.
-const char* methodField(IoMethod method)
+void addMethod(UncutLine& line, IoMethod method)
 {
-    switch (method) {
-    case IoMethod::Posix:
-        return "Posix ;";
-    case IoMethod::System:
-        return "System;";
-    case IoMethod::Stream:
-        return "Stream;";
-    case IoMethod::AnsiC:
-        return "AnsiC ;";
-    case IoMethod::WinApi:
-        return "WinApi;";
+    if (const MethodInfo* const info = methodInfo(method)) {
+        const int length = kvdetail::textLength(info->name);
+        line.add(info->name, length);
+        line.add("      ", std::max(methodWidth - length, 0));
     }
-    return ";";
+    line.add(";");
 }
 
 void addSettings(UncutLine& line, const TestTask& task)
 {
     const _fileGLobal& io = task.io;
-    line.add(methodField(task.method));
+    addMethod(line, task.method);
     line.add(io.flush ? "flush  ;" : "NOflush;");
     line.add(io.preallocate ? "prealloc  ; " : "NOprealloc; ");
     line.addNumber(io.chunkWait, 2);
@@ -113,9 +120,14 @@ void addSettings(UncutLine& line, const TestTask& task)
 
 } // namespace
 
-_kvString<1000>& writeTaskLine(_kvString<1000>& line, TestTask& task)
+_kvString<maxLine>& writeTaskLine(_kvString<maxLine>& line, TestTask& task)
 {
     task.normalise();
+    return writePreparedTaskLine(line, task);
+}
+
+_kvString<maxLine>& writePreparedTaskLine(_kvString<maxLine>& line, const TestTask& task)
+{
     UncutLine uncut;
     addSettings(uncut, task);
     addPathOrMemory(uncut, task.sourcePath);

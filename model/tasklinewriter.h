@@ -7,3 +7,6 @@
 /// Bytes of a path from 128 on appear sign-extended, so that their low byte gives them back. What
 /// passes 1000 characters is dropped silently. Returns `line`.
 _kvString<1000>& writeTaskLine(_kvString<1000>& line, TestTask& task);
+
+/// The same for a record that is normalised already.
+_kvString<1000>& writePreparedTaskLine(_kvString<1000>& line, const TestTask& task);

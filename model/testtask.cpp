@@ -1,6 +1,7 @@
 #include "model/testtask.h"
 
 #include "model/limits.h"
+#include "model/methods.h"
 
 #include <algorithm>
 
@@ -18,32 +19,12 @@ TestType typeByEmptiness(const TestTask& task)
     return task.destPath.isEmpty() ? TestType::Read : TestType::Copy;
 }
 
-void applyMethodLimits(TestTask& task, TestType type)
+void applySystemBufferRules(TestTask& task, const TaskRules& rules)
 {
-    _fileGLobal& io = task.io;
-    switch (task.method) {
-    case IoMethod::Posix:
-        io.sysBufferMode = std::min(io.sysBufferMode, 1);
-        break;
-    case IoMethod::WinApi:
-        io.sysBufferMode = std::min(io.sysBufferMode, 2);
-        break;
-    case IoMethod::Stream:
-    case IoMethod::AnsiC:
-        io.sysBufferMode = std::min(io.sysBufferMode, 1);
-        if (io.sysBufferMode >= 0 && io.chunkSize <= 0)
-            io.sysBufferMode = -1;
-        break;
-    case IoMethod::System:
-        io.sysBufferMode = -1;
-        break;
-    }
-
-    const bool copiesInChunks = type == TestType::Copy &&
-                                (task.method == IoMethod::Posix ||
-                                 task.method == IoMethod::WinApi || task.method == IoMethod::AnsiC);
-    if (io.chunkSize == 0 && (task.method == IoMethod::System || copiesInChunks))
-        task.setChunkSize(copyFile_chunksize());
+    SysBufferMode& mode = task.io.sysBufferMode;
+    mode = rules.hasOneSystemBuffer ? rules.maxSystemBuffer : std::min(mode, rules.maxSystemBuffer);
+    if (rules.systemBufferNeedsChunks && mode >= 0 && task.io.chunkSize <= 0)
+        mode = defaultSysBufferMode;
 }
 
 } // namespace
@@ -59,7 +40,7 @@ void TestTask::setDefaults()
 {
     using Path = _kvString8_allSize<500>;
     method = IoMethod::Stream;
-    io.sysBufferMode = -1;
+    io.sysBufferMode = defaultSysBufferMode;
     setChunkWait(50);
     setChunkSize(bytesFromKib(1024));
     io.preallocate = false;
@@ -90,7 +71,7 @@ void TestTask::setFileCreation(const _kvString8_allSize<500>& path, std::int64_t
     io.preallocate = false;
     io.flush = false;
     io.fileSize = static_cast<std::int32_t>(std::min<std::int64_t>(bytes, maxTaskFile));
-    io.sysBufferMode = -1;
+    io.sysBufferMode = defaultSysBufferMode;
     setChunkWait(0);
     setChunkSize(0);
     io.cacheMode = 0;
@@ -129,15 +110,12 @@ void TestTask::normalise()
 {
     io.fileSize = std::min(io.fileSize, maxFileSize);
 
-    const TestType type = typeByEmptiness(*this);
-    applyMethodLimits(*this, type);
-
-    const bool canPreallocate = method == IoMethod::Posix || method == IoMethod::WinApi;
-    if (!canPreallocate || type == TestType::Read)
-        io.preallocate = false;
-    // A system copy keeps its flush setting even where nothing is written.
-    if (type == TestType::Read && method != IoMethod::System)
-        io.flush = false;
+    const TaskRules rules = rulesFor(method, typeByEmptiness(*this));
+    applySystemBufferRules(*this, rules);
+    if (io.chunkSize == 0 && rules.chunkSizeIsNeeded)
+        setChunkSize(copyFile_chunksize());
+    io.preallocate = io.preallocate && rules.allowsPreallocation;
+    io.flush = io.flush && rules.allowsFlush;
     if (io.chunkSize == 0) {
         io.flush = false;
         setChunkWait(0);

@@ -11,6 +11,7 @@ int copyFile_chunksize();
 /// How the system buffers a file: -1 is the default, the meaning of the others is the I/O method's.
 /// Records and config files may hold any 32-bit number.
 using SysBufferMode = std::int32_t;
+constexpr SysBufferMode defaultSysBufferMode = -1;
 
 /// How the cache is cleared before a test: 0 is not at all. Records and config files may hold any
 /// 32-bit number.

@@ -4,9 +4,19 @@
 
 #include <QtTest>
 
+#include <limits>
+
 namespace {
 
 const SeriesName mytest{"/x/", "mytest"};
+
+/// As a save does it.
+RenderedSeries rendered(TaskList& tasks, const QString& infoText = QString(),
+                        FollowUpFiles place = FollowUpFiles::InWaitFolder)
+{
+    prepareTasks(tasks);
+    return renderSeries(tasks, infoText, mytest, place);
+}
 
 QStringList textsOf(const FileToCreateList& list)
 {
@@ -29,6 +39,19 @@ bool nothingExists(const QString& /*resolved*/)
     return false;
 }
 
+/// The _init file of tasks, without a limit.
+QString initOf(TaskList& tasks)
+{
+    prepareTasks(tasks);
+    FileToCreateList list;
+    for (int i = 0; i < tasks.size(); ++i)
+        collectFilesOfTask(list, tasks[i], i);
+    QString content;
+    for (const FileToCreate& file : list.files())
+        content += creatingLine(file);
+    return content;
+}
+
 } // namespace
 
 class TestSeriesRenderer : public QObject
@@ -40,7 +63,7 @@ private slots:
     {
         TaskList tasks{taskTo("/t/a"), taskTo("/t/b"), marker(),
                        taskTo("/t/c"), marker(),       taskTo("/t/d")};
-        const RenderedSeries series = renderSeries(tasks, "", mytest, "_wait/");
+        const RenderedSeries series = rendered(tasks);
         QCOMPARE(series.files.size(), 3);
         QCOMPARE(series.files[0].path, QStringLiteral("/x/_wait/mytest.dpc"));
         QCOMPARE(series.files[0].content,
@@ -58,7 +81,7 @@ private slots:
     void listThatEndsWithAMarkerHasAnEmptyLastFile()
     {
         TaskList tasks{taskTo("/t/a"), marker()};
-        const RenderedSeries series = renderSeries(tasks, "", mytest, "_wait/");
+        const RenderedSeries series = rendered(tasks);
         QCOMPARE(series.files.size(), 2);
         QCOMPARE(series.files[1].path, QStringLiteral("/x/_wait/mytest1.dpc"));
         QCOMPARE(series.files[1].content, QString());
@@ -67,7 +90,7 @@ private slots:
     void listThatStartsWithAMarkerHasAFirstFileWithoutTasks()
     {
         TaskList tasks{marker(), taskTo("/t/a")};
-        const RenderedSeries series = renderSeries(tasks, "i", mytest, "_wait/");
+        const RenderedSeries series = rendered(tasks, "i");
         QCOMPARE(series.files[0].content, QStringLiteral("# i\n\n/x/_wait/mytest1.dpc\n"));
         QCOMPARE(tasks[1].configId, 1);
     }
@@ -75,7 +98,7 @@ private slots:
     void onlyTheFirstFileStaysInWaitWithoutThatFolder()
     {
         TaskList tasks{taskTo("/t/a"), marker(), taskTo("/t/b")};
-        const RenderedSeries series = renderSeries(tasks, "", mytest, "");
+        const RenderedSeries series = rendered(tasks, "", FollowUpFiles::InSeriesFolder);
         QCOMPARE(series.files[0].path, QStringLiteral("/x/_wait/mytest.dpc"));
         QVERIFY(series.files[0].content.endsWith("\n/x/mytest1.dpc\n"));
         QCOMPARE(series.files[1].path, QStringLiteral("/x/mytest1.dpc"));
@@ -102,7 +125,7 @@ private slots:
         QFETCH(QString, info);
         QFETCH(QString, header);
         TaskList tasks{taskTo("/t/a"), marker(), taskTo("/t/b")};
-        const RenderedSeries series = renderSeries(tasks, info, mytest, "_wait/");
+        const RenderedSeries series = rendered(tasks, info);
         QCOMPARE(series.files[0].content, header + lineTo("/t/a") + "/x/_wait/mytest1.dpc\n");
         QCOMPARE(series.files[1].content, lineTo("/t/b"));
     }
@@ -112,19 +135,26 @@ private slots:
         TestTask numbered = taskTo("/t/d");
         numbered.sourcePath = path("[cfgPath]/[cfgID]-[cfgTaskID]");
         TaskList tasks{numbered, numbered, marker(), numbered};
-        const RenderedSeries series = renderSeries(tasks, "", mytest, "_wait/");
+        const RenderedSeries series = rendered(tasks);
         QCOMPARE(textsOf(series.filesToCreate),
                  (QStringList{"[cfgPath]/0-0", "[cfgPath]/0-1", "[cfgPath]/1-0"}));
     }
 
-    void recordsAreNormalisedInPlace()
+    void preparingNumbersAndNormalisesTasksButNoMarkers()
     {
         TestTask system = taskTo("/t/a");
         system.method = IoMethod::System;
         system.setChunkSize(0);
-        TaskList tasks{system};
-        renderSeries(tasks, "", mytest, "_wait/");
+        TestTask markerWithSettings = system;
+        markerWithSettings.waitForNextConfig = true;
+        markerWithSettings.configId = 9;
+        TaskList tasks{system, markerWithSettings, markerWithSettings, system};
+        prepareTasks(tasks);
         QCOMPARE(tasks[0].io.chunkSize, 1048576);
+        QCOMPARE(tasks[0].configId, 0);
+        QCOMPARE(tasks[1].io.chunkSize, 0);
+        QCOMPARE(tasks[1].configId, 9);
+        QCOMPARE(tasks[3].configId, 2);
     }
 
     void namesCanBeThoseOfAnotherMachine()
@@ -185,6 +215,72 @@ private slots:
         }
     }
 
+    void iterationsThatChangeNothingAreSkipped_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("config");
+        const QString longName(90, 'c');
+        QTest::newRow("cancelled") << "[iter]/../x"
+                                   << "a";
+        QTest::newRow("in brackets") << "[[iter]]/../x"
+                                     << "a";
+        QTest::newRow("twice") << "/[iter]/../[iter]"
+                               << "a";
+        // What comes later may push the number out, or the end of it.
+        QTest::newRow("pushed out")
+            << "[cfgName]/[cfgName]/[cfgName]/[cfgName]/[cfgName]/[cfgName]/[iter]" << longName;
+        for (int length = 124; length < 130; ++length)
+            QTest::addRow("%d before", length)
+                << QString(length, 'n') + "[cfgName][cfgName][cfgName][cfgName]/[iter]/e"
+                << longName.left(90);
+        QTest::newRow("cut by the host") << QString(480, 'n') + "[host][iter]"
+                                         << "a";
+        QTest::newRow("completed by the date") << "/s/[it[date]/../x"
+                                               << "a";
+    }
+
+    void iterationsThatChangeNothingAreSkipped()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, config);
+        TestTask task;
+        task.configPath = kvToString8<500>("/c/" + config + ".dpc");
+        task.iterations = 2345;
+        MachineValues machine;
+        machine.computerName = _kvString<500>("a-name-of-18-chars");
+        machine.date = QStringLiteral("er]");
+        QStringList expected;
+        for (int iteration = 0; iteration < task.iterations; ++iteration) {
+            auto text = kvToString16<500>(name);
+            expected += kvToQString(replaceFileVariables(task, text, 0, iteration, true, machine));
+        }
+        expected.removeDuplicates();
+        FileToCreateList list;
+        collectFilesToCreate(list, name, 1, task, 0, machine);
+        QCOMPARE(textsOf(list), expected);
+    }
+
+    void listEndsWhereTheInitFileIsFull()
+    {
+        TestTask endless = taskTo("");
+        endless.iterations = std::numeric_limits<int>::max();
+        TestTask few = endless;
+        few.iterations = 400;
+        for (const char* name : {"[cfgPath]/src_[iter].bin", "[iter]", "/s/x", "[iter]/../x",
+                                 "/[iter]/[iter]/[iter]/[iter]/[iter]"}) {
+            endless.sourcePath = few.sourcePath = path(name);
+            TaskList endlessTasks{endless, endless};
+            TaskList fewTasks{few, few};
+            const RenderedSeries series = rendered(endlessTasks);
+            const QString content =
+                renderInitFile(series.filesToCreate, mytest, nothingExists).content;
+            // All that a file can hold, and no more of it than that takes.
+            QCOMPARE(content.left(5000), initOf(fewTasks).left(5000));
+            QVERIFY(content.size() < 5000 + 1000);
+            QVERIFY(series.filesToCreate.files().size() <= 5000 / 70 + 1);
+        }
+    }
+
     void sameTextIsCollectedOnce()
     {
         TestTask first = taskTo("");
@@ -192,7 +288,7 @@ private slots:
         TestTask second = taskTo("");
         second.sourcePath = path("/s//a");
         TaskList tasks{first, second};
-        const RenderedSeries series = renderSeries(tasks, "", mytest, "_wait/");
+        const RenderedSeries series = rendered(tasks);
         QCOMPARE(textsOf(series.filesToCreate), QStringList{"/s/a"});
     }
 
@@ -249,7 +345,7 @@ private slots:
         TestTask task;
         task.setDefaults();
         TaskList tasks{task};
-        const RenderedSeries series = renderSeries(tasks, "", mytest, "_wait/");
+        const RenderedSeries series = rendered(tasks);
         QCOMPARE(textsOf(series.filesToCreate).value(0),
                  QStringLiteral("[cfgPath]/testfile_-0.dat"));
     }
@@ -266,7 +362,7 @@ private slots:
         QCOMPARE(dummies, (QList<bool>{true, true, false, false}));
     }
 
-    void companionCreatesWhatDoesNotExist()
+    void initFileCreatesWhatDoesNotExist()
     {
         FileToCreateList list;
         list.append({"[cfgPath]/a.dat", "/x/a.dat", 5242880, false});
@@ -281,12 +377,12 @@ private slots:
                                 "/log/dummyFile;  ;  ;  true;\n"));
     }
 
-    void companionOfNothingIsEmpty()
+    void initFileOfNothingIsEmpty()
     {
         QCOMPARE(renderInitFile({}, mytest, nothingExists).content, QString());
     }
 
-    void companionCutsNamesAt500AndSizesAtOneGiB()
+    void initFileCutsNamesAt500AndSizesAtOneGiB()
     {
         FileToCreateList list;
         list.append({'/' + QString(600, 'n'), "", qint64(3000000000), false});

@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <limits>
+
 namespace {
 
 QByteArray contentOf(const QString& file)
@@ -43,7 +45,7 @@ private slots:
         m_root = m_folder->path() + '/';
     }
 
-    void seriesAndCompanionLieWhereTheyBelong()
+    void seriesAndInitFileLieWhereTheyBelong()
     {
         TaskList tasks{taskTo("/t/a"), marker(), taskTo("/t/b"), marker(), taskTo("/t/c")};
         saveSeries(tasks, "info", {m_root, "mytest"});
@@ -176,6 +178,27 @@ private slots:
         TaskList tasks{taskTo("/t/a")};
         saveSeries(tasks, "", {m_root, QString::fromUtf8("a€")});
         QCOMPARE(filesBelow(m_root), (QStringList{"_wait", "_wait/a?.dpc", "a?_init.dpc"}));
+    }
+
+    void endlessIterationsAreSavedAtOnce()
+    {
+        const int most = std::numeric_limits<int>::max();
+        for (const char* name : {"[cfgPath]/src_[iter].bin", "/s/[date]", "[iter]/../x"}) {
+            TestTask task = taskTo("[cfgPath]/[iter]/a");
+            task.sourcePath = path(name);
+            task.logPath = path("/l/[iter]/[host]/log");
+            task.csvPath = path("/c/csv");
+            task.iterations = 1000;
+            TaskList few{task, marker(), task};
+            saveSeries(few, "", {m_root, "few"});
+            task.iterations = most;
+            TaskList many{task, marker(), task};
+            saveSeries(many, "", {m_root, "many"});
+            const QByteArray init = contentOf(m_root + "many_init.dpc");
+            QCOMPARE(init.size(), 5000);
+            if (!QByteArray(name).contains("date"))
+                QCOMPARE(init, contentOf(m_root + "few_init.dpc"));
+        }
     }
 
     void existingSourcesAreCommentedOut()

@@ -137,6 +137,42 @@ private slots:
         QCOMPARE(expanded(taskIn("/data/cfg/mytest12.dpc", 12), name, 3, 7), result);
     }
 
+    void everyVariableIsReplaced()
+    {
+        TestTask task = taskIn("/cfg/mytest12.dpc", 4);
+        for (const char* variable : pathVariables) {
+            const QString text = expanded(task, QStringLiteral("x%1y").arg(variable), 3, 5);
+            QVERIFY2(!text.contains(variable) && text != "xy", variable);
+            // What is spelled otherwise is not a variable.
+            const QString capitals = QString(variable).toUpper();
+            QCOMPARE(expanded(task, capitals), capitals);
+        }
+    }
+
+    void variablesAreReplacedInTheirOrder()
+    {
+        // What a machine gives for a variable may be another variable: only a later one is
+        // replaced.
+        for (int i = 0; i < pathVariableCount; ++i) {
+            MachineValues values = machine(pathVariables[i]);
+            const bool isLater = i > int(PathVariable::Host);
+            QCOMPARE(wide(taskIn("/c/a.dpc"), "[host]", 0, 0, false, values).contains('['),
+                     !isLater);
+            values = machine("pc01", pathVariables[i]);
+            QCOMPARE(wide(taskIn("/c/a.dpc"), "[date]", 0, 0, false, values).contains('['),
+                     i <= int(PathVariable::Date));
+        }
+    }
+
+    void nameMayDependOnTheIterationByWhatIsReplacedBefore()
+    {
+        for (int i = 0; i < pathVariableCount; ++i) {
+            const _kvString<500> name(QByteArray("a/" + QByteArray(pathVariables[i]) + "b"));
+            QCOMPARE(mayDependOnIteration(name), i <= int(PathVariable::Iter));
+        }
+        QVERIFY(!mayDependOnIteration(_kvString<500>("iter[iter")));
+    }
+
     void configPathStaysWhereAsked()
     {
         const TestTask task = taskIn("/data/cfg/mytest12.dpc", 12);

@@ -1,0 +1,35 @@
+#include "model/methods.h"
+
+#include <algorithm>
+
+namespace {
+
+SysBufferMode maxSystemBufferOf(const MethodInfo& method)
+{
+    SysBufferMode most = -1;
+    for (const SystemBuffer& buffer : method.systemBuffers)
+        most = buffer.text != nullptr ? std::max(most, buffer.mode) : most;
+    return most;
+}
+
+} // namespace
+
+TaskRules rulesFor(IoMethod method, TestType type)
+{
+    TaskRules rules;
+    // A system copy keeps its flush setting even if nothing is written.
+    rules.allowsFlush = type != TestType::Read || method == IoMethod::System;
+    const MethodInfo* const info = methodInfo(method);
+    if (info == nullptr)
+        return rules;
+    const bool isOwnWay = info->copyChunks == CopyChunks::OwnWay;
+    rules.maxSystemBuffer = maxSystemBufferOf(*info);
+    rules.hasOneSystemBuffer = info->systemBuffers[1].text == nullptr;
+    rules.systemBufferNeedsChunks = info->has(BufferIsOfChunk);
+    rules.allowsNoChunks = info->copyChunks != CopyChunks::Needed || type != TestType::Copy;
+    rules.chunkSizeIsNeeded = isOwnWay || !rules.allowsNoChunks;
+    rules.startsWithoutChunks = isOwnWay;
+    rules.copiesOnly = info->has(CopiesOnly);
+    rules.allowsPreallocation = info->has(CanPreallocate) && type != TestType::Read;
+    return rules;
+}

@@ -1,0 +1,116 @@
+#pragma once
+
+#include "model/testtask.h"
+
+#include <array>
+#include <cstddef>
+#include <iterator>
+#include <limits>
+
+// What is particular to each I/O method. A method is one row of `ioMethods`; everything that reads,
+// writes, shows or checks a method asks this table.
+
+/// A way in which a method can buffer a file.
+struct SystemBuffer
+{
+    const char* text;   ///< as the form offers it
+    SysBufferMode mode; ///< as a record and a line hold it
+};
+
+/// What copies of a method need.
+enum class CopyChunks
+{
+    Optional, ///< the whole file may be copied at once
+    Needed,   ///< a chunk size; without one, normalising sets the default
+    OwnWay    ///< the system copies as it likes: the form starts without chunks, a record has some
+};
+
+/// What a method can or can't do.
+enum MethodTrait : unsigned
+{
+    IsRead = 1U << 0U,          ///< without it, a line is written, but rejected when it is read
+    CopiesOnly = 1U << 1U,      ///< the form offers no other test type
+    CanPreallocate = 1U << 2U,  ///< if something is written
+    BufferIsOfChunk = 1U << 3U, ///< a system buffer other than the default needs chunks
+};
+
+/// A method.
+struct MethodInfo
+{
+    const char* name; ///< in a line of a config file, and in the table
+    CopyChunks copyChunks;
+    unsigned traits; ///< a sum of MethodTrait
+    /// In the order of the form; what has no text is not a buffer.
+    std::array<SystemBuffer, 4> systemBuffers;
+
+    /// True if the method has the trait.
+    constexpr bool has(MethodTrait trait) const { return (traits & trait) != 0; }
+};
+
+/// All methods, by their number.
+constexpr MethodInfo ioMethods[] = {
+    {"Posix",
+     CopyChunks::Needed,
+     IsRead | CanPreallocate,
+     {{{"default", -1}, {"Linux only - use POSIX_FADV_SEQUENTIAL flag", 1}}}},
+    {"System", CopyChunks::OwnWay, IsRead | CopiesOnly, {{{"default", -1}}}},
+    {"Stream",
+     CopyChunks::Optional,
+     IsRead | BufferIsOfChunk,
+     {{{"default", -1}, {"disable buffer", 0}, {"use same size as chunk size", 1}}}},
+    // The second "default" is meant: people know the list with four entries.
+    {"AnsiC",
+     CopyChunks::Needed,
+     IsRead | BufferIsOfChunk,
+     {{{"default", -1},
+       {"default", -1},
+       {"disable buffer", 0},
+       {"use same size as chunk size", 1}}}},
+    {"WinApi",
+     CopyChunks::Needed,
+     CanPreallocate,
+     {{{"default", -1},
+       {"FILE_FLAG_WRITE_THROUGH", 0},
+       {"FILE_FLAG_SEQUENTIAL_SCAN", 1},
+       {" FILE_FLAG_WRITE_THROUGH + FILE_FLAG_SEQUENTIAL_SCAN", 2}}}},
+};
+
+constexpr int methodCount = int(std::size(ioMethods));
+static_assert(methodCount == int(IoMethod::WinApi) + 1, "each method has its row");
+
+/// The row of a method; null for a number that is not a method.
+constexpr const MethodInfo* methodInfo(IoMethod method)
+{
+    const auto number = static_cast<std::int32_t>(method);
+    return number >= 0 && number < methodCount ? &ioMethods[number] : nullptr;
+}
+
+/// The test types, by their number, as people read them.
+constexpr const char* testTypeNames[] = {"Copy", "Write", "Read"};
+
+constexpr int testTypeCount = int(std::size(testTypeNames));
+static_assert(testTypeCount == int(TestType::Read) + 1, "each test type has its name");
+
+/// The name of a test type.
+constexpr const char* testTypeName(TestType type)
+{
+    return testTypeNames[int(type)];
+}
+
+/// What a method and a test type allow. The defaults are those of an unknown method.
+struct TaskRules
+{
+    SysBufferMode maxSystemBuffer = std::numeric_limits<SysBufferMode>::max();
+    bool hasOneSystemBuffer = false;      ///< whatever was asked for becomes `maxSystemBuffer`
+    bool systemBufferNeedsChunks = false; ///< without chunks only the default is left
+    bool chunkSizeIsNeeded = false;       ///< a record without one gets the default chunk size
+    bool allowsNoChunks = true;           ///< the form offers to work without chunks
+    bool startsWithoutChunks = false;     ///< the form sets that when the method is chosen
+    bool copiesOnly = false;              ///< the form has no other test type
+    bool allowsPreallocation = false;
+    bool allowsFlush = true;
+};
+
+/// The rules of a method and a test type. Both a record that is normalised and the form follow
+/// them.
+TaskRules rulesFor(IoMethod method, TestType type);
