@@ -3,6 +3,7 @@
 #include "check/nameexpander.h"
 #include "check/text.h"
 #include "configset/configfilereader.h"
+#include "configset/infotext.h"
 #include "configset/seriesloader.h"
 #include "configset/seriesrenderer.h"
 #include "dpc/alignment.h"
@@ -22,35 +23,12 @@
 
 namespace {
 
-/// The info text as the editor's text field gives it back: comments before the first text vanish
-/// where they are empty, and a no-break space comes back as a blank.
-class InfoText
-{
-public:
-    void addLine(QString line)
-    {
-        line.replace(QChar::Nbsp, ' ').replace('\r', '\n');
-        m_text += m_text.isEmpty() ? line : '\n' + line;
-    }
-    const QString& text() const { return m_text; }
-
-private:
-    QString m_text;
-};
-
-long long iterationsIn(const TaskList& tasks)
-{
-    long long count = 0;
-    for (const TestTask& task : tasks)
-        count += std::max(task.iterations, 0);
-    return count;
-}
-
 /// Where the editor puts the files after the first.
-QString followUpFolder(const SeriesName& name)
+FollowUpFiles followUpFiles(const SeriesName& name)
 {
     const QFileInfo folder(name.folder + waitFolder().chopped(1));
-    return !folder.exists() || folder.isDir() ? waitFolder() : QString();
+    const bool isUsable = !folder.exists() || folder.isDir();
+    return isUsable ? FollowUpFiles::InWaitFolder : FollowUpFiles::InSeriesFolder;
 }
 
 /// What keeps a save from writing a file; null where nothing does.
@@ -111,6 +89,11 @@ std::string lineChanges(const QByteArray& before, const QByteArray& after)
     return text;
 }
 
+QString writtenPath(const ConfigFile& file)
+{
+    return kvToQString(kvToString8<maxFileName>(file.path));
+}
+
 class Comparison
 {
 public:
@@ -118,24 +101,21 @@ public:
         : m_facts(facts)
     {}
 
-    void compare(const ConfigFile& file)
+    void compareInit(const ConfigFile& file)
     {
-        const QString path = kvToQString(kvToString8<250>(file.path));
-        const QByteArray content = kvToQString(kvToString8<5000>(file.content)).toLatin1();
-        const QByteArray before = contentOf(path);
-        const char* const obstacle = obstacleTo(path);
-        if (obstacle == nullptr)
-            m_written.insert(path);
-        if (obstacle != nullptr)
-            m_text += fmt::format("{}: can't be written: {}\n", shown(path), obstacle);
-        else if (!QFileInfo::exists(path))
-            m_text += fmt::format("{}: is created, with {}\n", shown(path),
-                                  counted(content.count('\n'), "line"));
-        else if (before != content)
-            m_text += fmt::format("{}: changes\n", shown(path)) + lineChanges(before, content);
-        if (file.content.size() > longestConfigFile)
-            m_text += fmt::format("{}: is cut at 5000 of {} characters\n", shown(path),
-                                  file.content.size());
+        compare(file);
+        // It is not rendered any further.
+        if (file.content.size() > maxConfigFile)
+            m_text += fmt::format("{}: is cut at {} characters\n", shown(writtenPath(file)),
+                                  maxConfigFile);
+    }
+
+    void compareSeriesFile(const ConfigFile& file)
+    {
+        compare(file);
+        if (file.content.size() > maxConfigFile)
+            m_text += fmt::format("{}: is cut at {} of {} characters\n", shown(writtenPath(file)),
+                                  maxConfigFile, file.content.size());
     }
 
     void addUntouched()
@@ -153,6 +133,23 @@ public:
     std::string text() const { return m_text; }
 
 private:
+    void compare(const ConfigFile& file)
+    {
+        const QString path = writtenPath(file);
+        const QByteArray content = kvToQString(kvToString8<maxConfigFile>(file.content)).toLatin1();
+        const QByteArray before = contentOf(path);
+        const char* const obstacle = obstacleTo(path);
+        if (obstacle == nullptr)
+            m_written.insert(path);
+        if (obstacle != nullptr)
+            m_text += fmt::format("{}: can't be written: {}\n", shown(path), obstacle);
+        else if (!QFileInfo::exists(path))
+            m_text += fmt::format("{}: is created, with {}\n", shown(path),
+                                  counted(content.count('\n'), "line"));
+        else if (before != content)
+            m_text += fmt::format("{}: changes\n", shown(path)) + lineChanges(before, content);
+    }
+
     std::string shown(const QString& path) const
     {
         const QString& folder = m_facts.name.folder;
@@ -165,41 +162,27 @@ private:
     std::string m_text;
 };
 
-TaskList load(const SeriesName& name, InfoText& info)
-{
-    TaskList tasks;
-    loadSeries(name, tasks,
-               {[&] { return info.text().isEmpty(); },
-                [&](const QString& line) { info.addLine(line); },
-                [](const QString&, const QString&) {}});
-    return tasks;
-}
-
 } // namespace
 
 RoundTrip roundTrip(const SeriesFacts& facts)
 {
-    constexpr long long mostIterations = 1000000;
     if (facts.limitReached)
         return {{}, fmt::format("the series has more than {}", counted(maxSeriesEntries, "line"))};
     InfoText info;
-    TaskList tasks = load(facts.name, info);
+    TaskList tasks;
+    loadSeries(facts.name, tasks, silentListener(info));
     // The editor does not save an empty list.
     if (tasks.isEmpty())
         return {};
-    if (iterationsIn(tasks) > mostIterations)
-        return {{},
-                fmt::format("the tasks have {} iterations in all: the editor would save for hours",
-                            iterationsIn(tasks))};
-
+    prepareTasks(tasks);
     const SeriesName name = seriesNameForSaving(facts.name.folder + facts.name.baseName + ".dpc");
     const RenderedSeries series =
-        renderSeries(tasks, info.text(), name, followUpFolder(name), thisMachine());
+        renderSeries(tasks, info.text(), name, followUpFiles(name), thisMachine());
     Comparison comparison(facts);
     for (const ConfigFile& file : series.files)
-        comparison.compare(file);
-    comparison.compare(renderInitFile(series.filesToCreate, name, [&](const QString& resolved) {
-        return comparison.writes(resolved) || kvFileExists(kvToString16<500>(resolved));
+        comparison.compareSeriesFile(file);
+    comparison.compareInit(renderInitFile(series.filesToCreate, name, [&](const QString& resolved) {
+        return comparison.writes(resolved) || kvFileExists(kvToString16<maxPath>(resolved));
     }));
     comparison.addUntouched();
     return {comparison.text(), {}};

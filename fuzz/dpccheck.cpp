@@ -4,6 +4,7 @@
 //   pc01,pc02               the machines
 //   ==> ...                 as archive.h says
 
+#include "configset/infotext.h"
 #include "configset/seriesloader.h"
 #include "configset/seriessaver.h"
 #include "dpc/check.h"
@@ -152,19 +153,12 @@ std::optional<QJsonArray> list(const QString& path)
 /// A load and a save under the same name, as the editor does them.
 void loadAndSave(const QString& chosen)
 {
-    QString info;
+    InfoText info;
     TaskList tasks;
     const SeriesName name = seriesNameForLoading(chosen);
-    // The text field drops empty lines at its head, and knows no other blanks and line ends.
-    loadSeries(name, tasks,
-               {[&] { return info.isEmpty(); },
-                [&](QString line) {
-                    line.replace(QChar(0xA0), ' ').replace('\r', '\n');
-                    info += info.isEmpty() ? line : '\n' + line;
-                },
-                [](const QString&, const QString&) {}});
+    loadSeries(name, tasks, silentListener(info));
     if (!tasks.isEmpty())
-        saveSeries(tasks, info, seriesNameForSaving(name.folder + name.baseName + ".dpc"));
+        saveSeries(tasks, info.text(), seriesNameForSaving(name.folder + name.baseName + ".dpc"));
 }
 
 /// What `dpc roundtrip` tells of is what changes.

@@ -71,9 +71,10 @@ private:
     SeriesName name() const { return {m_root.path() + '/', "a"}; }
 
     /// What a save without faults writes, with or without the folder for waiting files.
-    Contents contentsOf(TaskList tasks, const QString& followUpFolder) const
+    Contents contentsOf(TaskList tasks, FollowUpFiles place) const
     {
-        const RenderedSeries series = renderSeries(tasks, "info", name(), followUpFolder);
+        prepareTasks(tasks);
+        const RenderedSeries series = renderSeries(tasks, "info", name(), place);
         Contents contents;
         for (const ConfigFile& file : series.files)
             contents[file.path] = file.content.toLatin1();
@@ -108,7 +109,7 @@ private:
         prepare(hasOldSeries);
         const test::TracedRun clean = run({});
         QVERIFY(clean.endedWell);
-        const Contents expected = contentsOf(seriesMarked("new"), waitFolder());
+        const Contents expected = contentsOf(seriesMarked("new"), FollowUpFiles::InWaitFolder);
         for (auto file = expected.begin(); file != expected.end(); ++file)
             QCOMPARE(test::contentOf(file.key()), file.value());
 
@@ -137,10 +138,10 @@ private:
     /// file lies beside them.
     void checkFiles(bool hasOldSeries, bool nothingElse, const QString& where) const
     {
-        QList<Contents> allowed{contentsOf(seriesMarked("new"), waitFolder()),
-                                contentsOf(seriesMarked("new"), QString())};
+        QList<Contents> allowed{contentsOf(seriesMarked("new"), FollowUpFiles::InWaitFolder),
+                                contentsOf(seriesMarked("new"), FollowUpFiles::InSeriesFolder)};
         if (hasOldSeries)
-            allowed += contentsOf(seriesMarked("old"), waitFolder());
+            allowed += contentsOf(seriesMarked("old"), FollowUpFiles::InWaitFolder);
         for (const QString& entry : test::entriesOf(m_root.path())) {
             const QString file = name().folder + entry;
             if (QFileInfo(file).isDir() || (!nothingElse && entry.contains(".twdp-")))
