@@ -40,18 +40,6 @@ QByteArray lineOf(const QString& machine, const QString& path)
     return machine.toUtf8() + '\t' + text;
 }
 
-/// True while the process that makes the run lives.
-bool isLocked(const QString& folder)
-{
-    const int number = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_CLOEXEC);
-    if (number < 0)
-        return false;
-    const bool isFree = ::flock(number, LOCK_EX | LOCK_NB) == 0;
-    const bool isHeld = !isFree && errno == EWOULDBLOCK;
-    ::close(number);
-    return isHeld;
-}
-
 } // namespace
 
 const char* runStateName(RunState state)
@@ -77,6 +65,17 @@ RunFolder::~RunFolder()
 {
     if (m_lock >= 0)
         ::close(m_lock);
+}
+
+bool RunFolder::isLocked(const QString& path)
+{
+    const int number = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (number < 0)
+        return false;
+    const bool isFree = ::flock(number, LOCK_EX | LOCK_NB) == 0;
+    const bool isHeld = !isFree && errno == EWOULDBLOCK;
+    ::close(number);
+    return isHeld;
 }
 
 std::string RunFolder::whyTaken(const QString& path)

@@ -56,6 +56,9 @@ public:
     /// run ended, or in which stage it was killed. Empty if nothing is there.
     static std::string whyTaken(const QString& path);
 
+    /// True while the process that makes the run lives.
+    static bool isLocked(const QString& path);
+
     /// Makes the folder; false, and an error of the system, if it can't be made or is there.
     bool create(const QString& path, std::string& problem);
 
