@@ -168,7 +168,7 @@ std::string sentenceFor(const CLI::ArgumentMismatch& error)
     return text.substr(0, colon) + (isMissing ? ": its value is missing" : ": may be given once");
 }
 
-int runCommand(const Command& command, const std::vector<std::string>& typed, const Output& output)
+int runTyped(const Command& command, const std::vector<std::string>& typed, const Output& output)
 {
     const std::string name = std::string("dpc ") + command.name;
     try {
@@ -217,7 +217,7 @@ int runDpc(const std::vector<std::string>& arguments, const Output& output)
     const std::string& name = arguments.front();
     const Command* const command = commandNamed(name);
     if (command != nullptr)
-        return runCommand(*command, {arguments.begin() + 1, arguments.end()}, output);
+        return runTyped(*command, {arguments.begin() + 1, arguments.end()}, output);
     if (!name.empty() && name.front() == '-')
         return runMain(arguments, output);
     return fail(output, fmt::format("unknown command {}{} (see dpc --help)", quoted(decoded(name)),

@@ -6,8 +6,8 @@
 
 const std::vector<const Command*>& allCommands()
 {
-    static const std::vector<const Command*> commands = {&checkCommand, &showCommand, &diffCommand,
-                                                         &roundTripCommand, &exportCommand};
+    static const std::vector<const Command*> commands = {
+        &checkCommand, &showCommand, &diffCommand, &roundTripCommand, &exportCommand, &runCommand};
     return commands;
 }
 

@@ -10,6 +10,7 @@ extern const Command showCommand;
 extern const Command diffCommand;
 extern const Command roundTripCommand;
 extern const Command exportCommand;
+extern const Command runCommand;
 
 /// All subcommands, in the order of the help page.
 const std::vector<const Command*>& allCommands();

@@ -266,6 +266,16 @@ StopReason SignalGuard::pending() const
     return StopReason::None;
 }
 
+StopReason SignalGuard::sleep(int ms) const
+{
+    QElapsedTimer time;
+    time.start();
+    StopReason reason = StopReason::None;
+    for (qint64 left = ms; left > 0 && reason == StopReason::None; left = ms - time.elapsed())
+        reason = reasonOf(waitForSignal(m_state->watched, int(left)));
+    return reason;
+}
+
 FioExit SignalGuard::run(const FioCall& call) const
 {
     FioExit exit;

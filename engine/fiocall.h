@@ -51,6 +51,9 @@ public:
     /// Takes one that has arrived, without waiting.
     StopReason pending() const;
 
+    /// Waits so many ms, or until one arrives.
+    StopReason sleep(int ms) const;
+
     /// Runs fio to its end. A signal or the timeout is passed on as SIGINT, at which fio stops its
     /// jobs on all machines and reports; a second signal, or a minute and a half without an end,
     /// kills it. fio gets SIGINT as well if this process dies.

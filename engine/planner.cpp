@@ -83,6 +83,10 @@ public:
         addInitStage();
         for (const StageFile& stage : stages)
             addStage(m_facts, stage, false);
+        if (m_options.onlyStage && m_plan.jobs.empty())
+            m_result.misuse.push_back(fmt::format("there is no stage {}: the series has {}",
+                                                  *m_options.onlyStage,
+                                                  counted(m_stagesSeen, "stage")));
         if (m_plan.jobs.empty() && !m_losses.hasErrors() && m_result.misuse.empty())
             m_result.problems.push_back("no task of the series makes a job");
         m_result.losses = m_losses.takeSorted();
@@ -144,6 +148,30 @@ private:
 
     void addStage(const SeriesFacts& facts, const StageFile& file, bool isInit)
     {
+        if (!m_options.onlyStage) {
+            planStage(facts, file, isInit);
+            return;
+        }
+        // Whether a file is a stage shows when its jobs are planned. What another stage would make
+        // or lose does not count for the only one.
+        const Losses losses = m_losses;
+        const FilesMade made = m_made;
+        const bool isStage = planStage(facts, file, isInit);
+        const bool isWanted = isStage && m_stagesSeen == *m_options.onlyStage;
+        m_stagesSeen += isStage ? 1 : 0;
+        if (isWanted)
+            return;
+        m_losses = losses;
+        m_made = made;
+        if (isStage) {
+            m_plan.jobs.resize(m_plan.stages.back().files.front().firstJob);
+            m_plan.stages.pop_back();
+        }
+    }
+
+    /// False if the file makes no jobs.
+    bool planStage(const SeriesFacts& facts, const StageFile& file, bool isInit)
+    {
         const QString& path = facts.files[size_t(file.file)].path;
         PlanStage stage;
         stage.configFile = facts.runFolder + path.mid(path.lastIndexOf('/') + 1);
@@ -154,8 +182,10 @@ private:
         const size_t machines = isInit ? 1 : m_plan.machines.size();
         for (size_t machine = 0; machine < machines; ++machine)
             addMachine(facts, tasks, int(machine));
-        if (m_plan.stages.back().files.empty())
-            m_plan.stages.pop_back();
+        if (!m_plan.stages.back().files.empty())
+            return true;
+        m_plan.stages.pop_back();
+        return false;
     }
 
     /// The tasks of a file that fio can do.
@@ -436,6 +466,7 @@ private:
     PlanJobFile m_file;                ///< that is being filled
     QHash<QString, QByteArray> m_logs; ///< of this file, by what they say
     int m_sections = 0;
+    int m_stagesSeen = 0; ///< if only one is planned
     bool m_saidTemp = false;
 };
 

@@ -18,6 +18,7 @@ struct PlanOptions
                                        ///< before each stage. Whoever runs the stage must not start
                                        ///< it late in a minute, for the machines read their clocks
                                        ///< one after the other
+    std::optional<int> onlyStage;      ///< of all stages, the only one that is planned; from 0
     /// True for a file of an earlier run that may be written again.
     std::function<bool(const QString& machine, const QString& path)> mayOverwrite;
     Environment environment = realEnvironment(); ///< this machine

@@ -151,23 +151,18 @@ QByteArray manifestText(const std::vector<MadeFile>& files)
     return text;
 }
 
-std::optional<EarlierRun> EarlierRun::read(const QString& folder, const QString& series,
-                                           std::string& problem)
+std::optional<EarlierRun> EarlierRun::read(const QString& folder, std::string& problem)
 {
     const QString begin = folder + QLatin1Char('/');
-    const QString planned =
+    const QString series =
         readObject(begin + QLatin1String(planFileName)).value(QLatin1String("series")).toString();
     QFile manifest(begin + QLatin1String(manifestFileName));
-    if (planned.isEmpty() || !QFileInfo(manifest).isFile() || !manifest.open(QIODevice::ReadOnly)) {
-        problem = fmt::format("{} is not a run that made files", quoted(folder));
-        return std::nullopt;
-    }
-    if (planned != series) {
-        problem = fmt::format("{} is a run of {}, not of {}", quoted(folder), quoted(planned),
-                              quoted(series));
+    if (series.isEmpty() || !QFileInfo(manifest).isFile() || !manifest.open(QIODevice::ReadOnly)) {
+        problem = quoted(folder) + " does not hold a run that made files";
         return std::nullopt;
     }
     EarlierRun run;
+    run.m_series = series;
     for (const QByteArray& line : manifest.readAll().split('\n')) {
         if (!line.isEmpty())
             run.m_lines.insert(line);

@@ -94,12 +94,14 @@ QByteArray manifestText(const std::vector<MadeFile>& files);
 class EarlierRun
 {
 public:
-    /// Nothing, and a sentence, if the folder holds no run of the series.
-    static std::optional<EarlierRun> read(const QString& folder, const QString& series,
-                                          std::string& problem);
+    /// Nothing, and half a sentence, if the folder does not hold a run that made files.
+    static std::optional<EarlierRun> read(const QString& folder, std::string& problem);
+    /// What it was a run of: Plan::series.
+    const QString& series() const { return m_series; }
     /// True if that run may have made the file on the machine.
     bool made(const QString& machine, const QString& path) const;
 
 private:
+    QString m_series;
     QSet<QByteArray> m_lines;
 };

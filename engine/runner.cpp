@@ -197,15 +197,25 @@ bool Runner::isAsPlanned(const FioMachines& machines)
 void Runner::runStages(const FioMachines& machines)
 {
     for (size_t stage = 0; stage < m_plan.stages.size(); ++stage) {
-        if (m_options.stage.value_or(stage) != stage)
-            continue;
-        if (isStopped(m_signals.pending()))
+        if (isStopped(m_signals.pending()) || !isEarlyInMinute())
             return;
         runStage(machines, stage);
         const bool hasFailed = m_results.stages[stage].state != StageState::Complete;
         if (m_results.status.state != RunState::Running || (hasFailed && !m_options.keepGoing))
             return;
     }
+}
+
+/// The machines read their clocks one after the other, and all must see the same minute. Waits for
+/// the next one if this is nearly over; false if that was interrupted.
+bool Runner::isEarlyInMinute()
+{
+    constexpr qint64 msPerMinute = 60000;
+    constexpr qint64 lateMs = 40000;
+    const qint64 passed = now() % msPerMinute;
+    if (!m_plan.startAtMinute || passed < lateMs)
+        return true;
+    return !isStopped(m_signals.sleep(int(msPerMinute - passed)));
 }
 
 void Runner::runStage(const FioMachines& machines, size_t stage)
@@ -302,8 +312,6 @@ void Runner::finish()
         bool isComplete = true;
         bool isWhole = true;
         for (size_t i = 0; i < m_results.stages.size(); ++i) {
-            if (m_options.stage.value_or(i) != i)
-                continue;
             isComplete = isComplete && m_results.stages[i].state == StageState::Complete;
             isWhole = isWhole && m_results.stages[i].state != StageState::NotRun;
         }

@@ -20,10 +20,9 @@ struct RunProgress
 struct RunOptions
 {
     QString program = QStringLiteral("fio");
-    bool dryRun = false;         ///< ends before the first stage
-    bool keepGoing = false;      ///< a stage that failed does not end the run
-    std::optional<size_t> stage; ///< the only one to run
-    int stageTimeoutMs = 0;      ///< 0: as long as it takes
+    bool dryRun = false;    ///< ends before the first stage
+    bool keepGoing = false; ///< a stage that failed does not end the run
+    int stageTimeoutMs = 0; ///< 0: as long as it takes
     int connectTimeoutMs = 10000;
     QJsonArray losses;                                           ///< findings, for the results
     std::function<void(const RunProgress& progress)> onProgress; ///< may be empty
@@ -52,6 +51,7 @@ public:
 private:
     bool isAsPlanned(const FioMachines& machines);
     void runStages(const FioMachines& machines);
+    bool isEarlyInMinute();
     void runStage(const FioMachines& machines, size_t stage);
     void account(const FioMachines& machines, size_t stage, const QString& output);
     void addToManifest(size_t stage);

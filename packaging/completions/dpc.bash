@@ -12,7 +12,7 @@ _dpc() {
     _init_completion -s || return
 
     for word in "${words[@]:1:cword-1}"; do
-        [[ $word == @(check|show|diff|roundtrip|export) ]] && { command=$word; break; }
+        [[ $word == @(check|show|diff|roundtrip|export|run) ]] && { command=$word; break; }
     done
     case $command:$prev in
         check:--format) COMPREPLY=($(compgen -W 'text json' -- "$cur")); return ;;
@@ -30,16 +30,26 @@ _dpc() {
         export:--temp) _filedir -d; return ;;
         export:--date) :; return ;;
         export:--allow-loss) COMPREPLY=($(compgen -W 'fio-not-run fio-buffer-sizes fio-preallocate fio-flush fio-cache-mode' -- "$cur")); return ;;
+        run:--to) _filedir -d; return ;;
+        run:--hosts) _known_hosts_real -- "$cur"; return ;;
+        run:--hosts-file) _filedir; return ;;
+        run:--temp) _filedir -d; return ;;
+        run:--date) :; return ;;
+        run:--allow-loss) COMPREPLY=($(compgen -W 'fio-not-run fio-buffer-sizes fio-preallocate fio-flush fio-cache-mode' -- "$cur")); return ;;
+        run:--stage) :; return ;;
+        run:--overwrite) _filedir -d; return ;;
+        run:--timeout) :; return ;;
     esac
     $split && return
     case $command in
-        '') COMPREPLY=($(compgen -W "check show diff roundtrip export $options --version" -- "$cur"))
+        '') COMPREPLY=($(compgen -W "check show diff roundtrip export run $options --version" -- "$cur"))
             return ;;
         check) options+=' --format -q --quiet --no-rule --werror --hosts --machines --hosts-file --list-rules' operand='_filedir dpc' ;;
         show) options+=' --format --expand --host --date --iteration' operand='_filedir dpc' ;;
         diff) options+='' operand='_filedir dpc' ;;
         roundtrip) options+='' operand='_filedir dpc' ;;
         export) options+=' --format --hosts --hosts-file --temp --date --allow-loss' operand='_filedir dpc' ;;
+        run) options+=' --to --hosts --hosts-file --temp --date --allow-loss --dry-run --stage --overwrite --keep-going --timeout --start-at-minute --trust-network' operand='_filedir dpc' ;;
     esac
     if [[ $cur == -* ]]; then
         COMPREPLY=($(compgen -W "$options" -- "$cur"))

@@ -1,6 +1,6 @@
 # Completion of dpc(1) for fish.
 # Made from the options of the program, see CONTRIBUTING.md; not to be edited.
-set -l commands check show diff roundtrip export
+set -l commands check show diff roundtrip export run
 set -l none "not __fish_seen_subcommand_from $commands"
 
 complete -c dpc -f
@@ -11,6 +11,7 @@ complete -c dpc -n $none -a show -d 'show a series as the editor\'s table shows 
 complete -c dpc -n $none -a diff -d 'compare two series by task and field'
 complete -c dpc -n $none -a roundtrip -d 'tell what a load and a save in the editor would change'
 complete -c dpc -n $none -a export -d 'write the jobs of fio that a series stands for'
+complete -c dpc -n $none -a run -d 'run a series on fio, and account for every job'
 
 complete -c dpc -n '__fish_seen_subcommand_from check' -x -k -a '(__fish_complete_suffix .dpc)'
 complete -c dpc -n '__fish_seen_subcommand_from check' -l format -x -a 'text json' -d 'how to print the findings'
@@ -40,3 +41,18 @@ complete -c dpc -n '__fish_seen_subcommand_from export' -l hosts-file -r -F -d '
 complete -c dpc -n '__fish_seen_subcommand_from export' -l temp -x -a '(__fish_complete_directories)' -d 'the folder that [temp] stands for on machines whose line of the hosts file has none'
 complete -c dpc -n '__fish_seen_subcommand_from export' -l date -x -d 'what [date] stands for'
 complete -c dpc -n '__fish_seen_subcommand_from export' -l allow-loss -x -a 'fio-not-run fio-buffer-sizes fio-preallocate fio-flush fio-cache-mode' -d 'go on although fio can\'t do what these rules name, with commas between'
+
+complete -c dpc -n '__fish_seen_subcommand_from run' -x -k -a '(__fish_complete_suffix .dpc)'
+complete -c dpc -n '__fish_seen_subcommand_from run' -l to -x -a '(__fish_complete_directories)' -d 'the folder that the run makes for its results'
+complete -c dpc -n '__fish_seen_subcommand_from run' -l hosts -x -a '(__fish_print_hostnames)' -d 'the machines that run the series, with commas between'
+complete -c dpc -n '__fish_seen_subcommand_from run' -l hosts-file -r -F -d 'the same from a file, one name or range per line'
+complete -c dpc -n '__fish_seen_subcommand_from run' -l temp -x -a '(__fish_complete_directories)' -d 'the folder that [temp] stands for on machines whose line of the hosts file has none'
+complete -c dpc -n '__fish_seen_subcommand_from run' -l date -x -d 'what [date] stands for'
+complete -c dpc -n '__fish_seen_subcommand_from run' -l allow-loss -x -a 'fio-not-run fio-buffer-sizes fio-preallocate fio-flush fio-cache-mode' -d 'go on although fio can\'t do what these rules name, with commas between'
+complete -c dpc -n '__fish_seen_subcommand_from run' -l dry-run -d 'check the series and ask the machines, and run nothing'
+complete -c dpc -n '__fish_seen_subcommand_from run' -l stage -x -d 'run only this stage of the plan'
+complete -c dpc -n '__fish_seen_subcommand_from run' -l overwrite -x -a '(__fish_complete_directories)' -d 'write again what this earlier run of the series has made'
+complete -c dpc -n '__fish_seen_subcommand_from run' -l keep-going -d 'go on with the next stage after one that failed'
+complete -c dpc -n '__fish_seen_subcommand_from run' -l timeout -x -d 'stop a stage that takes longer'
+complete -c dpc -n '__fish_seen_subcommand_from run' -l start-at-minute -d 'all machines begin each stage at the next minute of their clocks'
+complete -c dpc -n '__fish_seen_subcommand_from run' -l trust-network -d 'use servers of fio that can be reached from outside, although they obey everybody'

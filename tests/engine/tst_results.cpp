@@ -286,9 +286,9 @@ void TestResults::resultsHoldNullsAndNeverZerosForWhatIsNotKnown()
     const QJsonObject good = jobs[0].toObject();
     const QJsonObject absent = jobs[1].toObject();
     QCOMPARE(good.keys(), absent.keys());
-    for (const char* key : {"doneBytes", "error", "startMs", "endMs", "runtimeMs", "ioNs", "ios",
-                            "bytesPerSecond", "ioBytesPerSecond", "p50Ns", "p99Ns", "maxNs",
-                            "syncs", "syncNs", "read", "write"})
+    for (const char* key :
+         {"doneBytes", "error", "startMs", "endMs", "runtimeMs", "ioNs", "ios", "bytesPerSecond",
+          "ioBytesPerSecond", "p50Ns", "p99Ns", "maxNs", "syncs", "syncNs", "read", "write"})
         QVERIFY2(absent.value(key).isNull(), key);
     QCOMPARE(absent.value("plannedBytes").toDouble(), double(size));
     QCOMPARE(absent.value("good"), QJsonValue(false));

@@ -1,0 +1,187 @@
+#include "dpc/runtext.h"
+
+#include "check/text.h"
+
+#include <QSet>
+
+#include <algorithm>
+#include <fmt/format.h>
+
+namespace {
+
+constexpr double bytesPerMib = 1024.0 * 1024.0;
+constexpr double msPerSecond = 1000.0;
+
+std::string mib(qint64 bytes)
+{
+    return fmt::format("{:.1f} MiB", double(bytes) / bytesPerMib);
+}
+
+std::string seconds(qint64 ms)
+{
+    return fmt::format("{:.1f} s", double(ms) / msPerSecond);
+}
+
+long long countOf(size_t items)
+{
+    return static_cast<long long>(items);
+}
+
+using Row = std::vector<std::string>;
+
+/// Columns with numbers stand on the right.
+std::string tableText(const std::vector<Row>& rows, const std::vector<bool>& isNumber)
+{
+    const auto width = [](const std::string& text) { return QString::fromStdString(text).size(); };
+    std::vector<int> widths(isNumber.size(), 0);
+    for (const Row& row : rows) {
+        for (size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], width(row[i]));
+    }
+    std::string text;
+    for (const Row& row : rows) {
+        std::string line;
+        for (size_t i = 0; i < row.size(); ++i) {
+            const std::string blanks(size_t(widths[i] - width(row[i])), ' ');
+            line += (i == 0 ? "" : "  ") + (isNumber[i] ? blanks + row[i] : row[i] + blanks);
+        }
+        line.erase(line.find_last_not_of(' ') + 1);
+        text += line + '\n';
+    }
+    return text;
+}
+
+std::string rateText(const std::optional<double>& rate)
+{
+    return rate.has_value() ? fmt::format("{:.1f}", *rate / bytesPerMib) : std::string("-");
+}
+
+Row rowOf(const Plan& plan, const PlanJob& job, const JobResult& result)
+{
+    return {std::to_string(job.line),
+            jobKindName(job.kind),
+            std::to_string(job.iteration),
+            printable(plan.machines[size_t(job.machine)].name),
+            result.doneBytes.has_value() ? std::to_string(*result.doneBytes) : "-",
+            result.runtimeMs.has_value()
+                ? fmt::format("{:.3f}", double(*result.runtimeMs) / msPerSecond)
+                : "-",
+            rateText(result.rate()),
+            rateText(result.ioRate()),
+            result.isGood ? "" : result.reason};
+}
+
+/// Files that the run has written to, each once.
+struct Leavings
+{
+    long long files = 0;
+    qint64 bytes = 0;
+};
+
+Leavings leavingsOf(const RunResults& results)
+{
+    const Plan& plan = *results.plan;
+    Leavings leavings;
+    QSet<QString> known;
+    for (size_t i = plan.jobs.size(); i > 0; --i) {
+        const PlanJob& job = plan.jobs[i - 1];
+        const JobResult& result = results.jobs[i - 1];
+        const QString key = QString::number(job.machine) + ':' + job.made();
+        if (job.made().isEmpty() || !result.hasBegun() || known.contains(key))
+            continue;
+        known.insert(key);
+        ++leavings.files;
+        leavings.bytes += *result.doneBytes;
+    }
+    return leavings;
+}
+
+} // namespace
+
+std::string forecastText(const Plan& plan)
+{
+    qint64 written = 0;
+    qint64 readBytes = 0;
+    qint64 idleMs = 0;
+    QSet<QString> files;
+    for (const PlanJob& job : plan.jobs) {
+        written += job.kind == JobKind::Read ? 0 : job.bytes;
+        readBytes += job.kind == JobKind::Read || job.kind == JobKind::Copy ? job.bytes : 0;
+        if (!job.made().isEmpty())
+            files.insert(QString::number(job.machine) + ':' + job.made());
+    }
+    for (const PlanStage& stage : plan.stages) {
+        qint64 longest = 0;
+        for (const PlanJobFile& file : stage.files)
+            longest = std::max(longest, fioIdleMs(file, plan.isLocal()));
+        idleMs += longest;
+    }
+    return fmt::format("{} on {}, {}: writes {} ({}), reads {}; fio itself idles about {}\n",
+                       counted(countOf(plan.stages.size()), "stage"),
+                       counted(countOf(plan.machines.size()), "machine"),
+                       counted(countOf(plan.jobs.size()), "job"), counted(files.size(), "file"),
+                       mib(written), mib(readBytes), seconds(idleMs));
+}
+
+std::string resultsText(const RunResults& results)
+{
+    const Plan& plan = *results.plan;
+    std::string text;
+    for (size_t stage = 0; stage < plan.stages.size(); ++stage) {
+        if (results.stages[stage].state == StageState::NotRun)
+            continue;
+        text += fmt::format("{}stage {}: {}\n", text.empty() ? "" : "\n", stage,
+                            printable(plan.stages[stage].configFile));
+        std::vector<Row> rows = {{"line", "task", "iteration", "machine", "bytes", "seconds",
+                                  "MiB/s", "MiB/s of the I/O", ""}};
+        const JobRange range = jobsOf(plan, stage);
+        for (size_t i = range.begin; i < range.end; ++i)
+            rows.push_back(rowOf(plan, plan.jobs[i], results.jobs[i]));
+        text += tableText(rows, {true, false, true, false, true, true, true, true, false});
+    }
+    return text;
+}
+
+std::string outcomeText(const RunResults& results, const QString& folder)
+{
+    std::string text;
+    for (const std::string& reason : results.status.reasons)
+        text += reason + '\n';
+    const RunStatus& status = results.status;
+    const auto good = std::count_if(results.jobs.begin(), results.jobs.end(),
+                                    [](const JobResult& job) { return job.isGood; });
+    text += fmt::format("{}: {} of {} did their bytes", runStateName(status.state), good,
+                        counted(countOf(results.jobs.size()), "job"));
+    if (status.endedMs.has_value())
+        text += fmt::format(" in {}", seconds(*status.endedMs - status.startedMs));
+    const Leavings leavings = leavingsOf(results);
+    text +=
+        fmt::format("\n{} with {} bytes ({}) {} behind", counted(leavings.files, "file"),
+                    leavings.bytes, mib(leavings.bytes), leavings.files == 1 ? "stays" : "stay");
+    const bool hasManifest = status.stage.has_value();
+    text += hasManifest ? fmt::format("; {} lists them\n", printable(folder + manifestFileName))
+                        : std::string("\n");
+    return text;
+}
+
+std::string progressText(const Plan& plan, const RunProgress& progress, int width)
+{
+    std::string text =
+        fmt::format("stage {} of {}, {}, {}", progress.stage + 1, plan.stages.size(),
+                    counted(countOf(plan.stages[progress.stage].files.size()), "machine"),
+                    seconds(progress.elapsedMs));
+    if (progress.doneBytes.has_value()) {
+        text += fmt::format(", {} of {}", mib(*progress.doneBytes), mib(progress.plannedBytes));
+        const qint64 left = *progress.doneBytes > 0
+                                ? progress.elapsedMs *
+                                      (progress.plannedBytes - *progress.doneBytes) /
+                                      *progress.doneBytes
+                                : 0;
+        if (*progress.doneBytes > 0)
+            text += fmt::format(", about {} left", seconds(left));
+    } else {
+        text += fmt::format(" of at least {}, {} planned", seconds(progress.leastMs),
+                            mib(progress.plannedBytes));
+    }
+    return QString::fromStdString(text).left(width).toStdString();
+}
