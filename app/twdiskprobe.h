@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/methods.h"
 #include "model/tasklist.h"
 #include "ui_twdiskprobe.h"
 
@@ -53,9 +54,11 @@ private:
 
     /// Enables, refills and corrects what depends on method, test type and "No Chunks".
     void updateControlStates();
-    /// The part of it that depends on the method; true if the method can pre-allocate.
-    bool applyMethod(int method);
-    void fillSystemBuffer(int method);
+    void offerTestTypes(IoMethod method);
+    void offerSystemBuffers(IoMethod method);
+    void applyRules(const TaskRules& rules, TestType type);
+    IoMethod methodInForm() const;
+    TestType testTypeInForm() const;
 
     void setPathsFromForm(TestTask& task) const;
 

@@ -12,52 +12,6 @@
 
 namespace {
 
-enum MethodIndex
-{
-    Posix,
-    SystemCopy,
-    Stream,
-    AnsiC,
-    WinApi
-};
-enum TypeIndex
-{
-    Copy,
-    Write,
-    Read
-};
-
-struct BufferChoice
-{
-    const char* text;
-    int mode; ///< the item's data, and the task's system buffer mode
-};
-
-QVector<BufferChoice> bufferChoices(int method)
-{
-    switch (method) {
-    case Posix:
-        return {{"default", -1}, {"Linux only - use POSIX_FADV_SEQUENTIAL flag", 1}};
-    case SystemCopy:
-        return {{"default", -1}};
-    case Stream:
-        return {{"default", -1}, {"disable buffer", 0}, {"use same size as chunk size", 1}};
-    case AnsiC:
-        // The second "default" is meant: people know the list with four entries.
-        return {{"default", -1},
-                {"default", -1},
-                {"disable buffer", 0},
-                {"use same size as chunk size", 1}};
-    case WinApi:
-        return {{"default", -1},
-                {"FILE_FLAG_WRITE_THROUGH", 0},
-                {"FILE_FLAG_SEQUENTIAL_SCAN", 1},
-                {" FILE_FLAG_WRITE_THROUGH + FILE_FLAG_SEQUENTIAL_SCAN", 2}};
-    default:
-        return {};
-    }
-}
-
 QString mebibytes(int kib, int precision)
 {
     constexpr float mibPerKib = 0.0009765625F;
@@ -65,14 +19,14 @@ QString mebibytes(int kib, int precision)
     return QStringLiteral("%1 MiB").arg(mib, 0, 'f', precision);
 }
 
-_kvString8_allSize<500> textOf(const QLineEdit* edit)
+_kvString8_allSize<maxPath> textOf(const QLineEdit* edit)
 {
-    return kvToString8<500>(edit->text());
+    return kvToString8<maxPath>(edit->text());
 }
 
-void toLinuxNotation(_kvString8_allSize<500>& path)
+void toLinuxNotation(_kvString8_allSize<maxPath>& path)
 {
-    path = kvToString8<500>(kvConvertPDToOS(kvToQString(path), _kvOS::Linux));
+    path = kvToString8<maxPath>(kvConvertPDToOS(kvToQString(path), _kvOS::Linux));
 }
 
 QString toOsPath(const QString& path)
@@ -128,7 +82,7 @@ TestTask twDiskProbe::taskFromForm() const
         return task;
     }
     task.waitForNextConfig = false;
-    task.method = static_cast<IoMethod>(ui.comboMethod->currentIndex());
+    task.method = methodInForm();
     setPathsFromForm(task);
     task.iterations = ui.spinIterations->value();
     task.setChunkSize(ui.checkNoChunks->isChecked() ? 0 : bytesFromKib(ui.spinChunkSize->value()));
@@ -143,12 +97,14 @@ TestTask twDiskProbe::taskFromForm() const
 
 void twDiskProbe::setPathsFromForm(TestTask& task) const
 {
-    const int type = ui.comboTestType->currentIndex();
-    if (type == Copy || type == Read)
+    const TestType type = testTypeInForm();
+    const bool hasSource = type == TestType::Copy || type == TestType::Read;
+    const bool hasDest = type == TestType::Copy || type == TestType::Write;
+    if (hasSource)
         task.sourcePath = textOf(ui.editSource);
-    if (type == Copy || type == Write)
+    if (hasDest)
         task.destPath = textOf(ui.editDest);
-    if (type >= Copy && type <= Read)
+    if (hasSource || hasDest)
         task.io.fileSize = std::min(bytesFromKib(ui.spinFileSize->value()), maxTaskFile);
     task.csvPath = textOf(ui.editExcel);
     task.logPath = textOf(ui.editLog);
@@ -162,45 +118,58 @@ void twDiskProbe::updateControlStates()
         return;
     const QScopedValueRollback<bool> guard(formUpdating, true);
 
-    ui.comboTestType->setEnabled(true);
-    ui.comboSystemBuffer->clear();
-    const bool methodPreallocates = applyMethod(ui.comboMethod->currentIndex());
+    // The method decides on the test type, and both on the rest.
+    const IoMethod method = methodInForm();
+    offerTestTypes(method);
+    offerSystemBuffers(method);
+    applyRules(rulesFor(method, testTypeInForm()), testTypeInForm());
+}
 
-    const int type = ui.comboTestType->currentIndex();
+IoMethod twDiskProbe::methodInForm() const
+{
+    return static_cast<IoMethod>(ui.comboMethod->currentIndex());
+}
+
+TestType twDiskProbe::testTypeInForm() const
+{
+    return static_cast<TestType>(ui.comboTestType->currentIndex());
+}
+
+void twDiskProbe::offerTestTypes(IoMethod method)
+{
+    const MethodInfo* const info = methodInfo(method);
+    const bool copiesOnly = info != nullptr && info->has(CopiesOnly);
+    if (copiesOnly)
+        ui.comboTestType->setCurrentIndex(static_cast<int>(TestType::Copy));
+    ui.comboTestType->setEnabled(!copiesOnly);
+}
+
+void twDiskProbe::offerSystemBuffers(IoMethod method)
+{
+    ui.comboSystemBuffer->clear();
+    const MethodInfo* const info = methodInfo(method);
+    if (info == nullptr)
+        return;
+    for (const SystemBuffer& buffer : info->systemBuffers) {
+        if (buffer.text != nullptr)
+            ui.comboSystemBuffer->addItem(QString::fromLatin1(buffer.text), buffer.mode);
+    }
+    ui.comboSystemBuffer->setEnabled(ui.comboSystemBuffer->count() > 1);
+}
+
+void twDiskProbe::applyRules(const TaskRules& rules, TestType type)
+{
+    ui.checkNoChunks->setEnabled(rules.allowsNoChunks);
+    if (!rules.allowsNoChunks || rules.startsWithoutChunks)
+        ui.checkNoChunks->setChecked(rules.startsWithoutChunks);
     const bool chunks = !ui.checkNoChunks->isChecked();
     ui.spinChunkSize->setEnabled(chunks);
-    ui.checkFlush->setEnabled(chunks && type != Read);
+    ui.checkFlush->setEnabled(chunks && rules.allowsFlush);
     ui.spinChunkWait->setEnabled(chunks);
-    ui.label_FileSizeNotice->setVisible(type != Write);
-    ui.editSource->setEnabled(type != Write);
-    ui.editDest->setEnabled(type != Read);
-    ui.checkPreallocate->setEnabled(methodPreallocates && type != Read);
-}
-
-bool twDiskProbe::applyMethod(int method)
-{
-    const bool known = method >= Posix && method <= WinApi;
-    if (known)
-        ui.comboSystemBuffer->setEnabled(method != SystemCopy);
-    if (method == SystemCopy) {
-        ui.comboTestType->setCurrentIndex(Copy);
-        ui.comboTestType->setEnabled(false);
-    }
-    fillSystemBuffer(method);
-
-    // These methods copy in chunks only; a system copy starts out without.
-    const bool copiesInChunks = (method == Posix || method == AnsiC || method == WinApi) &&
-                                ui.comboTestType->currentIndex() == Copy;
-    ui.checkNoChunks->setEnabled(!copiesInChunks);
-    if (copiesInChunks || method == SystemCopy)
-        ui.checkNoChunks->setChecked(method == SystemCopy);
-    return method == Posix || method == WinApi;
-}
-
-void twDiskProbe::fillSystemBuffer(int method)
-{
-    for (const BufferChoice& choice : bufferChoices(method))
-        ui.comboSystemBuffer->addItem(QString::fromLatin1(choice.text), choice.mode);
+    ui.label_FileSizeNotice->setVisible(type != TestType::Write);
+    ui.editSource->setEnabled(type != TestType::Write);
+    ui.editDest->setEnabled(type != TestType::Read);
+    ui.checkPreallocate->setEnabled(rules.allowsPreallocation);
 }
 
 void twDiskProbe::on_comboTestType_currentIndexChanged(int /*index*/)

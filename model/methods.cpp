@@ -29,7 +29,6 @@ TaskRules rulesFor(IoMethod method, TestType type)
     rules.allowsNoChunks = info->copyChunks != CopyChunks::Needed || type != TestType::Copy;
     rules.chunkSizeIsNeeded = isOwnWay || !rules.allowsNoChunks;
     rules.startsWithoutChunks = isOwnWay;
-    rules.copiesOnly = info->has(CopiesOnly);
     rules.allowsPreallocation = info->has(CanPreallocate) && type != TestType::Read;
     return rules;
 }

@@ -106,7 +106,6 @@ struct TaskRules
     bool chunkSizeIsNeeded = false;       ///< a record without one gets the default chunk size
     bool allowsNoChunks = true;           ///< the form offers to work without chunks
     bool startsWithoutChunks = false;     ///< the form sets that when the method is chosen
-    bool copiesOnly = false;              ///< the form has no other test type
     bool allowsPreallocation = false;
     bool allowsFlush = true;
 };
