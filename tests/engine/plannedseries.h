@@ -1,0 +1,98 @@
+#pragma once
+
+#include "engine/exporter.h"
+#include "engine/planner.h"
+#include "tests/support/files.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QtTest>
+
+/// A task line with the given fields; what a test does not name is plain: Posix, 64 KiB chunks.
+struct Line
+{
+    QByteArray method = "Posix";
+    bool flush = false;
+    bool preallocate = false;
+    int wait = 0;   // ms
+    int chunk = 64; // KiB
+    int buffer = -1;
+    qint64 size = 256; // KiB
+    int iterations = 1;
+    int cache = 0;
+    QByteArray source = "MEMORY";
+    QByteArray destination = "MEMORY";
+
+    QByteArray text() const
+    {
+        const auto number = [](qint64 n) { return QByteArray::number(n); };
+        const QList<QByteArray> fields = {method,
+                                          flush ? "flush" : "NOflush",
+                                          preallocate ? "prealloc" : "NOprealloc",
+                                          number(wait),
+                                          number(chunk),
+                                          number(buffer),
+                                          number(size),
+                                          number(iterations),
+                                          number(cache),
+                                          source,
+                                          destination,
+                                          "",
+                                          "",
+                                          "false"};
+        return fields.join("; ") + ";\n";
+    }
+};
+
+/// A series in a folder of its own, with what it plans to do with fio.
+class PlannedSeries
+{
+public:
+    PlannedSeries()
+    {
+        if (!m_folder.isValid() || !QDir(m_folder.path()).mkpath("share/_wait"))
+            qFatal("can't make a folder for the test");
+    }
+
+    /// The folder of the series, with "/" at its end.
+    QString root() const { return m_folder.path() + "/share/"; }
+    /// A place beside it.
+    QString place(const char* name) const { return m_folder.filePath(name); }
+    PlanOptions& options() { return m_options; }
+
+    void put(const QString& name, const QByteArray& content) { test::put(root() + name, content); }
+
+    PlanResult plan(const QString& chosen = "mytest.dpc") const
+    {
+        return planSeries(readSeries(seriesNameForLoading(root() + chosen), QString()), m_options);
+    }
+
+    /// The plan of a series of one file with these lines.
+    PlanResult planOf(const QByteArray& lines)
+    {
+        put("mytest.dpc", lines);
+        return plan();
+    }
+
+    /// "line:field rule" of what is lost.
+    QStringList lossesOf(const QByteArray& lines) { return textsOf(planOf(lines)); }
+
+    /// The same of a plan.
+    QStringList textsOf(const PlanResult& result) const
+    {
+        QStringList texts;
+        for (const Finding& loss : result.losses) {
+            const QByteArray file = test::contentOf(root() + loss.path);
+            const QByteArray line = file.split('\n').value(loss.line - 1);
+            texts += QStringLiteral("%1:%2 %3")
+                         .arg(loss.line)
+                         .arg(line.left(loss.column - 1).count(';') + 1)
+                         .arg(loss.rule->name);
+        }
+        return texts;
+    }
+
+private:
+    QTemporaryDir m_folder;
+    PlanOptions m_options;
+};

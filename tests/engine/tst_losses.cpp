@@ -1,0 +1,307 @@
+#include "check/ruletexts.h"
+#include "configset/seriessaver.h"
+#include "engine/lossrules.h"
+#include "tests/engine/plannedseries.h"
+
+#include <QRegularExpression>
+
+Q_DECLARE_METATYPE(const Rule*)
+
+/// What fio does otherwise than a task says is named, by the right rule, and nothing else is.
+class TestLosses : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void exampleIsHitAndCounterexampleIsNot_data();
+    void exampleIsHitAndCounterexampleIsNot();
+    void everyRuleIsComplete();
+    void everyRuleOfTheSourceIsListed();
+    void documentHoldsTheTable();
+    void lossesOfATask_data();
+    void lossesOfATask();
+    void formsDefaultsNeedNoPermission();
+    void namesThatFioCannotTakeAreRefused_data();
+    void namesThatFioCannotTakeAreRefused();
+    void eachPlaceIsNamedOnce();
+};
+
+namespace {
+
+constexpr const char* document = TWDP_SOURCE_DIR "/docs/running.md";
+
+QByteArray bytesOf(std::string_view text)
+{
+    return {text.data(), int(text.size())};
+}
+
+/// Lays out an example and counts what its rule finds.
+int hits(const Rule& rule, const RuleExample& example)
+{
+    PlannedSeries series;
+    for (const ExampleFile& file : example.files) {
+        if (!file.name.empty())
+            series.put(QString::fromUtf8(bytesOf(file.name)), bytesOf(file.content));
+    }
+    const QString existing = QString::fromUtf8(bytesOf(example.existing));
+    series.options().environment.look = [&](const QString& path) {
+        PathStatus status;
+        status.kind = !existing.isEmpty() && path == existing ? PathStatus::Kind::File
+                                                              : PathStatus::Kind::Nothing;
+        status.size = example.existingKib * 1024;
+        return status;
+    };
+    const PlanResult result = series.plan();
+    return int(std::count_if(result.losses.begin(), result.losses.end(),
+                             [&](const Finding& loss) { return loss.rule == &rule; }));
+}
+
+QByteArray tableOfLosses()
+{
+    QByteArray table = "| rule | severity | what it means | what to do |\n|---|---|---|---|\n";
+    for (const Rule* rule : lossRules())
+        table += QByteArray("| `") + rule->name + "` | " + severityName(rule->severity) + " | " +
+                 rule->meaning + " | " + rule->advice + " |\n";
+    return table;
+}
+
+} // namespace
+
+void TestLosses::exampleIsHitAndCounterexampleIsNot_data()
+{
+    QTest::addColumn<const Rule*>("rule");
+    for (const Rule* rule : lossRules())
+        QTest::newRow(rule->name) << rule;
+}
+
+void TestLosses::exampleIsHitAndCounterexampleIsNot()
+{
+    QFETCH(const Rule*, rule);
+    QVERIFY(hits(*rule, rule->hit) > 0);
+    QCOMPARE(hits(*rule, rule->miss), 0);
+}
+
+void TestLosses::everyRuleIsComplete()
+{
+    for (const Rule* rule : lossRules()) {
+        QVERIFY2(QRegularExpression("^fio-[a-z0-9]+(-[a-z0-9]+)*$").match(rule->name).hasMatch(),
+                 rule->name);
+        QCOMPARE(lossRuleNamed(rule->name), rule);
+        for (const char* text : {rule->meaning, rule->advice})
+            QVERIFY2(QByteArray(text).endsWith('.') && !QByteArray(text).contains('|'), rule->name);
+    }
+    QVERIFY(lossRuleNamed("fio-none") == nullptr);
+    QCOMPARE(QByteArray(closestLossRuleName("fio-flash")), QByteArray("fio-flush"));
+}
+
+void TestLosses::everyRuleOfTheSourceIsListed()
+{
+    static const QRegularExpression constant("const Rule \\w+ = \\{\\s*\"([^\"]+)\"");
+    QStringList written;
+    auto matches = constant.globalMatch(test::contentOf(TWDP_SOURCE_DIR "/engine/lossrules.cpp"));
+    while (matches.hasNext())
+        written += matches.next().captured(1);
+    QStringList listed;
+    for (const Rule* rule : lossRules())
+        listed += rule->name;
+    QCOMPARE(listed, written);
+}
+
+void TestLosses::documentHoldsTheTable()
+{
+    const QByteArray text = test::contentOf(document);
+    const QByteArray begin = "<!-- losses -->\n";
+    const int start = text.indexOf(begin) + begin.size();
+    const int end = text.indexOf("<!-- end of losses -->");
+    QVERIFY(start >= begin.size() && end >= start);
+    if (qEnvironmentVariableIntValue("TWDP_UPDATE_GOLDEN") == 1)
+        test::put(document, text.left(start) + tableOfLosses() + text.mid(end));
+    else
+        QCOMPARE(QString::fromUtf8(text.mid(start, end - start)),
+                 QString::fromUtf8(tableOfLosses()));
+}
+
+void TestLosses::lossesOfATask_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<QStringList>("rules");
+    const auto row = [](const char* name, const Line& line, const QStringList& rules) {
+        QTest::newRow(name) << line.text() << rules;
+    };
+    const QByteArray file = "[cfgPath]/a.dat";
+    Line write;
+    write.destination = file;
+    row("a plain write", write, {});
+
+    Line line = write;
+    line.method = "System";
+    line.flush = line.preallocate = true;
+    row("no copying by the system, and nothing else beside it", line, {"1:1 fio-no-sendfile"});
+
+    line = write;
+    line.method = "AnsiC";
+    row("AnsiC has a buffer", line, {"1:1 fio-buffer-sizes"});
+    line.buffer = 0;
+    row("AnsiC without its buffer", line, {"1:6 fio-system-buffer"});
+    line.buffer = 1;
+    row("AnsiC with a buffer of a chunk", line, {"1:6 fio-system-buffer"});
+    line.method = "Stream";
+    row("a stream with a buffer of a chunk", line, {"1:6 fio-system-buffer"});
+    line.buffer = -1;
+    row("a stream with large chunks", line, {});
+    line.chunk = 8;
+    row("a stream with chunks of 8 KiB", line, {});
+    line.chunk = 7;
+    row("a stream with small chunks", line, {"1:5 fio-buffer-sizes"});
+    line.size = 7;
+    row("a stream in one small chunk", line, {});
+    line.chunk = 0;
+    row("a stream at once", line, {});
+
+    line = write;
+    line.buffer = 1;
+    row("Posix says that it reads in sequence", line, {});
+    line.buffer = 0;
+    row("Posix has no such setting", line, {"1:6 fio-system-buffer"});
+
+    line = write;
+    line.flush = true;
+    row("a flush without a wait", line, {});
+    line.wait = 1;
+    row("a flush with a wait", line, {"1:2 fio-flush"});
+    line.flush = false;
+    row("a wait without a flush", line, {});
+
+    line = write;
+    line.preallocate = true;
+    row("pre-allocation", line, {"1:3 fio-preallocate"});
+
+    for (const int mode : {1, 2, 3, 4, 5}) {
+        line = write;
+        line.cache = mode;
+        QTest::addRow("cache mode %d", mode) << line.text() << QStringList{"1:9 fio-cache-mode"};
+    }
+
+    line = write;
+    line.size = 0;
+    row("nothing to write", line, {"1:7 fio-size"});
+    line.size = -1;
+    row("less than nothing to write", line, {"1:7 fio-size"});
+    line = write;
+    line.chunk = -64;
+    row("chunks of less than nothing", line, {"1:5 fio-size"});
+    line = write;
+    line.wait = -1;
+    row("a wait of less than nothing", line, {"1:4 fio-wait"});
+    line.wait = 4294967;
+    row("the longest wait", line, {});
+    line.wait = 4294968;
+    row("a longer wait", line, {"1:4 fio-wait"});
+
+    line = write;
+    line.destination = "MEMORY";
+    row("neither source nor destination", line, {"1:10 fio-no-file"});
+
+    line = write;
+    line.chunk = 100;
+    row("a shorter last chunk", line, {});
+    line.destination = "[cfgPath]/a b.dat";
+    row("a shorter last chunk, and a name with a blank", line, {"1:5 fio-last-chunk"});
+    line.flush = true;
+    row("a flush and a name with a blank", line, {"1:2 fio-flush", "1:5 fio-last-chunk"});
+    line.chunk = 64;
+    row("a flush, no shorter chunk, and a blank", line, {"1:2 fio-flush"});
+    line.flush = false;
+    line.iterations = 2;
+    row("the same file twice", line, {"1:11 fio-overwrite"});
+    line.iterations = 0;
+    row("no iteration", line, {});
+}
+
+void TestLosses::lossesOfATask()
+{
+    QFETCH(QByteArray, line);
+    QFETCH(QStringList, rules);
+    PlannedSeries series;
+    QCOMPARE(series.lossesOf(line), rules);
+}
+
+void TestLosses::formsDefaultsNeedNoPermission()
+{
+    PlannedSeries series;
+    TestTask task;
+    task.setDefaults();
+    TaskList tasks = {task};
+    saveSeries(tasks, "info", {series.root(), "mytest"});
+    // As the second save writes it, once the names have a series.
+    series.put("mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 102400;1;0;  MEMORY;  "
+                                  "[cfgPath]/testfile_mytest-0.dat;  ;  ;  true;\n"
+                                  "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
+                                  "[cfgPath]/mytest/dummyFile;  ;  ;  true;\n");
+    const PlanResult result = series.plan();
+    QVERIFY(result.problems.empty() && result.misuse.empty());
+    for (const Finding& loss : result.losses)
+        QVERIFY2(loss.rule->severity == Severity::Note, loss.rule->name);
+    QCOMPARE(result.plan.jobs.size(), size_t(2));
+}
+
+void TestLosses::namesThatFioCannotTakeAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QStringList>("rules");
+    const auto bad = [](const char* name) {
+        QTest::newRow(name) << QByteArray(name) << QStringList{"1:11 fio-name"};
+    };
+    const auto good = [](const char* name) {
+        QTest::newRow(name) << QByteArray(name) << QStringList();
+    };
+    bad("/d/a#b.dat");
+    bad("/d/#");
+    bad("/d/${HOME}.dat");
+    bad("/d/a$ncpus");
+    bad("/d/$pagesize.dat");
+    bad("/d/$mb_memory");
+    bad("/d/a\tb");
+    bad("/d/a\x7F");
+    bad("/d/folder/");
+    bad("//server/share/a.dat");
+    bad("C:\\data\\a.dat");
+    bad("C:/data/a.dat");
+    good("/d/a$b.dat");
+    good("/d/$HOME");
+    good("/d/a$ {b}");
+    good("/d/a:b,c%d'e\"f=g|h*i?j[k]l\\m`n");
+    good("/d/pr\xFC"
+         "fung.dat");
+    good("/d/-");
+    for (const char* name : {"/dev/null", "/dev/shm/a.dat", "/proc/a", "/sys/a", "/d/../dev/sda"})
+        QTest::newRow(name) << QByteArray(name) << QStringList{"1:11 fio-special-file"};
+}
+
+void TestLosses::namesThatFioCannotTakeAreRefused()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(QStringList, rules);
+    PlannedSeries series;
+    Line line;
+    line.size = 1;
+    line.chunk = 1;
+    line.destination = name;
+    QCOMPARE(series.lossesOf(line.text()), rules);
+}
+
+void TestLosses::eachPlaceIsNamedOnce()
+{
+    PlannedSeries series;
+    series.options().machines = {{"pc1", "ip:127.0.0.1,1", {}}, {"pc2", "ip:127.0.0.1,2", {}}};
+    Line line;
+    line.method = "AnsiC";
+    line.iterations = 3;
+    line.destination = "[cfgPath]/[host]/a#[iter]";
+    QCOMPARE(series.lossesOf(line.text() + line.text()),
+             QStringList({"1:1 fio-buffer-sizes", "1:11 fio-name", "2:1 fio-buffer-sizes",
+                          "2:11 fio-name"}));
+}
+
+QTEST_APPLESS_MAIN(TestLosses)
+#include "tst_losses.moc"
