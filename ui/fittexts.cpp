@@ -1,7 +1,10 @@
 #include "ui/fittexts.h"
 
+#include "ui/centralscroller.h"
+#include "ui/columns.h"
+
+#include <QBoxLayout>
 #include <QEvent>
-#include <QLayout>
 #include <QMainWindow>
 #include <QScreen>
 #include <QStyle>
@@ -11,23 +14,6 @@
 
 namespace {
 
-// The height below which a column would cut texts, at the width that it has now. Asking the row
-// instead would count what may shrink, such as spacers and tables, at its preferred height.
-int leastHeight(const QLayoutItem& column)
-{
-    return column.hasHeightForWidth() ? column.minimumHeightForWidth(column.geometry().width())
-                                      : column.minimumSize().height();
-}
-
-int leastRowHeight(const QLayout& row)
-{
-    int height = 0;
-    for (int i = 0; i < row.count(); ++i)
-        height = std::max(height, leastHeight(*row.itemAt(i)));
-    const QMargins margins = row.contentsMargins();
-    return margins.top() + height + margins.bottom();
-}
-
 class TextFitter final : public QObject
 {
 public:
@@ -36,31 +22,60 @@ public:
 
 private:
     void open();
+    void resizeToOpen();
+    int openingWidth(int least, QSize most) const;
+    void watchScreen(QScreen* screen);
+    void noticeFrame();
+    void shrinkIntoScreen();
+    void moveIntoScreen();
     void follow();
+    void arrange();
+
+    int leastWindowHeight(int width) const;
+    int scrollBarExtent() const;
+    bool fillsScreen() const;
     QSize available() const;
 
     QMainWindow& m_window;
-    QLayout& m_row;
+    Columns m_columns;
+    CentralScroller& m_scroller;
+    QMetaObject::Connection m_screenChanges;
+    QMargins m_frame;
+    QSize m_firstSize;   ///< before the window was shown
+    QSize m_openingSize; ///< what that became
     bool m_open = false;
 };
 
 TextFitter::TextFitter(QMainWindow& window)
     : QObject(&window)
     , m_window(window)
-    , m_row(*window.centralWidget()->layout())
+    , m_columns(*qobject_cast<QBoxLayout*>(window.centralWidget()->layout()))
+    , m_scroller(*new CentralScroller(window))
 {
     // The main window's own layout knows neither of wrapped lines nor of the screen's size: it
     // would demand too little on large screens, and too much on small ones.
     window.layout()->setSizeConstraint(QLayout::SetNoConstraint);
     window.installEventFilter(this);
+    window.centralWidget()->installEventFilter(this);
 }
 
+// The layouts have had each event before this filter.
 bool TextFitter::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::Show && !m_open)
-        open();
-    else if (m_open && (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest))
-        follow();
+    const QEvent::Type type = event->type();
+    const bool changesSizes = type == QEvent::Resize || type == QEvent::LayoutRequest;
+    if (watched != &m_window) {
+        if (changesSizes)
+            m_columns.layOut();
+    } else if (!m_open) {
+        if (type == QEvent::Show)
+            open();
+    } else {
+        if (type == QEvent::Resize || type == QEvent::Move)
+            noticeFrame();
+        if (changesSizes)
+            follow();
+    }
     return QObject::eventFilter(watched, event);
 }
 
@@ -68,37 +83,134 @@ bool TextFitter::eventFilter(QObject* watched, QEvent* event)
 void TextFitter::open()
 {
     m_open = true;
-    connect(m_window.windowHandle(), &QWindow::screenChanged, this, &TextFitter::follow);
-    follow();
-    if (m_window.isMaximized() || m_window.isFullScreen())
-        return;
-    // On a low screen the texts may still fit into a wider window, where they wrap less.
-    constexpr int step = 20;
-    const QSize room = available();
-    for (int width = m_window.width() + step;
-         width <= room.width() && leastRowHeight(m_row) > room.height(); width += step)
-        m_window.resize(width, m_window.height());
+    const QWindow* handle = m_window.windowHandle();
+    connect(handle, &QWindow::screenChanged, this, &TextFitter::watchScreen);
+    m_firstSize = m_window.size();
+    resizeToOpen();
+    watchScreen(handle->screen());
 }
 
-// The layouts have had the event before this filter, so the columns have their new widths. Growing
-// the least size also resizes a window that is smaller, and so comes back here at once, to find
-// nothing more to grow.
+void TextFitter::resizeToOpen()
+{
+    if (fillsScreen())
+        return;
+    const QSize most = available();
+    const int preferred = std::min(m_columns.preferredWidth(), most.width());
+    const int width = openingWidth(std::max(m_firstSize.width(), preferred), most);
+    const int height = std::max(m_firstSize.height(), leastWindowHeight(width));
+    m_openingSize = QSize(width, height).boundedTo(most);
+    m_window.resize(m_openingSize);
+}
+
+// As narrow as the texts allow in the height that there is. If no width is enough for that, as
+// narrow as the least height allows that any width gives.
+int TextFitter::openingWidth(int least, QSize most) const
+{
+    if (least >= most.width() || leastWindowHeight(least) <= most.height())
+        return least;
+    const bool scrolls = leastWindowHeight(most.width()) > most.height();
+    const int bar = scrolls ? scrollBarExtent() : 0;
+    int enough = std::max(least, most.width() - bar);
+    const int height = std::max(most.height(), leastWindowHeight(enough));
+    while (least < enough) {
+        const int middle = (least + enough) / 2;
+        if (leastWindowHeight(middle) <= height)
+            enough = middle;
+        else
+            least = middle + 1;
+    }
+    return enough + bar;
+}
+
+void TextFitter::watchScreen(QScreen* screen)
+{
+    disconnect(m_screenChanges);
+    if (screen != nullptr)
+        m_screenChanges = connect(screen, &QScreen::availableGeometryChanged, this, [this] {
+            shrinkIntoScreen();
+            moveIntoScreen();
+        });
+    // Who moves the window from screen to screen also says where it goes.
+    shrinkIntoScreen();
+}
+
+// The window manager puts its frame around the window some time after that was shown.
+void TextFitter::noticeFrame()
+{
+    const QMargins frame = m_window.windowHandle()->frameMargins();
+    if (frame == m_frame)
+        return;
+    m_frame = frame;
+    if (m_window.size() == m_openingSize)
+        resizeToOpen();
+    shrinkIntoScreen();
+    moveIntoScreen();
+}
+
+void TextFitter::shrinkIntoScreen()
+{
+    follow();
+    if (!fillsScreen())
+        m_window.resize(m_window.size().boundedTo(available()));
+}
+
+void TextFitter::moveIntoScreen()
+{
+    const QRect screen = m_window.screen()->availableGeometry();
+    const QRect frame = m_window.frameGeometry();
+    if (fillsScreen() || screen.contains(frame))
+        return;
+    const QPoint last = screen.bottomRight() - QPoint(frame.width() - 1, frame.height() - 1);
+    m_window.move(std::max(screen.left(), std::min(frame.left(), last.x())),
+                  std::max(screen.top(), std::min(frame.top(), last.y())));
+}
+
+// Growing the least height also resizes a window
+// that is smaller, and so comes back here at once, to find nothing more to grow.
 void TextFitter::follow()
 {
-    // Below its size hint a layout takes room from texts that cannot wrap. Its minimum size does
-    // not tell: a group box with a minimum width of its own hides there what its texts need.
-    m_window.setMinimumWidth(std::min(m_row.sizeHint().width(), available().width()));
-    m_window.setMinimumHeight(std::min(leastRowHeight(m_row), available().height()));
+    m_window.setMinimumHeight(std::min(leastWindowHeight(m_window.width()), available().height()));
+    arrange();
 }
 
-// What the window manager's frame leaves of the screen. The frame is known only some time after the
-// window was shown; until then a title bar as the style has it stands for it.
+// The scroll bar of one direction takes from the other, which may then need one as well.
+void TextFitter::arrange()
+{
+    QSize view;
+    QSize content;
+    for (const int taken : {0, scrollBarExtent()}) {
+        view = m_window.size() - QSize(taken, 0);
+        if (view.width() < m_columns.leastWidth())
+            view.rheight() -= scrollBarExtent();
+        view = view.expandedTo({0, 0});
+        content.setWidth(std::max(view.width(), m_columns.leastWidth()));
+        content.setHeight(std::max(view.height(), m_columns.leastHeight(content.width())));
+        if (content.height() == view.height())
+            break;
+    }
+    m_scroller.show(content, view);
+}
+
+int TextFitter::leastWindowHeight(int width) const
+{
+    const int bar = width < m_columns.leastWidth() ? scrollBarExtent() : 0;
+    return m_columns.leastHeight(std::max(width, m_columns.leastWidth())) + bar;
+}
+
+int TextFitter::scrollBarExtent() const
+{
+    return m_window.style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, &m_window);
+}
+
+bool TextFitter::fillsScreen() const
+{
+    return m_window.isMaximized() || m_window.isFullScreen();
+}
+
+// What the window manager's frame leaves of the screen.
 QSize TextFitter::available() const
 {
-    const QSize frame = m_window.frameGeometry().size() - m_window.size();
-    const int titleBar = m_window.style()->pixelMetric(QStyle::PM_TitleBarHeight);
-    return m_window.screen()->availableGeometry().size() -
-           QSize(frame.width(), std::max(frame.height(), titleBar));
+    return m_window.screen()->availableGeometry().marginsRemoved(m_frame).size();
 }
 
 } // namespace

@@ -86,11 +86,15 @@ inline bool showsItsText(const QWidget& widget)
     return true;
 }
 
-inline bool reachesOutOfAParent(const QWidget& widget)
+/// The central widget is the last that counts: the window may scroll across it.
+inline bool reachesOutOfAParent(const QWidget& widget, const QWidget* centralWidget)
 {
-    for (const QWidget* parent = widget.parentWidget(); parent; parent = parent->parentWidget())
+    const QWidget* parent = &widget;
+    while (parent != centralWidget) {
+        parent = parent->parentWidget();
         if (!parent->rect().contains(QRect(widget.mapTo(parent, {}), widget.size())))
             return true;
+    }
     return false;
 }
 
@@ -104,20 +108,84 @@ inline QVector<const QWidget*> shownWidgets(const QMainWindow& window)
     return widgets;
 }
 
+/// True if the form itself keeps the widget from growing: such limits are in pixels, whatever the
+/// font is, so how much of the text they leave depends on the machine's fonts.
+inline bool isAtItsLimit(const QWidget& widget)
+{
+    return widget.width() == widget.maximumWidth() || widget.height() == widget.maximumHeight();
+}
+
 /// What is wrong with the window's texts; empty where every text is whole.
 inline QStringList cutTexts(const QMainWindow& window)
 {
     QStringList faults;
     const auto widgets = shownWidgets(window);
     for (const QWidget* widget : widgets) {
-        if (!showsItsText(*widget))
+        if (!showsItsText(*widget) && !isAtItsLimit(*widget))
             faults += widget->objectName() + " is cut";
-        if (reachesOutOfAParent(*widget))
+        if (reachesOutOfAParent(*widget, window.centralWidget()))
             faults += widget->objectName() + " reaches out";
         for (const QWidget* other : widgets)
             if (widget < other && widget->parent() == other->parent() &&
                 widget->geometry().intersects(other->geometry()))
                 faults += widget->objectName() + " overlaps " + other->objectName();
+    }
+    return faults;
+}
+
+/// The largest size at which a shown window lies within its screen.
+inline QSize available(const QMainWindow& window)
+{
+    const QRect screen = window.screen()->availableGeometry();
+    return screen.marginsRemoved(window.windowHandle()->frameMargins()).size();
+}
+
+/// The scroll bar that moves the central widget, or null while the window shows all of it.
+inline QScrollBar* scrollBar(const QMainWindow& window, Qt::Orientation orientation)
+{
+    for (auto* bar : window.findChildren<QScrollBar*>(QString(), Qt::FindDirectChildrenOnly))
+        if (bar->orientation() == orientation)
+            return bar;
+    return nullptr;
+}
+
+/// What of the window its scroll bars leave to the central widget.
+inline QRect viewOf(const QMainWindow& window)
+{
+    QRect view = window.rect();
+    if (const QScrollBar* down = scrollBar(window, Qt::Vertical))
+        view.setRight(down->x() - 1);
+    if (const QScrollBar* sideways = scrollBar(window, Qt::Horizontal))
+        view.setBottom(sideways->y() - 1);
+    return view;
+}
+
+/// What no scrolling brings into sight: the central widget ends where the window shows it, at both
+/// ends of both scroll bars. Scrolls back to the start.
+inline QStringList unreachableEdges(const QMainWindow& window)
+{
+    QStringList faults;
+    const QRect& central = window.centralWidget()->geometry();
+    const QRect view = viewOf(window);
+    const QList<QScrollBar*> bars{scrollBar(window, Qt::Horizontal),
+                                  scrollBar(window, Qt::Vertical)};
+    for (QScrollBar* bar : bars)
+        if (bar != nullptr)
+            bar->setValue(bar->minimum());
+    if (central.topLeft() != view.topLeft())
+        faults += "the start";
+    for (QScrollBar* bar : bars)
+        if (bar != nullptr)
+            bar->setValue(bar->maximum());
+    if (central.bottomRight() != view.bottomRight())
+        faults += "the end";
+    for (QScrollBar* bar : bars) {
+        if (bar == nullptr)
+            continue;
+        bar->setValue(bar->minimum());
+        if (!bar->isVisible() || bar->maximum() == bar->minimum() ||
+            !window.rect().contains(bar->geometry()))
+            faults += "a scroll bar";
     }
     return faults;
 }

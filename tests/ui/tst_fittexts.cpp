@@ -69,16 +69,19 @@ private slots:
     void windowThatIsNotShownKeepsItsSize();
     void windowOpensWithEveryTextWhole();
     void windowThatIsLargeEnoughKeepsItsSize();
-    void windowLargerThanTheScreenIsNotMadeSmaller();
+    void windowLargerThanTheScreenOpensWithinIt();
     void windowNeverGrowsBeyondTheScreen();
     void windowOnALowScreenOpensWider();
-    void leastSizeKeepsEveryTextWhole();
+    void windowHasNoLeastWidth();
+    void windowCanBecomeNarrowAgainAfterALargerFont();
+    void everyTextIsWholeInAnySize();
     void leastHeightFallsAsTheWindowWidens();
-    void leastSizeFollowsTheFont();
-    void leastSizeFollowsTheTexts();
+    void leastHeightFollowsTheFont();
+    void leastHeightFollowsTheTexts();
     void spacersGiveWayToTexts();
     void maximizedWindowStaysMaximized();
     void windowIsFittedOnlyAtItsFirstShow();
+    void windowBecomesSmallerOnASmallerScreen();
 };
 
 // The same on every platform, whatever its own font is.
@@ -117,14 +120,14 @@ void TestFitTexts::windowThatIsLargeEnoughKeepsItsSize()
     QCOMPARE(cutTexts(window), QStringList());
 }
 
-void TestFitTexts::windowLargerThanTheScreenIsNotMadeSmaller()
+void TestFitTexts::windowLargerThanTheScreenOpensWithinIt()
 {
     SmallWindow window;
-    const QSize large = screenSize() + QSize(300, 200);
-    window.resize(large);
+    window.resize(screenSize() + QSize(300, 200));
     window.show();
+    QCOMPARE(window.size(), available(window));
     QCoreApplication::processEvents();
-    QCOMPARE(window.size(), large);
+    QCOMPARE(window.size(), available(window));
 }
 
 void TestFitTexts::windowNeverGrowsBeyondTheScreen()
@@ -133,13 +136,12 @@ void TestFitTexts::windowNeverGrowsBeyondTheScreen()
     window.left().setText(SmallWindow::words(4000));
     window.check().setText(SmallWindow::words(400));
     window.show();
-    const int titleBar = window.style()->pixelMetric(QStyle::PM_TitleBarHeight);
-    QCOMPARE(window.size(), window.size().boundedTo(screenSize() - QSize(0, titleBar)));
+    QCOMPARE(window.size(), available(window));
     QCoreApplication::processEvents();
-    QCOMPARE(window.size(), window.size().boundedTo(screenSize()));
-    // All of it, but for the frame.
-    QVERIFY(window.width() > screenSize().width() - 50);
-    QVERIFY(window.height() > screenSize().height() - 50);
+    QCOMPARE(window.size(), available(window));
+    QCOMPARE(cutTexts(window), QStringList());
+    QCOMPARE(unreachableEdges(window), QStringList());
+    QVERIFY(scrollBar(window, Qt::Vertical) && scrollBar(window, Qt::Horizontal));
 }
 
 void TestFitTexts::windowOnALowScreenOpensWider()
@@ -149,20 +151,56 @@ void TestFitTexts::windowOnALowScreenOpensWider()
     QLabel& label = window.left();
     while (label.heightForWidth(label.sizeHint().width()) < screenSize().height())
         label.setText(label.text() + ' ' + SmallWindow::words(10));
+    const int preferred = window.centralWidget()->sizeHint().width();
     window.show();
-    QVERIFY(window.width() > window.minimumWidth());
-    QCOMPARE(window.size(), window.size().boundedTo(screenSize()));
+    QVERIFY(window.width() > preferred);
+    QVERIFY(window.width() < available(window).width());
+    QCOMPARE(window.size(), window.size().boundedTo(available(window)));
     QCOMPARE(cutTexts(window), QStringList());
+    QCOMPARE(scrollBar(window, Qt::Vertical), nullptr);
 }
 
-void TestFitTexts::leastSizeKeepsEveryTextWhole()
+void TestFitTexts::windowHasNoLeastWidth()
 {
     SmallWindow window;
     window.show();
-    for (const QSize size : {QSize(1, 1), QSize(600, 1), QSize(1, 600), QSize(350, 120)}) {
+    window.resize(60, 300);
+    QCoreApplication::processEvents();
+    QCOMPARE(window.width(), 60);
+    QCOMPARE(unreachableEdges(window), QStringList());
+    QCOMPARE(cutTexts(window), QStringList());
+    QVERIFY(scrollBar(window, Qt::Horizontal) != nullptr);
+    window.resize(600, 300);
+    QCOMPARE(scrollBar(window, Qt::Horizontal), nullptr);
+    QCOMPARE(window.centralWidget()->geometry(), window.rect());
+    QCOMPARE(window.centralWidget()->minimumSize(), QSize(0, 0));
+}
+
+void TestFitTexts::windowCanBecomeNarrowAgainAfterALargerFont()
+{
+    SmallWindow window;
+    window.show();
+    const QSize before = window.size();
+    QFont larger = window.font();
+    larger.setPixelSize(14);
+    window.setFont(larger);
+    QCoreApplication::processEvents();
+    window.resize(before.width(), 1);
+    QCOMPARE(window.width(), before.width());
+    QCOMPARE(cutTexts(window), QStringList());
+    QCOMPARE(unreachableEdges(window), QStringList());
+}
+
+void TestFitTexts::everyTextIsWholeInAnySize()
+{
+    SmallWindow window;
+    window.show();
+    for (const QSize size :
+         {QSize(1, 1), QSize(600, 1), QSize(1, 600), QSize(350, 120), QSize(270, 120)}) {
         window.resize(size);
         QCOMPARE(window.size(), window.size().expandedTo(size));
         QCOMPARE(cutTexts(window), QStringList());
+        QCOMPARE(scrollBar(window, Qt::Vertical), nullptr);
         QCoreApplication::processEvents();
         QCOMPARE(cutTexts(window), QStringList());
     }
@@ -173,7 +211,8 @@ void TestFitTexts::leastHeightFallsAsTheWindowWidens()
     SmallWindow window;
     window.left().setText(SmallWindow::words(60));
     window.show();
-    window.resize(1, 1);
+    const int preferred = window.centralWidget()->sizeHint().width();
+    window.resize(preferred, 1);
     const int narrow = window.minimumHeight();
     QCOMPARE(window.height(), narrow);
     window.resize(screenSize().width() - 50, narrow);
@@ -181,40 +220,41 @@ void TestFitTexts::leastHeightFallsAsTheWindowWidens()
     QVERIFY(wide < narrow);
     window.resize(window.width(), 1);
     QCOMPARE(window.height(), wide);
-    window.resize(1, 1);
+    window.resize(preferred, 1);
     QCOMPARE(window.height(), narrow);
 }
 
-void TestFitTexts::leastSizeFollowsTheFont()
+void TestFitTexts::leastHeightFollowsTheFont()
 {
     SmallWindow window;
     window.show();
-    window.resize(1, 1);
+    window.resize(300, 1);
     const QSize before = window.size();
     const QFont font = window.font();
     QFont larger = font;
     larger.setPixelSize(10);
     window.setFont(larger);
-    QTRY_VERIFY(window.width() > before.width() && window.height() > before.height());
+    QTRY_VERIFY(window.height() > before.height());
     QTRY_COMPARE(cutTexts(window), QStringList());
     window.setFont(font);
-    QTRY_COMPARE(window.minimumWidth(), before.width());
-    window.resize(1, 1);
+    QTRY_COMPARE(window.minimumHeight(), before.height());
+    window.resize(300, 1);
     QCOMPARE(window.size(), before);
 }
 
-void TestFitTexts::leastSizeFollowsTheTexts()
+void TestFitTexts::leastHeightFollowsTheTexts()
 {
     SmallWindow window;
     window.show();
-    window.resize(1, 1);
+    window.resize(300, 1);
     const QSize before = window.size();
     window.right().setText(SmallWindow::words(5).replace(' ', '\n').repeated(3));
     QTRY_VERIFY(window.height() > before.height());
     QTRY_COMPARE(cutTexts(window), QStringList());
-    window.check().setText(SmallWindow::words(5));
-    QTRY_VERIFY(window.width() > before.width());
+    window.check().setText(SmallWindow::words(9));
+    QTRY_VERIFY(scrollBar(window, Qt::Horizontal) != nullptr);
     QTRY_COMPARE(cutTexts(window), QStringList());
+    QCOMPARE(unreachableEdges(window), QStringList());
 }
 
 void TestFitTexts::spacersGiveWayToTexts()
@@ -222,7 +262,7 @@ void TestFitTexts::spacersGiveWayToTexts()
     SmallWindow window;
     window.left().hide();
     window.show();
-    window.resize(1, 1);
+    window.resize(300, 1);
     const QWidget& box = *window.check().parentWidget();
     QVERIFY(window.height() - box.geometry().bottom() < 50);
 }
@@ -233,19 +273,36 @@ void TestFitTexts::maximizedWindowStaysMaximized()
     window.left().setText(SmallWindow::words(4000));
     window.showMaximized();
     QVERIFY(window.isMaximized());
+    QCOMPARE(cutTexts(window), QStringList());
+    QCOMPARE(unreachableEdges(window), QStringList());
 }
 
 void TestFitTexts::windowIsFittedOnlyAtItsFirstShow()
 {
     SmallWindow window;
-    window.left().setText(SmallWindow::words(4000));
     window.show();
     window.resize(1, 1);
     const QSize chosen = window.size();
-    QVERIFY(chosen.width() < screenSize().width() / 2 + 300);
     window.hide();
     window.show();
     QCOMPARE(window.size(), chosen);
+}
+
+// The window has grown beyond its screen, as if it had come from a larger one; there is only one
+// here, so the test says itself that it is another.
+void TestFitTexts::windowBecomesSmallerOnASmallerScreen()
+{
+    SmallWindow window;
+    window.show();
+    const QSize most = available(window);
+    QScreen* screen = window.screen();
+    window.resize(most + QSize(300, 200));
+    Q_EMIT window.windowHandle()->screenChanged(screen);
+    QCOMPARE(window.size(), most);
+    window.resize(most + QSize(300, 200));
+    Q_EMIT screen->availableGeometryChanged(screen->availableGeometry());
+    QCOMPARE(window.size(), most);
+    QVERIFY(screen->availableGeometry().contains(window.frameGeometry()));
 }
 
 QTEST_MAIN(TestFitTexts)

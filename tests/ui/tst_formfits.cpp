@@ -11,17 +11,6 @@ namespace {
 
 const QSize firstSize(1200, 880);
 
-QSize screenSize()
-{
-    return QGuiApplication::primaryScreen()->availableSize();
-}
-
-// The offscreen platform's screen is smaller than the form itself: there it must not grow at all.
-bool screenHasRoomToGrow()
-{
-    return screenSize().width() > firstSize.width() && screenSize().height() > firstSize.height();
-}
-
 QFont pixelFont(int pixels)
 {
     QFont font = QApplication::font();
@@ -47,11 +36,22 @@ private slots:
     void formThatIsNotShownKeepsItsFirstSize();
     void firstSizeIsKeptWhereItIsEnough();
     void everyTextIsWholeAtFirstShow();
+    void scrollBarExistsOnlyIfTheScreenIsTooSmall();
     void everyTextIsWholeAfterResizing_data();
     void everyTextIsWholeAfterResizing();
     void everyTextIsWholeWithALargerFont();
     void everyTextIsWholeInEveryState();
     void formNeverGrowsBeyondTheScreen();
+    void focusBringsEveryControlIntoSight();
+    void clickLeavesWhatItHitsInItsPlace();
+    void wheelMovesTheFormAndNoValue();
+
+private:
+    void verifyEveryTextIsWhole()
+    {
+        QCOMPARE(cutTexts(*m_window).join(", "), QString());
+        QCOMPARE(unreachableEdges(*m_window).join(", "), QString());
+    }
 };
 
 void TestFormFits::init()
@@ -95,33 +95,49 @@ void TestFormFits::formThatIsNotShownKeepsItsFirstSize()
 
 void TestFormFits::firstSizeIsKeptWhereItIsEnough()
 {
-    m_window->setFont(pixelFont(9));
+    m_window->setFont(pixelFont(8));
     m_window->show();
-    QCOMPARE(m_window->size(), firstSize);
-    QCOMPARE(cutTexts(*m_window), QStringList());
+    verifyEveryTextIsWhole();
+    if (firstSize.boundedTo(available(*m_window)) == firstSize) {
+        QCOMPARE(m_window->size(), firstSize);
+        QVERIFY(!scrollBar(*m_window, Qt::Vertical) && !scrollBar(*m_window, Qt::Horizontal));
+    }
 }
 
 void TestFormFits::everyTextIsWholeAtFirstShow()
 {
     m_window->show();
-    if (!screenHasRoomToGrow()) {
-        QCOMPARE(m_window->size(), firstSize);
-        return;
-    }
-    QCOMPARE(cutTexts(*m_window), QStringList());
+    const QSize most = available(*m_window);
+    QCOMPARE(m_window->size(), m_window->size().boundedTo(most));
+    QCOMPARE(m_window->size(), m_window->size().expandedTo(firstSize.boundedTo(most)));
+    verifyEveryTextIsWhole();
     QCoreApplication::processEvents();
-    QCOMPARE(cutTexts(*m_window), QStringList());
+    verifyEveryTextIsWhole();
+}
+
+// A scroll bar exists only where the screen is too small.
+void TestFormFits::scrollBarExistsOnlyIfTheScreenIsTooSmall()
+{
+    m_window->show();
+    const QSize needed = m_window->centralWidget()->size();
+    QCOMPARE(scrollBar(*m_window, Qt::Vertical) == nullptr,
+             needed.height() <= viewOf(*m_window).height());
+    QCOMPARE(scrollBar(*m_window, Qt::Vertical) == nullptr &&
+                 scrollBar(*m_window, Qt::Horizontal) == nullptr,
+             needed.boundedTo(available(*m_window)) == needed);
 }
 
 void TestFormFits::everyTextIsWholeAfterResizing_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::newRow("smaller") << QSize(1000, 700);
-    QTest::newRow("tiny") << QSize(10, 10);
+    QTest::newRow("tiny") << QSize(100, 10);
     QTest::newRow("lower") << QSize(1500, 600);
     QTest::newRow("wider and lower") << QSize(1900, 100);
     QTest::newRow("narrower and higher") << QSize(900, 1070);
     QTest::newRow("larger") << QSize(1800, 1070);
+    for (int width = 1360; width < 1440; width += 10)
+        QTest::newRow(qPrintable(QString::number(width))) << QSize(width, 900);
 }
 
 void TestFormFits::everyTextIsWholeAfterResizing()
@@ -129,26 +145,20 @@ void TestFormFits::everyTextIsWholeAfterResizing()
     QFETCH(QSize, size);
     m_window->show();
     m_window->resize(size);
-    QCOMPARE(m_window->size(), m_window->size().expandedTo(size));
-    if (!screenHasRoomToGrow()) {
-        QCOMPARE(m_window->size(), m_window->size().boundedTo(screenSize().expandedTo(size)));
-        return;
-    }
-    QCOMPARE(cutTexts(*m_window), QStringList());
+    QCOMPARE(m_window->width(), size.width());
+    QCOMPARE(m_window->size(), m_window->size().boundedTo(available(*m_window).expandedTo(size)));
+    verifyEveryTextIsWhole();
     QCoreApplication::processEvents();
-    QCOMPARE(cutTexts(*m_window), QStringList());
+    verifyEveryTextIsWhole();
 }
 
 void TestFormFits::everyTextIsWholeWithALargerFont()
 {
     m_window->show();
     m_window->setFont(pixelFont(13));
-    if (!screenHasRoomToGrow()) {
-        QCoreApplication::processEvents();
-        QCOMPARE(m_window->size(), firstSize);
-        return;
-    }
-    QTRY_COMPARE(cutTexts(*m_window), QStringList());
+    QTRY_COMPARE(cutTexts(*m_window).join(", "), QString());
+    QCOMPARE(unreachableEdges(*m_window).join(", "), QString());
+    QCOMPARE(m_window->size(), m_window->size().boundedTo(available(*m_window)));
 }
 
 // As the window's rules show and fill it: a notice that is hidden and back, and long choices.
@@ -156,28 +166,93 @@ void TestFormFits::everyTextIsWholeInEveryState()
 {
     m_form.label_FileSizeNotice->hide();
     m_window->show();
-    m_window->resize(10, 10);
+    m_window->resize(100, 10);
     m_form.label_FileSizeNotice->show();
     m_form.comboSystemBuffer->addItem(" FILE_FLAG_WRITE_THROUGH + FILE_FLAG_SEQUENTIAL_SCAN");
     m_form.labelFileSizeMB->setText("1024.0 MiB");
     m_form.labelChunkSizeMB->setText("10.000 MiB");
     m_form.spinFileSize->setValue(1048576);
-    if (!screenHasRoomToGrow()) {
-        QCoreApplication::processEvents();
-        QCOMPARE(m_window->size(), m_window->size().boundedTo(screenSize()));
-        return;
-    }
-    QTRY_COMPARE(cutTexts(*m_window), QStringList());
+    QTRY_COMPARE(cutTexts(*m_window).join(", "), QString());
+    QCOMPARE(unreachableEdges(*m_window).join(", "), QString());
 }
 
 void TestFormFits::formNeverGrowsBeyondTheScreen()
 {
     m_window->setFont(pixelFont(40));
     m_window->show();
-    QCOMPARE(m_window->size(), m_window->size().boundedTo(screenSize().expandedTo(firstSize)));
-    QCOMPARE(m_window->size(), m_window->size().expandedTo(firstSize));
+    QCOMPARE(m_window->size(), available(*m_window));
+    QCOMPARE(unreachableEdges(*m_window).join(", "), QString());
     m_window->resize(1, 1);
-    QCOMPARE(m_window->size(), m_window->size().boundedTo(screenSize()));
+    QCOMPARE(m_window->size(), m_window->size().boundedTo(available(*m_window)));
+}
+
+void TestFormFits::focusBringsEveryControlIntoSight()
+{
+    m_window->show();
+    m_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    m_window->resize(700, 300); // grows to the least height, which the screen bounds
+    m_window->focusWidget()->clearFocus();
+    for (QWidget* control : m_form.centralWidget->findChildren<QWidget*>()) {
+        if (control->focusPolicy() == Qt::NoFocus || !control->isEnabled() ||
+            control->objectName().startsWith("qt_") || control->objectName().isEmpty())
+            continue;
+        control->setFocus(Qt::TabFocusReason);
+        const QRect shown =
+            viewOf(*m_window) & QRect(control->mapTo(m_window.get(), QPoint()), control->size());
+        QVERIFY2(shown.height() == control->height() &&
+                     shown.width() >= qMin(control->width(), viewOf(*m_window).width() - 20),
+                 qPrintable(control->objectName()));
+    }
+}
+
+void TestFormFits::clickLeavesWhatItHitsInItsPlace()
+{
+    m_window->show();
+    m_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    m_window->resize(700, 300);
+    const QPoint before = m_form.centralWidget->pos();
+    m_form.buttonCreateOverwrite->setFocus(Qt::MouseFocusReason);
+    QCOMPARE(m_form.centralWidget->pos(), before);
+}
+
+void TestFormFits::wheelMovesTheFormAndNoValue()
+{
+    m_window->setFont(pixelFont(22)); // too large for every screen of the tests
+    m_window->show();
+    m_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    QScrollBar* down = scrollBar(*m_window, Qt::Vertical);
+    QVERIFY(down != nullptr);
+    const auto wheel = [this](const QWidget& widget, int steps) {
+        const QPoint place = widget.mapTo(m_window.get(), widget.rect().center());
+        QWheelEvent event(place, m_window->mapToGlobal(place), QPoint(), QPoint(0, 120 * steps),
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(m_window->windowHandle(), &event);
+    };
+    int last = down->value();
+    wheel(*m_form.label_224, -1);
+    QVERIFY(down->value() > last);
+
+    m_form.comboMethod->setFocus(Qt::TabFocusReason); // brings it into sight
+    m_form.radioNewTest->setFocus(Qt::MouseFocusReason);
+    last = down->value();
+    wheel(*m_form.comboMethod, -1);
+    QVERIFY(down->value() > last);
+    QCOMPARE(m_form.comboMethod->currentIndex(), 0);
+    QVERIFY(!m_form.comboMethod->hasFocus());
+
+    for (int i = 0; i < 100; ++i)
+        wheel(*m_form.centralWidget, -1);
+    QCOMPARE(down->value(), down->maximum());
+
+    // Who works in a field changes it as ever.
+    m_form.comboMethod->setFocus(Qt::TabFocusReason);
+    last = down->value();
+    wheel(*m_form.comboMethod, -1);
+    QCOMPARE(m_form.comboMethod->currentIndex(), 1);
+    QCOMPARE(down->value(), last);
 }
 
 QTEST_MAIN(TestFormFits)
