@@ -174,6 +174,17 @@ std::vector<Finding> checkErrors(const SeriesFacts& facts, const PlanOptions& pl
     return errors;
 }
 
+/// The warnings that could be allowed, with commas between.
+std::string namesToAllow(const std::vector<Finding>& forbidden)
+{
+    std::set<std::string> names;
+    for (const Finding& loss : forbidden) {
+        if (loss.rule->severity == Severity::Warning)
+            names.insert(loss.rule->name);
+    }
+    return fmt::format("{}", fmt::join(names, ","));
+}
+
 /// Plans the series; nothing, and the exit status, if it does not run.
 std::optional<Planned> planOf(Request& request, const Output& output, int& status)
 {
@@ -191,9 +202,13 @@ std::optional<Planned> planOf(Request& request, const Output& output, int& statu
                                  quoted(request.earlier->series()), quoted(result.plan.series)));
         return std::nullopt;
     }
+    const std::vector<Finding> forbidden = forbiddenLosses(result.losses, request.allowed);
     std::vector<std::string> reasons = linesOf(checkErrors(*facts, request.plan));
-    for (std::string& line : linesOf(forbiddenLosses(result.losses, request.allowed)))
+    for (std::string& line : linesOf(forbidden))
         reasons.push_back(std::move(line));
+    const std::string names = namesToAllow(forbidden);
+    if (!names.empty())
+        reasons.push_back("what changes the measured work must be allowed: --allow-loss " + names);
     reasons.insert(reasons.end(), result.problems.begin(), result.problems.end());
     if (!reasons.empty()) {
         status = refuse(request, reasons, output);

@@ -96,6 +96,24 @@ Leavings leavingsOf(const RunResults& results)
     return leavings;
 }
 
+/// Folders that job files made on machines behind servers, for the logs of calls.
+std::string logFoldersText(const RunResults& results)
+{
+    std::string text;
+    const Plan& plan = *results.plan;
+    for (size_t stage = 0; stage < plan.stages.size(); ++stage) {
+        if (results.stages[stage].state == StageState::NotRun)
+            continue;
+        for (const PlanJobFile& file : plan.stages[stage].files) {
+            if (!file.logFolder.isEmpty())
+                text += fmt::format("{}: the folder {} with logs of calls stays behind\n",
+                                    printable(plan.machines[size_t(file.machine)].name),
+                                    quoted(file.logFolder));
+        }
+    }
+    return text;
+}
+
 } // namespace
 
 std::string forecastText(const Plan& plan)
@@ -161,7 +179,7 @@ std::string outcomeText(const RunResults& results, const QString& folder)
     const bool hasManifest = status.stage.has_value();
     text += hasManifest ? fmt::format("; {} lists them\n", printable(folder + manifestFileName))
                         : std::string("\n");
-    return text;
+    return text + logFoldersText(results);
 }
 
 std::string progressText(const Plan& plan, const RunProgress& progress, int width)

@@ -81,10 +81,11 @@ void addLogs(const PlanJob& job, const FioHost& host, const FioLogs& logs, JobRe
     }
     if (result.startMs.has_value() || !result.runtimeMs.has_value())
         return;
-    // Figures of a section that broke off may not go with its log.
-    const std::optional<qint64> end = logs.lastMoment(job.sections.back().name, host.name);
-    if (end.has_value() && *end >= *result.runtimeMs)
-        result.startMs = *end - *result.runtimeMs;
+    const std::optional<qint64> last = logs.lastMoment(job.sections.back().name, host.name);
+    // A wait follows the last chunk as well, unless a flush is the last that happens.
+    const qint64 end = last.value_or(0) + (job.flush ? 0 : job.waitMs);
+    if (last.has_value() && end >= *result.runtimeMs)
+        result.startMs = end - *result.runtimeMs;
 }
 
 JobResult resultOf(const PlanJob& job, const SectionIndex& reports, const FioHost& host,

@@ -171,7 +171,8 @@ RunResults Runner::run(const QString& fioVersion)
     const FioMachines machines(m_plan, m_folder, m_signals, m_options.program);
     if (isAsPlanned(machines) && !m_options.dryRun)
         runStages(machines);
-    finish();
+    if (!m_options.dryRun)
+        finish();
     return std::move(m_results);
 }
 

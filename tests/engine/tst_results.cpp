@@ -246,7 +246,7 @@ void TestResults::ratesAreOfTheRightTime()
 
 void TestResults::theStartComesFromTheLogWhereFioDoesNotSayIt()
 {
-    const Plan plan = planOfTwo();
+    Plan plan = planOfTwo();
     const QTemporaryDir folder;
     test::put(folder.filePath("w_lat.1.log.127.0.0.11"),
               "1795301686649, 5, 1, 0, 0\n1795301686900, 5, 1, 0, 0\n");
@@ -255,10 +255,11 @@ void TestResults::theStartComesFromTheLogWhereFioDoesNotSayIt()
     test::put(folder.filePath("c_lat.2.log.127.0.0.11"), "nonsense");
     FioOutput output = allGood(plan);
     output.sections[3].startMs = 1234;
+    plan.jobs[0].waitMs = 20;
     const FioLogs logs(folder.path(), "output/");
     const std::vector<JobResult> results = accountStage(plan, 0, hosts, output, logs);
-    QCOMPARE(*results[0].startMs, qint64(1795301686400));
-    QCOMPARE(*results[0].endMs(), qint64(1795301686900));
+    QCOMPARE(*results[0].startMs, qint64(1795301686420));
+    QCOMPARE(*results[0].endMs(), qint64(1795301686920));
     QCOMPARE(results[0].bandwidthLogs, std::vector<QString>{"output/w_bw.1.log.127.0.0.11"});
     QVERIFY(!results[1].startMs.has_value());
     QVERIFY(!results[2].startMs.has_value());

@@ -1,0 +1,141 @@
+#include "tests/engine/seriesrun.h"
+
+#include "dpc/commandline.h"
+#include "tests/support/childprocess.h"
+#include "tests/support/files.h"
+#include "tests/support/leaveout.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QStandardPaths>
+
+#include <fstream>
+#include <sstream>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace test {
+
+namespace {
+
+std::vector<std::string> typed(const SeriesRun& series, const QStringList& arguments)
+{
+    std::vector<std::string> list = {"run", series.file("mytest.dpc").toStdString()};
+    for (const QString& argument : arguments)
+        list.push_back(argument.toStdString());
+    return list;
+}
+
+QByteArray describe(const QString& path)
+{
+    const struct stat status = statusOf(path);
+    const QByteArray kind = QByteArray::number(uint(status.st_mode), 8) + ' '
+                            + QByteArray::number(qint64(status.st_size)) + ' ' + linkOf(path);
+    return S_ISREG(status.st_mode) ? kind + contentOf(path) : kind;
+}
+
+} // namespace
+
+void needFio()
+{
+    if (QStandardPaths::findExecutable("fio").isEmpty())
+        leaveOut("fio is not installed (script/bootstrap installs it)");
+}
+
+Snapshot snapshotOf(const QString& folder)
+{
+    Snapshot all;
+    for (const QString& name : entriesOf(folder))
+        all[name] = describe(folder + '/' + name);
+    return all;
+}
+
+SeriesRun::SeriesRun()
+    : m_folder(QFileInfo(m_temporary.path()).canonicalFilePath())
+{}
+
+void SeriesRun::putSeries(const QList<QByteArrayList>& files) const
+{
+    QDir(m_folder).mkpath("_wait");
+    const auto name = [this](int number) {
+        return file(QStringLiteral("_wait/mytest%1.dpc")
+                        .arg(number > 0 ? QString::number(number) : QString()));
+    };
+    for (int i = 0; i < files.size(); ++i) {
+        QByteArrayList lines = files[i];
+        if (i + 1 < files.size())
+            lines += name(i + 1).toUtf8();
+        put(name(i), lines.join('\n') + '\n');
+    }
+}
+
+QByteArray SeriesRun::line(const QByteArray& source, const QByteArray& destination, int sizeKib,
+                           int chunkKib, int waitMs, int iterations)
+{
+    const auto number = [](int n) { return QByteArray::number(n); };
+    const auto path = [](const QByteArray& name) { return name.isEmpty() ? "MEMORY" : name; };
+    return "Posix;NOflush;NOprealloc;" + number(waitMs) + ';' + number(chunkKib) + ";0;"
+           + number(sizeKib) + ';' + number(iterations) + ";0;" + path(source) + ';'
+           + path(destination) + ";;;false;";
+}
+
+Printed SeriesRun::run(const QStringList& arguments) const
+{
+    std::ostringstream out;
+    std::ostringstream err;
+    const int status = runDpc(typed(*this, arguments), {out, err, false});
+    return {QByteArray::fromStdString(out.str()), QByteArray::fromStdString(err.str()), status};
+}
+
+pid_t SeriesRun::start(const QStringList& arguments) const
+{
+    return startChild([&] {
+        std::ofstream out(file("out").toStdString());
+        std::ofstream err(file("err").toStdString());
+        const int status = runDpc(typed(*this, arguments), {out, err, false});
+        out.flush();
+        err.flush();
+        ::_exit(status);
+    });
+}
+
+int SeriesRun::statusOf(pid_t child)
+{
+    int status = 0;
+    if (::waitpid(child, &status, 0) != child || !WIFEXITED(status))
+        return -1;
+    return WEXITSTATUS(status);
+}
+
+QJsonObject SeriesRun::json(const QString& run, const QString& name) const
+{
+    return QJsonDocument::fromJson(contentOf(file(run + '/' + name))).object();
+}
+
+QString SeriesRun::state(const QString& run) const
+{
+    return json(run, "state.json").value("state").toString();
+}
+
+QJsonArray SeriesRun::jobs(const QString& run) const
+{
+    return json(run, "results.json").value("jobs").toArray();
+}
+
+void waitUntil(const std::function<bool()>& holds)
+{
+    constexpr int minute = 60000;
+    constexpr int pauseUs = 5000;
+    QElapsedTimer time;
+    time.start();
+    while (!holds()) {
+        if (time.elapsed() > minute)
+            qFatal("nothing came of it within a minute");
+        ::usleep(pauseUs);
+    }
+}
+
+} // namespace test
