@@ -195,7 +195,7 @@ void TestRun::tellsAllReasonsTogether()
     const QStringList reasons = reasonsOf(series, "run");
     QCOMPARE(reasons.size(), count / 2);
     for (int i = 0; i < count; ++i) {
-        const QStringList told = reasons.filter(QStringLiteral("taken%1\"").arg(i));
+        const QStringList told = reasons.filter(QStringLiteral("taken%1' is there").arg(i));
         QCOMPARE(told.size(), i % 2 == 0 ? 1 : 0);
         if (!told.isEmpty())
             QVERIFY(told.first().contains("mytest.dpc:1: "));
