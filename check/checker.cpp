@@ -52,12 +52,17 @@ std::vector<Finding> checkSeries(const SeriesFacts& facts, const CheckOptions& o
         return findings.takeSorted();
     checkLines(facts, findings);
     checkNumbers(facts, findings);
-    checkPaths(facts, options, findings);
-    checkSources(facts, options, findings);
+    const FileUses uses(facts, options.hosts, options.environment);
+    checkPaths(facts, findings);
+    checkFolders(facts, uses, findings);
+    checkSources(facts, uses, findings);
+    checkOverwrites(facts, uses, findings);
+    checkRoles(facts, uses, findings);
     checkFiles(facts, findings);
     checkMarkers(facts, findings);
     checkInit(facts, findings);
-    checkMachines(facts, options, findings);
+    checkMachines(facts, uses, findings);
+    checkSpace(facts, uses, options.environment, findings);
     return findings.takeSorted();
 }
 

@@ -82,13 +82,13 @@ FileUses::FileUses(const SeriesFacts& facts, const QStringList& hosts,
 
 void FileUses::takeMachines(const QStringList& hosts)
 {
-    m_areMachinesGiven = !hosts.isEmpty();
+    m_givenMachines = hosts.size();
     for (const QString& host : hosts)
         m_machines.push_back({host, latin1(computerNameFrom(host.toLatin1().constData()))});
     const QByteArray own = latin1(*m_here.computerName);
     if (hosts.isEmpty())
         m_machines.push_back({QString::fromLatin1(own), own});
-    m_isThisMachine = m_machines.size() == 1 && m_machines.front().name == own;
+    m_isThisMachine = m_machines.size() == 1 && m_machines.front().inPath == own;
 }
 
 void FileUses::addUses(int line, TaskPath role)
@@ -110,7 +110,7 @@ void FileUses::addUses(int line, TaskPath role)
 int FileUses::nameFor(const LineFact& line, const QByteArray& path, int iteration)
 {
     UsedName name;
-    const QByteArray full = isRelative(path) ? configPathVariable + path : path;
+    const QByteArray full = isRelative(path) ? QByteArray(configPathVariable) + '/' + path : path;
     name.text = m_expander.initName(line, full, iteration).toLatin1();
     // What is cut differs from machine to machine, and ".." can't be followed past a variable.
     name.mustExpandAnew = path.contains("..") ||
@@ -149,10 +149,10 @@ const FileUse& FileUses::firstUseOf(const UsedName& name) const
 QByteArray FileUses::pathOn(const FileUse& use, int machine) const
 {
     const UsedName& name = nameOf(use);
-    const Machine& on = m_machines[size_t(std::max(machine, 0))];
+    const MachineName& on = m_machines[size_t(std::max(machine, 0))];
     if (name.mustExpandAnew) {
         MachineValues values = m_here;
-        values.computerName = _kvString<500>(on.name.constData());
+        values.computerName = _kvString<500>(on.inPath.constData());
         values.date = dateVariable;
         const LineFact& line = m_facts.lines[size_t(use.line)];
         return NameExpander(m_facts, values)
@@ -161,7 +161,7 @@ QByteArray FileUses::pathOn(const FileUse& use, int machine) const
     }
     QByteArray path = name.text;
     if (name.byHost)
-        path.replace(hostVariable, on.name);
+        path.replace(hostVariable, on.inPath);
     replaceConfigPath(path, m_runFolder);
     if (name.byTemp)
         path.replace(tempVariable, m_temp);

@@ -13,11 +13,11 @@
 // Who uses which file: one table for all rules, made once from the facts of a series. It has an
 // entry for each name that a path stands for, and grows with their number, not with their pairs.
 
-/// A machine that runs the series.
-struct Machine
+/// What a machine that runs the series is called.
+struct MachineName
 {
-    QString host;    ///< as the user names it
-    QByteArray name; ///< the value of "[host]", Latin-1
+    QString host;      ///< as the user names it
+    QByteArray inPath; ///< the value of "[host]", Latin-1
 };
 
 /// In place of a machine: the same on all of them.
@@ -85,11 +85,11 @@ public:
     FileUses(const SeriesFacts& facts, const QStringList& hosts, const Environment& environment,
              const MachineValues& here = thisMachine());
 
-    /// The machines that are looked at: those of the user, fewer if the series has very many names,
-    /// or this one.
-    const std::vector<Machine>& machines() const { return m_machines; }
-    /// True if the user named the machines.
-    bool areMachinesGiven() const { return m_areMachinesGiven; }
+    /// The machines that are looked at: those of the user (of more than 300,000 names that hold
+    /// [host] only the first machines), or this one.
+    const std::vector<MachineName>& machines() const { return m_machines; }
+    /// How many machines the user named, 0 if none.
+    int givenMachines() const { return m_givenMachines; }
 
     /// How many names a path of a line stands for; 0 for memory and in lines that are no task.
     int useCount(int line, TaskPath role) const;
@@ -141,8 +141,8 @@ private:
     QByteArray m_runFolder;
     QByteArray m_runFolderKey; ///< with "/" at the end
     QByteArray m_temp;
-    std::vector<Machine> m_machines;
-    bool m_areMachinesGiven = false;
+    std::vector<MachineName> m_machines;
+    int m_givenMachines = 0;
     bool m_isThisMachine = true; ///< the only one
 
     std::vector<FileUse> m_uses;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "check/checkoptions.h"
+#include "check/fileuses.h"
 #include "check/findings.h"
 #include "check/seriesfacts.h"
 
@@ -9,11 +10,15 @@
 RuleList lineRules();
 RuleList numberRules();
 RuleList pathRules();
+RuleList folderRules();
 RuleList sourceRules();
+RuleList overwriteRules();
+RuleList roleRules();
 RuleList fileRules();
 RuleList markerRules();
 RuleList initRules();
 RuleList machineRules();
+RuleList spaceRules();
 
 /// True if the name has characters outside Latin-1; nothing else can be checked then.
 bool checkFolderLetters(const SeriesFacts& facts, Findings& findings);
@@ -21,10 +26,16 @@ bool checkFolderLetters(const SeriesFacts& facts, Findings& findings);
 void checkLines(const SeriesFacts& facts, Findings& findings);
 /// The rules about numbers and settings of tasks.
 void checkNumbers(const SeriesFacts& facts, Findings& findings);
-/// The rules about a path by itself: its variables, its form, its folder.
-void checkPaths(const SeriesFacts& facts, const CheckOptions& options, Findings& findings);
+/// The rules about a path by itself: its variables and its form.
+void checkPaths(const SeriesFacts& facts, Findings& findings);
+/// The rules about folders where files are needed, and the other way round.
+void checkFolders(const SeriesFacts& facts, const FileUses& uses, Findings& findings);
 /// The rules about who makes what a task reads.
-void checkSources(const SeriesFacts& facts, const CheckOptions& options, Findings& findings);
+void checkSources(const SeriesFacts& facts, const FileUses& uses, Findings& findings);
+/// The rules about bytes that are lost.
+void checkOverwrites(const SeriesFacts& facts, const FileUses& uses, Findings& findings);
+/// The rules about files that are several things at once.
+void checkRoles(const SeriesFacts& facts, const FileUses& uses, Findings& findings);
 /// The rules about which files there are, and which are read.
 void checkFiles(const SeriesFacts& facts, Findings& findings);
 /// The rules about the markers that lead from file to file.
@@ -32,7 +43,10 @@ void checkMarkers(const SeriesFacts& facts, Findings& findings);
 /// The rules about the "_init" file.
 void checkInit(const SeriesFacts& facts, Findings& findings);
 /// The rules about what goes wrong only because several machines run the series.
-void checkMachines(const SeriesFacts& facts, const CheckOptions& options, Findings& findings);
+void checkMachines(const SeriesFacts& facts, const FileUses& uses, Findings& findings);
+/// The rules about space on the disks.
+void checkSpace(const SeriesFacts& facts, const FileUses& uses, const Environment& environment,
+                Findings& findings);
 
 /// The config files of no series among those of a folder; paths as the user spells them.
 std::vector<Finding> checkNotLoaded(const QStringList& files, const CheckOptions& options);

@@ -1,42 +1,24 @@
-#include "check/nameexpander.h"
 #include "check/rules/exampletasks.h"
 #include "check/rules/families.h"
+#include "check/rules/usetexts.h"
 #include "check/text.h"
-#include "shared/kvpath.h"
-#include "shared/kvtext.h"
 
-#include <QHash>
 #include <QSet>
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <map>
 
 // What goes wrong only because several machines run the series.
 
 namespace {
-
-QString computerName(const QString& host)
-{
-    return kvToQString(computerNameFrom(host.toLatin1().constData()));
-}
-
-std::string listed(const QStringList& hosts)
-{
-    constexpr int mostShown = 3;
-    std::string text = printable(QStringList(hosts.mid(0, mostShown)).join(QStringLiteral(", ")));
-    if (hosts.size() > mostShown)
-        text += fmt::format(" and {} more", hosts.size() - mostShown);
-    return text;
-}
 
 constexpr Rule sharedOutput = {
     "shared-output",
     Severity::Error,
     "machines",
     "Several machines write the same destination.",
-    "Put [host] into the name.",
+    "Put [host] into the name, with something between it and other variables.",
     onMachines(
         "pc01,pc02",
         oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/out.dat; "
@@ -71,181 +53,116 @@ constexpr Rule maybeShared = {
             "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "/mnt/nas/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"))};
 
-/// Two machines that resolve to the same file.
+/// The machines that write a file.
+struct Writers
+{
+    std::vector<int> some;
+    bool areAll = false;
+
+    bool areSeveral() const { return areAll || some.size() > 1; }
+};
+
+/// Files that more than one machine writes.
 class SharedFileRule
 {
 public:
-    SharedFileRule(const SeriesFacts& facts, const QStringList& hosts, Findings& findings)
-        : m_findings(findings)
-        , m_names(facts, noMachine())
-        , m_hosts(hosts)
-    {
-        QHash<QString, QStringList> byName;
-        for (const QString& host : hosts)
-            byName[computerName(host)] += host;
-        for (const QString& host : hosts) {
-            const QStringList& same = byName[computerName(host)];
-            if (same.size() > 1 && m_sameName.isEmpty())
-                m_sameName = same;
-        }
-    }
-
-    void check(const LineFact& line, TaskPath which)
-    {
-        const QByteArray path = line.path(which);
-        if (path.isEmpty())
-            return;
-        const QString name = m_names.resolve(line, path);
-        const QStringList& hosts = name.contains(QLatin1String("[host]")) ? m_sameName : m_hosts;
-        if (hosts.size() < 2 || name.startsWith(QLatin1String("[temp]")) || m_said.contains(name))
-            return;
-        m_said.insert(name);
-        const bool shared = path.startsWith("[cfgPath]") || isRelative(path);
-        const Rule& rule = !shared ? maybeShared : which == DestPath ? sharedOutput : sharedResults;
-        m_findings.add(
-            rule, line, line.columnOf(which),
-            fmt::format("{} all write {}{}", listed(hosts), quoted(path),
-                        shared ? "" : ", which is one file where its folder is a share"));
-    }
-
-private:
-    static bool isRelative(const QByteArray& path)
-    {
-        _kvString8_allSize<500> text;
-        text.add(path.constData(), path.size());
-        return isRelativePath(text);
-    }
-
-    Findings& m_findings;
-    NameExpander m_names;
-    QStringList m_hosts;
-    QStringList m_sameName; ///< machines that have the same name in files
-    QSet<QString> m_said;
-};
-
-constexpr Rule diskSpace = {
-    "disk-space",
-    Severity::Warning,
-    "machines",
-    "A file system has less space than the series needs, as far as this machine can tell.",
-    "Use smaller files or fewer machines, or make space.",
-    onMachines("pc01,pc02", withSpace(150, oneFile(plainTask))),
-    onMachines("pc01,pc02", withSpace(200, oneFile(plainTask)))};
-
-/// What the series takes of one file system.
-struct Demand
-{
-    double bytes = 0;
-    qint64 free = 0;
-    QString place;
-    const LineFact* firstLine = nullptr;
-};
-
-class SpaceRule
-{
-public:
-    SpaceRule(const SeriesFacts& facts, const CheckOptions& options)
-        : m_iterationLimit(facts.iterationLimit)
-        , m_options(options)
-        , m_anyMachine(facts, noMachine())
-        , m_here(facts, thisMachine())
+    SharedFileRule(const SeriesFacts& facts, const FileUses& uses, Findings& findings)
+        : m_facts(facts)
+        , m_uses(uses)
+        , m_findings(findings)
+        , m_isChecked(uses.files().size(), false)
     {}
 
-    void add(const LineFact& line, TaskPath which)
+    /// Once for each file, and once for all iterations.
+    void check(int line, TaskPath role)
     {
-        const QByteArray path = line.path(which);
-        if (path.isEmpty() || line.used.fileSize <= 0)
-            return;
-        const int iterations = std::min(iterationsOf(line, path), m_iterationLimit);
-        for (int i = 0; i < iterations; ++i)
-            addFile(line, path, i, which);
-    }
-
-    void report(Findings& findings) const
-    {
-        for (const auto& [fileSystem, demand] : m_demands) {
-            if (demand.bytes > static_cast<double>(demand.free))
-                findings.add(diskSpace, *demand.firstLine, 1, text(demand));
+        bool isSaid = false;
+        for (int i = 0; i < m_uses.useCount(line, role); ++i) {
+            const FileUse& use = m_uses.use(line, role, i);
+            const int machines = m_uses.nameOf(use).byHost ? int(m_uses.machines().size()) : 1;
+            for (int machine = 0; machine < machines; ++machine) {
+                const int file = m_uses.fileOf(use, machine);
+                if (m_isChecked[size_t(file)])
+                    continue;
+                m_isChecked[size_t(file)] = true;
+                const Writers writers = writersOf(m_uses.files()[size_t(file)]);
+                if (writers.areSeveral() && !isSaid)
+                    say(use, m_uses.files()[size_t(file)], writers);
+                isSaid = isSaid || writers.areSeveral();
+            }
         }
     }
 
 private:
-    void addFile(const LineFact& line, const QByteArray& path, int iteration, TaskPath which)
+    /// Not one entry for each machine: there may be very many.
+    Writers writersOf(const UsedFile& file) const
     {
-        const QString name = m_anyMachine.resolve(line, path, iteration);
-        if (m_counted.contains(name))
-            return;
-        m_counted.insert(name);
-        const QString here = m_here.resolve(line, path, iteration);
-        if (m_options.environment.exists(here))
-            return;
-        const std::optional<DiskSpace> space = spaceFor(here);
-        if (!space)
-            return;
-        Demand& demand = m_demands[space->fileSystem];
-        demand.bytes += double(line.used.fileSize) * machinesThatWrite(name, which);
-        demand.free = space->free;
-        if (demand.firstLine == nullptr) {
-            demand.firstLine = &line;
-            demand.place = kvGetDirName(here, '/');
+        Writers writers;
+        for (const FileWay& way : file.ways) {
+            const auto& first = m_uses.names()[size_t(way.name)].firstUse;
+            // A folder is none that a task could write.
+            if (file.isLocal || file.path.namesFolder ||
+                (first[DestPath] < 0 && first[LogPath] < 0 && first[CsvPath] < 0))
+                continue;
+            if (way.machine == allMachines)
+                writers.areAll = true;
+            else
+                writers.some.push_back(way.machine);
         }
+        std::sort(writers.some.begin(), writers.some.end());
+        writers.some.erase(std::unique(writers.some.begin(), writers.some.end()),
+                           writers.some.end());
+        return writers;
     }
 
-    /// A source is made once, what is below "[temp]" lies on each machine itself.
-    int machinesThatWrite(const QString& name, TaskPath which) const
+    std::string listed(const Writers& writers) const
     {
-        const bool eachItsOwn = which == DestPath && name.contains(QLatin1String("[host]")) &&
-                                !name.startsWith(QLatin1String("[temp]"));
-        return eachItsOwn ? std::max(m_options.hosts.size(), 1) : 1;
+        if (!writers.areAll)
+            return listedMachines(m_uses, writers.some, int(writers.some.size()));
+        std::vector<int> first;
+        for (int machine = 0; machine < std::min(3, int(m_uses.machines().size())); ++machine)
+            first.push_back(machine);
+        return listedMachines(m_uses, first, m_uses.givenMachines());
     }
 
-    std::optional<DiskSpace> spaceFor(const QString& path)
+    void say(const FileUse& use, const UsedFile& file, const Writers& writers)
     {
-        const QString folder = kvGetDirName(path, '/');
-        const auto known = m_spaces.constFind(folder);
-        if (known != m_spaces.cend())
-            return *known;
-        return *m_spaces.insert(folder, m_options.environment.space(folder));
+        const LineFact& line = m_facts.lines[size_t(use.line)];
+        const QByteArray path = line.path(use.role);
+        const Rule& rule = !file.isShared         ? maybeShared
+                           : use.role == DestPath ? sharedOutput
+                                                  : sharedResults;
+        const char* advice = path.contains("[host]")
+                                 ? "the names come out the same; give the machines different "
+                                   "names, or put something between the variables"
+                                 : "put [host] into the name";
+        m_findings.add(
+            rule, line, line.columnOf(use.role),
+            fmt::format("{} all write {}{}; {}", listed(writers), quoted(path),
+                        file.isShared ? "" : ", which is one file if its folder is a share",
+                        advice));
     }
 
-    std::string text(const Demand& demand) const
-    {
-        constexpr double mib = 1024.0 * 1024.0;
-        return fmt::format(
-            "the series needs {:.0f} MiB on the file system of {}, where {:.0f} MiB are free "
-            "(counting "
-            "{}, files that exist as overwritten in place, and [temp] of this machine only)",
-            demand.bytes / mib, quoted(demand.place), double(demand.free) / mib,
-            counted(std::max(m_options.hosts.size(), 1), "machine"));
-    }
-
-    int m_iterationLimit;
-    const CheckOptions& m_options;
-    NameExpander m_anyMachine;
-    NameExpander m_here;
-    QSet<QString> m_counted;
-    QHash<QString, std::optional<DiskSpace>> m_spaces;
-    std::map<quint64, Demand> m_demands;
+    const SeriesFacts& m_facts;
+    const FileUses& m_uses;
+    Findings& m_findings;
+    std::vector<bool> m_isChecked;
 };
 
 } // namespace
 
-void checkMachines(const SeriesFacts& facts, const CheckOptions& options, Findings& findings)
+void checkMachines(const SeriesFacts& facts, const FileUses& uses, Findings& findings)
 {
-    SharedFileRule shared(facts, options.hosts, findings);
-    SpaceRule space(facts, options);
-    for (const LineFact& line : facts.lines) {
-        if (!isTask(line))
-            continue;
-        for (const TaskPath which : {DestPath, LogPath, CsvPath})
-            shared.check(line, which);
-        space.add(line, SourcePath);
-        space.add(line, DestPath);
+    if (uses.machines().size() < 2)
+        return;
+    SharedFileRule shared(facts, uses, findings);
+    for (int line = 0; line < int(facts.lines.size()); ++line) {
+        for (const TaskPath role : {DestPath, LogPath, CsvPath})
+            shared.check(line, role);
     }
-    space.report(findings);
 }
 
 RuleList machineRules()
 {
-    return {&sharedOutput, &sharedResults, &maybeShared, &diskSpace};
+    return {&sharedOutput, &sharedResults, &maybeShared};
 }

@@ -5,8 +5,6 @@
 #include "check/text.h"
 #include "shared/kvpath.h"
 
-#include <QSet>
-
 #include <fmt/format.h>
 
 // What is wrong with a path by itself: its variables, its form, its folder.
@@ -101,16 +99,6 @@ constexpr Rule emptyLog = {
             "[cfgPath]/out_[host].dat;  ;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
 
-constexpr Rule logIsFolder = {
-    "log-is-folder",
-    Severity::Warning,
-    "paths",
-    "The log or .csv field names a folder: an empty field does after a load and a save.",
-    "Name a file.",
-    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
-            "[cfgPath]/out_[host].dat;  [cfgPath]/;  [cfgPath]/[host].csv;  true;\n"),
-    oneFile(plainTask)};
-
 void checkLogs(const SeriesFacts& facts, const LineFact& line, Findings& findings)
 {
     for (const TaskPath which : {LogPath, CsvPath}) {
@@ -122,9 +110,6 @@ void checkLogs(const SeriesFacts& facts, const LineFact& line, Findings& finding
                 emptyLog, line, line.columnOf(which),
                 fmt::format("{} is empty: a load turns it into the folder of the config file",
                             name));
-        else if (path.endsWith('/'))
-            findings.add(logIsFolder, line, line.columnOf(which),
-                         fmt::format("{} {} is a folder, not a file", name, quoted(path)));
     }
 }
 
@@ -178,95 +163,6 @@ void checkMarkerPath(const SeriesFacts& facts, const LineFact& line, Findings& f
                                  quoted(line.text), quoted("[cfgPath]/" + line.text)));
 }
 
-/// A path of another system can't be looked for on this one.
-bool isForeign(const QByteArray& path)
-{
-    return path.startsWith('\\') || (path.size() > 1 && path[1] == ':');
-}
-
-QString folderOf(const QString& path)
-{
-    return kvGetDirName(path, '/');
-}
-
-constexpr Rule destFolder = {
-    "dest-folder",
-    Severity::Warning,
-    "paths",
-    "The folder of the destination does not exist, and the _init file does not make it.",
-    "Make the folder, or correct the name.",
-    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  /data/out/[host].dat;  "
-            "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
-    withExisting(
-        "/data/out/", 0,
-        oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
-                "/data/out/[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"))};
-
-constexpr Rule destFolderLocal = {
-    "dest-folder-local",
-    Severity::Note,
-    "paths",
-    "The folder of the destination must be there on each machine; the _init file makes folders "
-    "below [cfgPath] only.",
-    "Make the folder on each machine, or write into [temp] itself.",
-    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
-            "[temp]/[cfgName]/out.dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
-    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [temp]/out.dat;  "
-            "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
-
-/// Says of each destination folder once that nothing makes it.
-class FolderRule
-{
-public:
-    FolderRule(const SeriesFacts& facts, const CheckOptions& options, Findings& findings)
-        : m_options(options)
-        , m_findings(findings)
-        , m_anyMachine(facts, noMachine())
-        , m_here(facts, thisMachine())
-    {
-        for (auto it = facts.init.cbegin(); it != facts.init.cend(); ++it)
-            m_made.insert(folderOf(QString::fromLatin1(it.key())));
-    }
-
-    void check(const LineFact& line)
-    {
-        const QByteArray dest = line.path(DestPath);
-        // Below the config file's folder, the "_init" file is asked as a whole.
-        if (dest.isEmpty() || dest.startsWith("[cfgPath]") || isForeign(dest))
-            return;
-        const QString folder = folderOf(m_anyMachine.resolve(line, dest));
-        if (m_checked.contains(folder))
-            return;
-        m_checked.insert(folder);
-        if (dependsOnMachine(folder) && !folder.contains(QLatin1String("[date]")))
-            checkLocal(line, folder);
-        else if (!m_made.contains(folderOf(m_here.initName(line, dest))) &&
-                 !m_options.environment.exists(folderOf(m_here.resolve(line, dest))))
-            m_findings.add(
-                destFolder, line, line.columnOf(DestPath),
-                fmt::format("the folder {} does not exist, and nothing makes it", quoted(folder)));
-    }
-
-private:
-    void checkLocal(const LineFact& line, const QString& folder)
-    {
-        if (folder == QLatin1String("[temp]/"))
-            return;
-        m_findings.add(
-            destFolderLocal, line, line.columnOf(DestPath),
-            fmt::format("the folder {} must be there on each machine: the _init file does "
-                        "not make it",
-                        quoted(folder)));
-    }
-
-    const CheckOptions& m_options;
-    Findings& m_findings;
-    NameExpander m_anyMachine;
-    NameExpander m_here;
-    QSet<QString> m_made;
-    QSet<QString> m_checked;
-};
-
 constexpr Rule noPaths = {"no-paths",
                           Severity::Error,
                           "paths",
@@ -292,22 +188,19 @@ void checkTask(const SeriesFacts& facts, const LineFact& line, NameExpander& nam
 
 } // namespace
 
-void checkPaths(const SeriesFacts& facts, const CheckOptions& options, Findings& findings)
+void checkPaths(const SeriesFacts& facts, Findings& findings)
 {
     NameExpander names(facts, thisMachine());
-    FolderRule folders(facts, options, findings);
     for (const LineFact& line : facts.lines) {
         if (isMarker(line))
             checkMarkerPath(facts, line, findings);
         if (!isTask(line))
             continue;
         checkTask(facts, line, names, findings);
-        folders.check(line);
     }
 }
 
 RuleList pathRules()
 {
-    return {&longPath,        &noPaths,      &emptyLog,   &logIsFolder,
-            &unknownVariable, &relativePath, &destFolder, &destFolderLocal};
+    return {&longPath, &noPaths, &emptyLog, &unknownVariable, &relativePath};
 }

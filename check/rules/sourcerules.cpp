@@ -1,11 +1,11 @@
-#include "check/nameexpander.h"
 #include "check/rules/exampletasks.h"
 #include "check/rules/families.h"
+#include "check/rules/usetexts.h"
 #include "check/text.h"
 
-#include <QHash>
-
 #include <fmt/format.h>
+
+#include <algorithm>
 
 // Which task reads what another task, the "_init" file or nobody makes.
 
@@ -15,12 +15,39 @@ constexpr Rule sameFile = {
     "same-file",
     Severity::Error,
     "paths",
-    "Source and destination are the same file.",
+    "Source and destination are the same file, in any iteration, on any machine.",
     "Name another destination.",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  /data/a.dat;  /data/./a.dat;  "
             "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  /data/a.dat;  /data/b.dat;  "
             "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
+
+/// Once for each task: the first iteration and machine that has it.
+void checkSameFile(const SeriesFacts& facts, const FileUses& uses, int line, Findings& findings)
+{
+    const int sources = uses.useCount(line, SourcePath);
+    const int dests = uses.useCount(line, DestPath);
+    if (sources == 0 || dests == 0)
+        return;
+    for (int iteration = 0; iteration < std::max(sources, dests); ++iteration) {
+        const FileUse& source = uses.use(line, SourcePath, iteration);
+        const FileUse& dest = uses.use(line, DestPath, iteration);
+        const bool byHost = uses.nameOf(source).byHost || uses.nameOf(dest).byHost;
+        for (int machine = 0; machine < (byHost ? int(uses.machines().size()) : 1); ++machine) {
+            if (uses.fileOf(source, machine) != uses.fileOf(dest, machine))
+                continue;
+            const LineFact& fact = facts.lines[size_t(line)];
+            std::string when = iteration > 0 ? fmt::format(" in iteration {}", iteration) : "";
+            if (machine > 0)
+                when += " on " + printable(uses.machines()[size_t(machine)].host);
+            findings.add(sameFile, fact, fact.columnOf(DestPath),
+                         fmt::format("destination and source are the same file {}{}: the task "
+                                     "destroys what it reads; name another destination",
+                                     quoted(uses.nameOf(dest).text), when));
+            return;
+        }
+    }
+}
 
 constexpr Rule sourceMissing = {
     "source-missing",
@@ -38,7 +65,7 @@ constexpr Rule sourceDate = {
     "source-date",
     Severity::Error,
     "paths",
-    "[date] in a source is another name at every run: no existing file can match it.",
+    "[date] in a source is another name every second: no file that was made before can match it.",
     "Leave [date] out of the source.",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/src_[date].dat;  "
             "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
@@ -56,7 +83,7 @@ constexpr Rule sourceLocal = {
     "paths",
     "The source is another file on each machine; the _init file makes only the one of the machine "
     "that saved the series.",
-    "Name a source below [cfgPath], or write it with an earlier task.",
+    "Name a source below [cfgPath], write it with an earlier task, or make it on each machine.",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [temp]/src.dat;  MEMORY;  "
             "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [temp]/src.dat;  "
@@ -64,173 +91,253 @@ constexpr Rule sourceLocal = {
             "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [temp]/src.dat;  MEMORY;  "
             "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
 
-constexpr Rule overwritesSource = {
-    "overwrites-source",
-    Severity::Warning,
-    "paths",
-    "The destination overwrites a source that a later task reads and that is there already.",
-    "Name another destination.",
-    withExisting("/data/a.dat", 102400,
-                 oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
-                         "/data/a.dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"
-                         "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  /data/a.dat;  "
-                         "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")),
-    withExisting("/data/a.dat", 102400,
-                 oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
-                         "/data/b.dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"
-                         "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  /data/a.dat;  "
-                         "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"))};
+/// Where a source comes from.
+enum class Origin
+{
+    Task,   ///< an earlier task writes it
+    Disk,   ///< it exists, or the "_init" file makes it
+    Unseen, ///< this system can't tell
+    Nobody
+};
 
-class SourceRule
+class SourceRules
 {
 public:
-    SourceRule(const SeriesFacts& facts, const CheckOptions& options, Findings& findings)
+    SourceRules(const SeriesFacts& facts, const FileUses& uses, Findings& findings)
         : m_facts(facts)
-        , m_options(options)
+        , m_uses(uses)
         , m_findings(findings)
-        , m_anyMachine(facts, noMachine())
-        , m_here(facts, thisMachine())
+        , m_expander(facts, thisMachine())
     {}
 
-    void check(const LineFact& line)
+    /// One finding for each task is enough.
+    void check(int line)
     {
-        const QByteArray source = line.path(SourcePath);
-        const QByteArray dest = line.path(DestPath);
-        const int sources = std::min(iterationsOf(line, source), m_facts.iterationLimit);
-        for (int i = 0; i < sources && !source.isEmpty(); ++i) {
-            if (!checkSource(line, source, i))
-                break;
+        for (int i = 0; i < m_uses.useCount(line, SourcePath); ++i) {
+            if (!isGood(m_uses.use(line, SourcePath, i)))
+                return;
         }
-        const int dests = std::min(iterationsOf(line, dest), m_facts.iterationLimit);
-        for (int i = 0; i < dests && !dest.isEmpty(); ++i)
-            noteDest(line, source, dest, i);
     }
 
 private:
-    /// False where it found something: one finding per task is enough.
-    bool checkSource(const LineFact& line, const QByteArray& source, int iteration)
+    bool isGood(const FileUse& source)
     {
-        const QString name = m_anyMachine.resolve(line, source, iteration);
-        const auto writer = m_writers.constFind(name);
-        if (writer != m_writers.cend())
-            return !overwrites(*writer.value(), line, source, iteration);
-        if (name.contains(QLatin1String("[date]"))) {
-            m_findings.add(
-                sourceDate, line, line.columnOf(SourcePath),
-                "[date] gives the source another name at every run: nothing made it before");
-            return false;
+        const UsedName& name = m_uses.nameOf(source);
+        if (name.byDate)
+            return sayDated(source);
+        const bool isLocal = name.byHost || name.byTemp;
+        if (isLocal && m_uses.givenMachines() == 0)
+            return originOf(source, 0) == Origin::Task || sayLocal(source, {});
+        std::vector<int> lacking;
+        for (int machine = 0; machine < int(m_uses.machines().size()); ++machine) {
+            const Origin origin = originOf(source, machine);
+            if (origin == Origin::Nobody || (origin == Origin::Unseen && name.byTemp))
+                lacking.push_back(machine);
+            if (!isLocal)
+                break;
         }
-        if (dependsOnMachine(name)) {
-            m_findings.add(
-                sourceLocal, line, line.columnOf(SourcePath),
-                fmt::format("{} is another file on each machine: the _init file makes it on "
-                            "one only",
-                            quoted(source)));
-            return false;
-        }
-        return isThere(line, source, iteration) || !sayMissing(line, source, iteration);
+        return lacking.empty() || (isLocal ? sayLocal(source, lacking) : sayMissing(source));
     }
 
-    /// By the "_init" file, or on the disk.
-    bool isThere(const LineFact& line, const QByteArray& source, int iteration)
+    Origin originOf(const FileUse& source, int machine) const
     {
-        const auto made =
-            m_facts.init.constFind(m_here.initName(line, source, iteration).toLatin1());
-        return (made != m_facts.init.cend() && made->isActive) ||
-               m_options.environment.exists(m_here.resolve(line, source, iteration));
+        const UsedFile& file = m_uses.file(source, machine);
+        if (isWrittenBefore(file, source))
+            return Origin::Task;
+        const bool isMade = file.init >= 0 && m_uses.init()[size_t(file.init)].entry.isActive;
+        // A folder in its place has a finding of its own.
+        if (isMade || file.exists() || file.path.namesFolder)
+            return file.path.kind == PathStatus::Kind::DeadLink && !isMade ? Origin::Nobody
+                                                                           : Origin::Disk;
+        return file.path.isSeen ? Origin::Nobody : Origin::Unseen;
     }
 
-    bool sayMissing(const LineFact& line, const QByteArray& source, int iteration)
+    bool isWrittenBefore(const UsedFile& file, const FileUse& source) const
     {
-        const QString name = m_here.initName(line, source, iteration);
+        for (const FileWay& way : file.ways) {
+            const int first = m_uses.names()[size_t(way.name)].firstUse[DestPath];
+            if (first < 0)
+                continue;
+            const FileUse& write = m_uses.uses()[size_t(first)];
+            if (write.line < source.line ||
+                (write.line == source.line && write.iteration < source.iteration))
+                return true;
+        }
+        return false;
+    }
+
+    bool sayDated(const FileUse& source)
+    {
+        const LineFact& line = lineOf(source);
+        m_findings.add(sourceDate, line, line.columnOf(SourcePath),
+                       fmt::format("[date] gives the source {} another name every second: nothing "
+                                   "that was made before has it; leave [date] out",
+                                   quoted(line.path(SourcePath))));
+        return false;
+    }
+
+    bool sayLocal(const FileUse& source, const std::vector<int>& lacking)
+    {
+        const LineFact& line = lineOf(source);
+        const std::string which =
+            lacking.empty() ? std::string()
+                            : fmt::format(", and not there on {}",
+                                          listedMachines(m_uses, lacking, int(lacking.size())));
+        m_findings.add(sourceLocal, line, line.columnOf(SourcePath),
+                       fmt::format("{} is another file on each machine{}: the _init file makes it "
+                                   "on one only; write it with an earlier task, or name a source "
+                                   "below [cfgPath]",
+                                   quoted(line.path(SourcePath)), which));
+        return false;
+    }
+
+    bool sayMissing(const FileUse& source)
+    {
+        const LineFact& line = lineOf(source);
         m_findings.add(sourceMissing, line, line.columnOf(SourcePath),
                        fmt::format("the source {} does not exist, and nothing makes it{}",
-                                   quoted(name), hint(line, source, iteration)));
-        return true;
+                                   quoted(m_uses.nameOf(source).text), hint(source)));
+        return false;
     }
 
-    std::string hint(const LineFact& line, const QByteArray& source, int iteration)
+    std::string hint(const FileUse& source)
     {
-        const auto made =
-            m_facts.init.constFind(m_here.initName(line, source, iteration).toLatin1());
-        if (made != m_facts.init.cend())
+        const UsedFile& file = m_uses.file(source, 0);
+        if (file.init >= 0)
             return fmt::format(
-                "; line {} of the _init file is commented out: save the series again", made->line);
-        const QString nameless = m_here.namelessInitName(line, source, iteration);
+                "; line {} of the _init file is commented out: save the series again",
+                m_uses.init()[size_t(file.init)].entry.line);
+        const LineFact& line = lineOf(source);
+        const QString nameless =
+            m_expander.namelessInitName(line, line.path(SourcePath), source.iteration);
         if (m_facts.init.contains(nameless.toLatin1()))
             return fmt::format("; the _init file makes {}: load and save the series once more",
                                quoted(nameless));
+        for (const FileWay& way : file.ways) {
+            const int first = m_uses.names()[size_t(way.name)].firstUse[DestPath];
+            if (first >= 0)
+                return fmt::format(" before {} writes it",
+                                   placeOf(m_facts, m_uses.uses()[size_t(first)].line));
+        }
         return {};
     }
 
-    bool overwrites(const LineFact& writer, const LineFact& reader, const QByteArray& source,
-                    int iteration)
+    const LineFact& lineOf(const FileUse& use) const { return m_facts.lines[size_t(use.line)]; }
+
+    const SeriesFacts& m_facts;
+    const FileUses& m_uses;
+    Findings& m_findings;
+    NameExpander m_expander;
+};
+
+constexpr Rule sourceSize = {
+    "source-size",
+    Severity::Warning,
+    "paths",
+    "Two tasks want the same source in two sizes: the _init file makes one of them only.",
+    "Give one of the tasks a source of its own; [cfgID] tells the config files apart.",
+    series(
+        {"mytest.dpc",
+         "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/src.dat;  MEMORY;  "
+         "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"
+         "Stream;NOflush;NOprealloc; 50; 1024; -1; 2048;1;0;  [cfgPath]/src.dat;  MEMORY;  "
+         "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
+        {"mytest_init.dpc",
+         "Stream;NOflush;NOprealloc;  0;    0; -1; 102400;1;0;  MEMORY;  [cfgPath]/src.dat;  ;  ;  "
+         "true;\n"
+         "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  [cfgPath]/dummyFile;  ;  ;  "
+         "true;\n"}),
+    oneFile(plainTask)};
+
+/// Only what the "_init" file makes: of any other file the size is a matter of the disk.
+class SourceSizes
+{
+public:
+    SourceSizes(const SeriesFacts& facts, const FileUses& uses, Findings& findings)
+        : m_facts(facts)
+        , m_uses(uses)
+        , m_findings(findings)
+        , m_firstReader(uses.files().size(), -1)
+        , m_isWritten(uses.files().size(), false)
+    {}
+
+    void check(int line)
     {
-        if (!isThere(reader, source, iteration))
+        bool isSaid = false;
+        for (int i = 0; i < m_uses.useCount(line, SourcePath); ++i)
+            isSaid = checkSource(line, m_uses.fileOf(m_uses.use(line, SourcePath, i), 0), isSaid);
+        for (int i = 0; i < m_uses.useCount(line, DestPath); ++i)
+            m_isWritten[size_t(m_uses.fileOf(m_uses.use(line, DestPath, i), 0))] = true;
+    }
+
+private:
+    bool isMadeByInit(const UsedFile& file) const
+    {
+        if (file.init < 0)
             return false;
-        m_findings.add(overwritesSource, writer, writer.columnOf(DestPath),
-                       fmt::format("the destination overwrites the source of {}:{}",
-                                   printable(m_facts.fileOf(reader).shown), reader.line));
+        const InitEntry& entry = m_uses.init()[size_t(file.init)].entry;
+        return file.exists() ? file.isFile() && file.path.size == entry.size : entry.isActive;
+    }
+
+    bool checkSource(int line, int place, bool isSaid)
+    {
+        const UsedFile& file = m_uses.files()[size_t(place)];
+        if (m_isWritten[size_t(place)] || !isMadeByInit(file))
+            return isSaid;
+        int& first = m_firstReader[size_t(place)];
+        if (first < 0)
+            first = line;
+        const LineFact& one = m_facts.lines[size_t(first)];
+        const LineFact& other = m_facts.lines[size_t(line)];
+        constexpr int sizeField = 7;
+        if (one.used.fileSize == other.used.fileSize || isSaid)
+            return isSaid;
+        m_findings.add(
+            sourceSize, other, other.columnOf(sizeField),
+            fmt::format("the source {} is wanted with {} KiB here and with {} KiB in {}: the _init "
+                        "file makes one of them only; give this task a source of its own",
+                        quoted(other.path(SourcePath)), other.used.fileSize / 1024,
+                        one.used.fileSize / 1024, placeOf(m_facts, first)));
         return true;
     }
 
-    void noteDest(const LineFact& line, const QByteArray& source, const QByteArray& dest,
-                  int iteration)
-    {
-        const QString name = m_anyMachine.resolve(line, dest, iteration);
-        if (iteration == 0 && !source.isEmpty() && name == m_anyMachine.resolve(line, source, 0))
-            m_findings.add(
-                sameFile, line, line.columnOf(DestPath),
-                fmt::format("destination and source are the same file {}", quoted(name)));
-        if (!m_writers.contains(name))
-            m_writers.insert(name, &line);
-    }
-
     const SeriesFacts& m_facts;
-    const CheckOptions& m_options;
+    const FileUses& m_uses;
     Findings& m_findings;
-    NameExpander m_anyMachine;
-    NameExpander m_here;
-    QHash<QString, const LineFact*> m_writers; ///< the first task that writes a file
+    std::vector<int> m_firstReader; ///< of each file, its line
+    std::vector<bool> m_isWritten;
 };
 
 constexpr Rule manyIterations = {
     "many-iterations",
-    Severity::Warning,
+    Severity::Note,
     "paths",
     "The tasks have so many iterations in all that their file names are not checked one by one.",
-    "Use fewer iterations, or check the names of the later iterations yourself.",
-    oneFile(
-        "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;2000000000;0;  MEMORY;  "
-        "[cfgPath]/out_[host]_[iter].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
-    oneFile(
-        "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;100;0;  MEMORY;  "
-        "[cfgPath]/out_[host]_[iter].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
-
-void checkIterations(const SeriesFacts& facts, Findings& findings)
-{
-    if (facts.iterationLimit == 1)
-        findings.add(
-            manyIterations, 0, 1, 1,
-            fmt::format("the tasks stand for {} file names: only those of the first iteration "
-                        "are checked",
-                        facts.nameCount));
-}
+    "Lower the number of iterations, if it is a mistake.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;2000000000;0;  MEMORY;  "
+            "[cfgPath]/out_[host]_[iter].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  "
+            "true;\n"),
+    oneFile(plainTask)};
 
 } // namespace
 
-void checkSources(const SeriesFacts& facts, const CheckOptions& options, Findings& findings)
+void checkSources(const SeriesFacts& facts, const FileUses& uses, Findings& findings)
 {
-    SourceRule rule(facts, options, findings);
-    checkIterations(facts, findings);
-    for (const LineFact& line : facts.lines) {
-        if (isTask(line))
-            rule.check(line);
+    if (facts.iterationLimit == 1)
+        findings.add(manyIterations, 0, 1, 1,
+                     fmt::format("the tasks stand for {} file names: only those of the first "
+                                 "iteration are checked",
+                                 facts.nameCount));
+    SourceRules sources(facts, uses, findings);
+    SourceSizes sizes(facts, uses, findings);
+    for (int line = 0; line < int(facts.lines.size()); ++line) {
+        checkSameFile(facts, uses, line, findings);
+        sources.check(line);
+        sizes.check(line);
     }
 }
 
 RuleList sourceRules()
 {
-    return {&sameFile,    &sourceMissing,    &sourceDate,
-            &sourceLocal, &overwritesSource, &manyIterations};
+    return {&sameFile, &sourceMissing, &sourceDate, &sourceLocal, &sourceSize, &manyIterations};
 }

@@ -22,6 +22,7 @@ public:
     {
         if (!m_folder.isValid() || !QDir(m_root).mkdir("_wait"))
             qFatal("can't make a folder for the test");
+        setExisting(m_root + "_wait/");
         m_options.environment.look = [this](const QString& path) { return look(path); };
         m_options.environment.space = [](const QString&) {
             return std::optional<DiskSpace>({1, qint64(1) << 60});
@@ -33,8 +34,15 @@ public:
 
     void put(const QString& name, const QByteArray& content) { test::put(m_root + name, content); }
 
-    /// A file that rules find on the disk.
-    void setExisting(const QString& path, qint64 size = 0) { m_existing.insert(path, size); }
+    /// A file that rules find on the disk, or a folder if it ends in "/"; the folders above it are
+    /// there as well.
+    void setExisting(const QString& path, qint64 size = 0)
+    {
+        if (!path.endsWith('/'))
+            m_existing.insert(path, size);
+        for (int end = 0; end >= 0; end = path.indexOf('/', end + 1))
+            m_folders.insert(path.left(end));
+    }
 
     /// As the editor saves a list.
     void save(TaskList tasks, const char* baseName = "a")
@@ -90,19 +98,24 @@ private:
     PathStatus look(const QString& path) const
     {
         PathStatus status;
-        if (m_existing.contains(path)) {
-            const bool isFolder = path.endsWith('/');
-            status.kind = isFolder ? PathStatus::Kind::Folder : PathStatus::Kind::File;
-            status.isReadable = status.isWritable = true;
-            status.size = m_existing.value(path);
-            status.canonical = path;
-        }
+        const QString name = path.endsWith('/') ? path.chopped(1) : path;
+        const auto file = m_existing.constFind(name);
+        if (file != m_existing.cend())
+            status.kind = PathStatus::Kind::File;
+        else if (m_folders.contains(name))
+            status.kind = PathStatus::Kind::Folder;
+        else
+            return status;
+        status.isReadable = status.isWritable = true;
+        status.size = file != m_existing.cend() ? *file : 0;
+        status.canonical = name.isEmpty() ? "/" : name;
         return status;
     }
 
     QTemporaryDir m_folder;
     QString m_root;
     QHash<QString, qint64> m_existing; ///< path and size
+    QSet<QString> m_folders;
     CheckOptions m_options;
 };
 

@@ -114,7 +114,7 @@ private slots:
         QCOMPARE(uses.nameOf(uses.use(0, DestPath, 2)).text, QByteArray("/d/2"));
         // The same in all iterations.
         QCOMPARE(uses.use(0, SourcePath, 2).iteration, 0);
-        QCOMPARE(uses.nameOf(uses.use(1, DestPath, 0)).text, QByteArray("[cfgPath]x"));
+        QCOMPARE(uses.nameOf(uses.use(1, DestPath, 0)).text, QByteArray("[cfgPath]/x"));
         QCOMPARE(uses.pathOn(uses.use(1, DestPath, 0), 0), m_fixture->root() + "x");
         QCOMPARE(uses.uses().size(), size_t(5));
     }
@@ -259,7 +259,7 @@ private slots:
         QVERIFY(uses.fileOf(use, 0) != uses.fileOf(use, 1));
         QCOMPARE(uses.file(use, 0).ways.size(), size_t(2));
         QCOMPARE(uses.machines()[2].host, QString("pc1.south"));
-        QCOMPARE(uses.machines()[2].name, QByteArray("pc1"));
+        QCOMPARE(uses.machines()[2].inPath, QByteArray("pc1"));
     }
 
     void filesThatAllMachinesSee()

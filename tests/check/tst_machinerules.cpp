@@ -45,8 +45,9 @@ private slots:
         const QByteArray line = goodLine({{11, "[cfgPath]/[host]"}});
         m_series->options().hosts = QStringList{"pc1.north", "pc2", "pc1.south"};
         QCOMPARE(m_series->hits("shared-output", line), 1);
-        QCOMPARE(m_series->text("shared-output"),
-                 QString("pc1.north, pc1.south all write '[cfgPath]/[host]'"));
+        QVERIFY(m_series->text("shared-output")
+                    .startsWith("pc1.north, pc1.south all write '[cfgPath]/[host]'; the names come "
+                                "out the same"));
     }
 
     void manyMachinesAreNotAllNamed()
@@ -90,7 +91,7 @@ private slots:
         setFree(mib);
         const QByteArray lines = goodLine({{11, "/mnt/x"}}) + goodLine({{11, "/mnt/y"}});
         QCOMPARE(m_series->hits("disk-space", lines), 1);
-        m_series->setExisting("/mnt/y");
+        m_series->setExisting("/mnt/y", mib);
         QCOMPARE(m_series->hits("disk-space", lines), 0);
     }
 

@@ -295,7 +295,7 @@ private:
         task.sourcePath = path(source);
         task.destPath.clear();
         task.logPath = path("[cfgPath]/[host].txt");
-        task.csvPath = path("[cfgPath]/[host].csv");
+        task.csvPath = path("[cfgPath]/[host]-[cfgID].csv");
         return task;
     }
 
@@ -316,7 +316,7 @@ private:
         if (type == TestType::Read)
             task.destPath.clear();
         task.logPath = path("[cfgPath]/[host].txt");
-        task.csvPath = path("[cfgPath]/[cfgName]_[host].csv");
+        task.csvPath = path("[cfgPath]/[cfgName]_[cfgID]_[host].csv");
         return task;
     }
 

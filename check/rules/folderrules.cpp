@@ -1,0 +1,270 @@
+#include "check/rules/exampletasks.h"
+#include "check/rules/families.h"
+#include "check/rules/usetexts.h"
+#include "check/taskfields.h"
+#include "check/text.h"
+
+#include <QSet>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+// Where a folder is needed, and where a file is.
+
+namespace {
+
+constexpr Rule fileIsFolder = {
+    "file-is-folder",
+    Severity::Error,
+    "paths",
+    "The source or destination names a folder: by a separator at its end, by [cfgPath] or [temp] "
+    "alone, or because a folder of that name exists.",
+    "Name a file.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/out/;  "
+            "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile(plainTask)};
+
+constexpr Rule logIsFolder = {
+    "log-is-folder",
+    Severity::Warning,
+    "paths",
+    "The log or .csv field names a folder: an empty field does after a load and a save.",
+    "Name a file.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile(plainTask)};
+
+/// Of all iterations and machines one is enough.
+void checkNamedFolder(const SeriesFacts& facts, const FileUses& uses, int line, TaskPath role,
+                      Findings& findings)
+{
+    for (int iteration = 0; iteration < uses.useCount(line, role); ++iteration) {
+        const FileUse& use = uses.use(line, role, iteration);
+        const KeyedPath& path = uses.file(use, 0).path;
+        const bool isThere = path.kind == PathStatus::Kind::Folder;
+        if (!isThere && !path.namesFolder)
+            continue;
+        const LineFact& fact = facts.lines[size_t(line)];
+        findings.add(role == SourcePath || role == DestPath ? fileIsFolder : logIsFolder, fact,
+                     fact.columnOf(role),
+                     fmt::format("the {} {} {}; name a file", fieldName(firstPathField + role),
+                                 quoted(uses.nameOf(use).text),
+                                 isThere ? "is a folder" : "names a folder"));
+        return;
+    }
+}
+
+constexpr Rule folderIsFile = {
+    "folder-is-file",
+    Severity::Error,
+    "paths",
+    "A path leads through a file as if it were a folder: the file exists, or a task makes it.",
+    "Name another folder, or another file.",
+    withExisting("/data/out", 1,
+                 oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+                         "/data/out/[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  "
+                         "true;\n")),
+    withExisting("/data/out/", 0,
+                 oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+                         "/data/out/[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  "
+                         "true;\n"))};
+
+/// Compares the folders that files need with the files that tasks make.
+class FoldersAndFiles
+{
+public:
+    FoldersAndFiles(const SeriesFacts& facts, const FileUses& uses, Findings& findings)
+        : m_facts(facts)
+        , m_uses(uses)
+        , m_findings(findings)
+        , m_firstUser(uses.folders().size(), -1)
+    {}
+
+    void check()
+    {
+        for (int i = 0; i < int(m_uses.uses().size()); ++i)
+            noteFolders(i);
+        for (size_t i = 0; i < m_firstUser.size(); ++i) {
+            const KeyedFolder& folder = m_uses.folders()[i];
+            if (m_firstUser[i] >= 0)
+                m_folderOfKey.insert(folder.key, int(i));
+            if (m_firstUser[i] >= 0 && folder.kind == PathStatus::Kind::File)
+                say(m_uses.uses()[size_t(m_firstUser[i])],
+                    fmt::format("is a file: {} can't lie below it", quoted(nameOf(m_firstUser[i]))),
+                    folder.shownPath);
+        }
+        for (int i = 0; i < int(m_uses.uses().size()); ++i)
+            checkFile(i);
+    }
+
+private:
+    const QByteArray& nameOf(int use) const
+    {
+        return m_uses.nameOf(m_uses.uses()[size_t(use)]).text;
+    }
+
+    void noteFolders(int use)
+    {
+        const UsedName& name = m_uses.nameOf(m_uses.uses()[size_t(use)]);
+        const int machines = name.byHost ? int(m_uses.machines().size()) : 1;
+        for (int machine = 0; machine < machines; ++machine) {
+            int folder = m_uses.file(m_uses.uses()[size_t(use)], machine).path.folder;
+            while (folder >= 0 && m_firstUser[size_t(folder)] < 0) {
+                m_firstUser[size_t(folder)] = use;
+                folder = m_uses.folders()[size_t(folder)].parent;
+            }
+        }
+    }
+
+    /// A file that a task names, and that another one needs as a folder.
+    void checkFile(int index)
+    {
+        const FileUse& use = m_uses.uses()[size_t(index)];
+        const KeyedPath& path = m_uses.file(use, 0).path;
+        const auto folder = m_folderOfKey.constFind(path.key);
+        const bool isKnown = path.kind != PathStatus::Kind::Nothing || path.namesFolder;
+        if (folder == m_folderOfKey.cend() || isKnown || m_said.contains(path.key))
+            return;
+        m_said.insert(path.key);
+        const int user = m_firstUser[size_t(*folder)];
+        say(use,
+            fmt::format("is a file here, and a folder in {}",
+                        roleOf(m_facts, m_uses.uses()[size_t(user)])),
+            m_uses.nameOf(use).text);
+    }
+
+    void say(const FileUse& use, const std::string& what, const QByteArray& path)
+    {
+        const LineFact& line = m_facts.lines[size_t(use.line)];
+        m_findings.add(folderIsFile, line, line.columnOf(use.role),
+                       fmt::format("{} {}; name another one", quoted(path), what));
+    }
+
+    const SeriesFacts& m_facts;
+    const FileUses& m_uses;
+    Findings& m_findings;
+    std::vector<int> m_firstUser; ///< of each folder, -1 if only the "_init" file uses it
+    QHash<QByteArray, int> m_folderOfKey;
+    QSet<QByteArray> m_said;
+};
+
+constexpr Rule destFolder = {
+    "dest-folder",
+    Severity::Warning,
+    "paths",
+    "The folder of the destination does not exist, and the _init file does not make it.",
+    "Make the folder, or correct the name.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  /data/out/[host].dat;  "
+            "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    withExisting(
+        "/data/out/", 0,
+        oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+                "/data/out/[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"))};
+
+constexpr Rule destFolderLocal = {
+    "dest-folder-local",
+    Severity::Note,
+    "paths",
+    "The folder of the destination must be there on each machine; the _init file makes folders "
+    "below [cfgPath] only.",
+    "Make the folder on each machine, or write into [temp] itself.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[temp]/[cfgName]/out.dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [temp]/out.dat;  "
+            "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
+
+/// Says of each destination folder once that nothing makes it.
+class FolderRule
+{
+public:
+    FolderRule(const SeriesFacts& facts, const FileUses& uses, Findings& findings)
+        : m_facts(facts)
+        , m_uses(uses)
+        , m_findings(findings)
+    {
+        for (const InitUse& made : uses.init()) {
+            int folder = uses.files()[size_t(made.file)].path.folder;
+            for (; folder >= 0; folder = uses.folders()[size_t(folder)].parent)
+                m_made.insert(uses.folders()[size_t(folder)].key);
+        }
+    }
+
+    void check(int line)
+    {
+        const LineFact& fact = m_facts.lines[size_t(line)];
+        const QByteArray dest = fact.path(DestPath);
+        // Below the config file's folder, the "_init" file is asked as a whole.
+        if (dest.isEmpty() || dest.startsWith("[cfgPath]") || isForeignPath(dest))
+            return;
+        for (int i = 0; i < m_uses.useCount(line, DestPath); ++i) {
+            const FileUse& use = m_uses.use(line, DestPath, i);
+            const QByteArray name = m_uses.nameOf(use).text;
+            const QByteArray folder = name.left(name.lastIndexOf('/') + 1);
+            if (m_checked.contains(folder))
+                continue;
+            m_checked.insert(folder);
+            if (folder == "[temp]/" || isThere(use))
+                continue;
+            const bool isLocal = folder.contains("[host]") || folder.contains("[temp]");
+            say(fact, folder, isLocal && !folder.contains("[date]"));
+        }
+    }
+
+private:
+    /// On all machines that the folder can be seen of.
+    bool isThere(const FileUse& use) const
+    {
+        const UsedName& name = m_uses.nameOf(use);
+        if (name.byTemp && m_uses.machines().size() > 1)
+            return false;
+        const int machines = name.byHost ? int(m_uses.machines().size()) : 1;
+        for (int machine = 0; machine < machines; ++machine) {
+            const int place = m_uses.file(use, machine).path.folder;
+            const KeyedFolder& folder = m_uses.folders()[size_t(place)];
+            // A file in its place has a finding of its own.
+            if (folder.kind == PathStatus::Kind::Nothing && !m_made.contains(folder.key))
+                return false;
+        }
+        return !name.byHost || m_uses.givenMachines() > 0 || !name.text.contains("[host]/");
+    }
+
+    void say(const LineFact& line, const QByteArray& folder, bool isLocal)
+    {
+        if (isLocal)
+            m_findings.add(
+                destFolderLocal, line, line.columnOf(DestPath),
+                fmt::format("the folder {} must be there on each machine: the _init file does "
+                            "not make it; make it there, or write into [temp] itself",
+                            quoted(folder)));
+        else
+            m_findings.add(destFolder, line, line.columnOf(DestPath),
+                           fmt::format("the folder {} does not exist, and nothing makes it; make "
+                                       "it, or correct the name",
+                                       quoted(folder)));
+    }
+
+    const SeriesFacts& m_facts;
+    const FileUses& m_uses;
+    Findings& m_findings;
+    QSet<QByteArray> m_made;
+    QSet<QByteArray> m_checked;
+};
+
+} // namespace
+
+void checkFolders(const SeriesFacts& facts, const FileUses& uses, Findings& findings)
+{
+    FolderRule folders(facts, uses, findings);
+    for (int line = 0; line < int(facts.lines.size()); ++line) {
+        for (const TaskPath role : {SourcePath, DestPath, LogPath, CsvPath})
+            checkNamedFolder(facts, uses, line, role, findings);
+        folders.check(line);
+    }
+    FoldersAndFiles(facts, uses, findings).check();
+}
+
+RuleList folderRules()
+{
+    return {&fileIsFolder, &logIsFolder, &folderIsFile, &destFolder, &destFolderLocal};
+}

@@ -1,0 +1,299 @@
+#include "check/rules/exampletasks.h"
+#include "check/rules/families.h"
+#include "check/rules/usetexts.h"
+#include "check/text.h"
+
+#include <QHash>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+// Which file has two roles that do not go together.
+
+namespace {
+
+constexpr Rule resultsOverData = {
+    "results-over-data",
+    Severity::Error,
+    "paths",
+    "A log or .csv file is also the source or destination of a task: one destroys the other.",
+    "Name another file.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/out.dat;  "
+            "[cfgPath]/out.dat;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile(plainTask)};
+
+constexpr Rule logIsCsv = {
+    "log-is-csv",
+    Severity::Warning,
+    "paths",
+    "The .csv file of a task is the log file of one: results and messages mix, and a spreadsheet "
+    "can't read them.",
+    "Name another .csv file.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].txt;  true;\n"),
+    oneFile(plainTask)};
+
+constexpr Rule overwritesSeries = {
+    "overwrites-series",
+    Severity::Error,
+    "paths",
+    "A task writes over a config file of the series, or over its _init file.",
+    "Name another file.",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/mytest.dpc;  "
+            "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile(plainTask)};
+
+/// The roles of one file: how many uses each has, and the first.
+struct Roles
+{
+    std::array<int, taskPathCount> count{};
+    std::array<int, taskPathCount> first = {-1, -1, -1, -1};
+};
+
+class RoleRules
+{
+public:
+    RoleRules(const SeriesFacts& facts, const FileUses& uses, Findings& findings)
+        : m_facts(facts)
+        , m_uses(uses)
+        , m_findings(findings)
+    {}
+
+    void check()
+    {
+        for (const FileUse& use : m_uses.uses())
+            ++m_counts[size_t(use.name)][use.role];
+        for (const UsedFile& file : m_uses.files())
+            checkFile(file);
+    }
+
+private:
+    void checkFile(const UsedFile& file)
+    {
+        const Roles roles = rolesOf(file);
+        if (file.isOwn)
+            sayOwn(file, roles);
+        const std::optional<TaskPath> results = either(roles, LogPath, CsvPath);
+        const std::optional<TaskPath> data = either(roles, DestPath, SourcePath);
+        if (results && data)
+            say(resultsOverData, roles, *results, *data,
+                "one destroys the other; name another file");
+        else if (roles.first[LogPath] >= 0 && roles.first[CsvPath] >= 0)
+            say(logIsCsv, roles, CsvPath, LogPath,
+                "results and messages mix; name another .csv file");
+    }
+
+    Roles rolesOf(const UsedFile& file) const
+    {
+        Roles roles;
+        for (const FileWay& way : file.ways) {
+            for (const TaskPath role : {SourcePath, DestPath, LogPath, CsvPath}) {
+                const int first = m_uses.names()[size_t(way.name)].firstUse[role];
+                // What holds [date] is the same within a task at most.
+                if (first < 0)
+                    continue;
+                roles.count[role] += m_counts[size_t(way.name)][role];
+                int& known = roles.first[role];
+                known = known < 0 ? first : std::min(known, first);
+            }
+        }
+        return roles;
+    }
+
+    static std::optional<TaskPath> either(const Roles& roles, TaskPath one, TaskPath other)
+    {
+        if (roles.first[one] >= 0)
+            return one;
+        return roles.first[other] >= 0 ? std::optional<TaskPath>(other) : std::nullopt;
+    }
+
+    const FileUse& firstUse(const Roles& roles, TaskPath role) const
+    {
+        return m_uses.uses()[size_t(roles.first[role])];
+    }
+
+    /// At the role that fewer tasks give the file: there the mistake is.
+    void say(const Rule& rule, const Roles& roles, TaskPath one, TaskPath other,
+             const char* consequence)
+    {
+        const bool isOther = roles.count[other] < roles.count[one];
+        const FileUse& wrong = firstUse(roles, isOther ? other : one);
+        const FileUse& right = firstUse(roles, isOther ? one : other);
+        const bool isDated = m_uses.nameOf(wrong).byDate;
+        const int place = wrong.line * taskPathCount + wrong.role;
+        // One finding for all iterations; with [date] a later task has another file.
+        if (m_said.contains(place) || (isDated && wrong.line != right.line))
+            return;
+        m_said.insert(place, true);
+        add(rule, wrong,
+            fmt::format("{} is also {}: {}", quoted(m_uses.nameOf(wrong).text),
+                        roleOf(m_facts, right), consequence));
+    }
+
+    void sayOwn(const UsedFile& file, const Roles& roles)
+    {
+        for (const TaskPath role : {DestPath, LogPath, CsvPath}) {
+            if (roles.first[role] < 0)
+                continue;
+            const FileUse& use = firstUse(roles, role);
+            add(overwritesSeries, use,
+                fmt::format("{} is a file of the series itself, which the task overwrites; name "
+                            "another file",
+                            quoted(QString::fromUtf8(file.path.key))));
+        }
+    }
+
+    void add(const Rule& rule, const FileUse& use, std::string text)
+    {
+        const LineFact& line = m_facts.lines[size_t(use.line)];
+        m_findings.add(rule, line, line.columnOf(use.role), std::move(text));
+    }
+
+    const SeriesFacts& m_facts;
+    const FileUses& m_uses;
+    Findings& m_findings;
+    std::vector<std::array<int, taskPathCount>> m_counts{m_uses.names().size()}; ///< of each name
+    QHash<int, bool> m_said; ///< by line and role
+};
+
+constexpr Rule namesMeet = {
+    "names-meet",
+    Severity::Warning,
+    "paths",
+    "Two iterations or tasks have names of their own that come out the same: without anything "
+    "between its parts, 1 and 11 is the same as 11 and 1. One overwrites what the other wrote.",
+    "Put something between the variables, such as [cfgTaskID]_[iter].",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 1024;12;0;  MEMORY;  "
+            "[cfgPath]/[cfgTaskID][iter].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  "
+            "true;\n",
+            12),
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 1024;12;0;  MEMORY;  "
+            "[cfgPath]/[cfgTaskID]_[iter].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  "
+            "true;\n",
+            12)};
+
+/// What tasks write, by the first one that writes it.
+class MeetingNames
+{
+public:
+    MeetingNames(const SeriesFacts& facts, const FileUses& uses, Findings& findings)
+        : m_facts(facts)
+        , m_uses(uses)
+        , m_findings(findings)
+    {}
+
+    void check()
+    {
+        for (const TaskPath role : {DestPath, LogPath, CsvPath})
+            checkRole(role);
+    }
+
+private:
+    void checkRole(TaskPath role)
+    {
+        std::vector<int> firstOf(m_uses.files().size(), -1);
+        int saidLine = -1;
+        for (int i = 0; i < int(m_uses.uses().size()); ++i) {
+            const FileUse& use = m_uses.uses()[size_t(i)];
+            if (use.role != role || m_uses.nameOf(use).byDate)
+                continue;
+            int& first = firstOf[size_t(m_uses.fileOf(use, 0))];
+            if (first < 0)
+                first = i;
+            const FileUse& before = m_uses.uses()[size_t(first)];
+            if (use.line == saidLine || !areMeantApart(before, use))
+                continue;
+            saidLine = use.line;
+            say(before, use);
+        }
+    }
+
+    bool areMeantApart(const FileUse& one, const FileUse& other) const
+    {
+        if (one.line == other.line && one.iteration == other.iteration)
+            return false;
+        const LineFact& oneLine = m_facts.lines[size_t(one.line)];
+        const LineFact& otherLine = m_facts.lines[size_t(other.line)];
+        const QByteArray path = oneLine.path(one.role);
+        const QByteArray otherPath = otherLine.path(other.role);
+        if (path.contains("[iter]") && otherPath.contains("[iter]") &&
+            one.iteration != other.iteration)
+            return true;
+        const bool byTask = path.contains("[cfgTaskID]") || path.contains("[cfgline]");
+        const bool byFile = path.contains("[cfgID]") || path.contains("[cfgNameID]") ||
+                            path.contains("[cfgLogName]");
+        return path == otherPath &&
+               ((byTask && oneLine.taskNumber != otherLine.taskNumber) ||
+                (byFile && m_facts.fileOf(oneLine).number != m_facts.fileOf(otherLine).number));
+    }
+
+    void say(const FileUse& before, const FileUse& use)
+    {
+        const LineFact& line = m_facts.lines[size_t(use.line)];
+        const std::string who = before.line == use.line
+                                    ? fmt::format("iteration {}", before.iteration)
+                                    : fmt::format("{} in iteration {}",
+                                                  placeOf(m_facts, before.line), before.iteration);
+        m_findings.add(namesMeet, line, line.columnOf(use.role),
+                       fmt::format("iteration {} writes {}, as {} does: the parts of the names "
+                                   "come out the same; put something between the variables",
+                                   use.iteration, quoted(m_uses.nameOf(use).text), who));
+    }
+
+    const SeriesFacts& m_facts;
+    const FileUses& m_uses;
+    Findings& m_findings;
+};
+
+constexpr Rule csvAcrossFiles = {
+    "csv-across-files",
+    Severity::Note,
+    "paths",
+    "Tasks of two config files write the same .csv file: [cfgTaskID] begins again in each. Their "
+    "results stand one below the other.",
+    "Put [cfgID] into the name, if each config file is to have results of its own.",
+    series({"mytest.dpc",
+            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"
+            "[cfgPath]/mytest1.dpc\n"},
+           {"mytest1.dpc", plainTask}, plainInit),
+    oneFile(plainTask)};
+
+/// Once for each config file.
+void checkCsvAcrossFiles(const SeriesFacts& facts, const FileUses& uses, Findings& findings)
+{
+    std::vector<int> firstLine(uses.files().size(), -1);
+    int saidFile = -1;
+    for (const FileUse& use : uses.uses()) {
+        if (use.role != CsvPath || uses.nameOf(use).byDate)
+            continue;
+        int& first = firstLine[size_t(uses.fileOf(use, 0))];
+        first = first < 0 ? use.line : first;
+        const LineFact& line = facts.lines[size_t(use.line)];
+        const LineFact& before = facts.lines[size_t(first)];
+        if (facts.fileOf(line).number == facts.fileOf(before).number || line.file == saidFile)
+            continue;
+        saidFile = line.file;
+        findings.add(csvAcrossFiles, line, line.columnOf(CsvPath),
+                     fmt::format("the .csv file {} is also that of {}: the results of both config "
+                                 "files stand in one; [cfgID] in the name keeps them apart",
+                                 quoted(line.path(CsvPath)), placeOf(facts, first)));
+    }
+}
+
+} // namespace
+
+void checkRoles(const SeriesFacts& facts, const FileUses& uses, Findings& findings)
+{
+    RoleRules(facts, uses, findings).check();
+    MeetingNames(facts, uses, findings).check();
+    checkCsvAcrossFiles(facts, uses, findings);
+}
+
+RuleList roleRules()
+{
+    return {&resultsOverData, &logIsCsv, &overwritesSeries, &namesMeet, &csvAcrossFiles};
+}
