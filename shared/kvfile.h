@@ -19,10 +19,15 @@ bool kvCreateFolder(const QString& folder, bool parents);
 _kvString8_allSize<500> kvGetTempDir();
 
 /// Replaces the content of a file, whole or not at all: a reader sees the old content or the new
-/// one, at every moment and also after a crash. Missing folders are made. Links are followed, and
-/// permissions, owner and group stay, as far as the user may set them. The file keeps its content
-/// where it can't be written whole (full disk, no rights) or where the name belongs to something
-/// that is no regular file; no temporary file is left behind then, only after a crash.
+/// one, at every moment and also after a crash. Missing folders are made. Permissions, owner and
+/// group stay, as far as the user may set them. Links are followed if the kernel would follow them.
+///
+/// If only rights forbid to put a new file in the old one's place, or if the file is open on an SMB
+/// share, it is written in place and synced instead, and a reader can see a part of it.
+///
+/// The file keeps its content if there is no room or the disk fails, and if the name belongs to
+/// something that is not a regular file or may not be written. No temporary file is left behind
+/// then, except after a crash, and if the old file has vanished from a share meanwhile.
 /// Another name of the same file, a hard link, keeps the old content.
 /// The two flags belong to the interface; every caller passes true and false.
 void writeToLogFile(const _kvString8_allSize<250>& file, _kvString8_allSize<5000> text, bool, bool);

@@ -1,4 +1,5 @@
 #include "shared/kvfile.h"
+#include "tests/support/childprocess.h"
 #include "tests/support/files.h"
 #include "tests/support/ownmounts.h"
 
@@ -6,6 +7,7 @@
 #include <QtTest>
 
 #include <memory>
+#include <sys/stat.h>
 #include <sys/statvfs.h>
 
 // Disks without room, at every level around the size of a file and around 16,384 bytes, where the
@@ -92,6 +94,19 @@ private slots:
         test::save(in("file"), test::textOf(5000, 'b'));
         QCOMPARE(test::contentOf(in("file")), test::textOf(5000));
         checkThatRoomHelps();
+    }
+
+    /// Nobody may put a new file beside it, so its own blocks are all there is.
+    void aFullDiskKeepsTheOldFileInAReadOnlyFolder()
+    {
+        const test::SmallDisk disk(root.path(), size() + ",mode=0755");
+        test::put(in("file"), test::textOf(page, 'A'), 0666);
+        fill(0);
+        QCOMPARE(::chmod(QFile::encodeName(in("file")).constData(), 0666), 0);
+        QVERIFY(test::runWithoutRights([this] { test::save(in("file"), test::textOf(5000)); }));
+        QCOMPARE(test::contentOf(in("file")), test::textOf(page, 'A'));
+        QVERIFY(test::runWithoutRights([this] { test::save(in("file"), test::textOf(page)); }));
+        QCOMPARE(test::contentOf(in("file")), test::textOf(page));
     }
 
     void aDiskWithoutInodesKeepsTheOldFile()

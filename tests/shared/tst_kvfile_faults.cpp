@@ -1,4 +1,5 @@
 #include "shared/kvfile.h"
+#include "tests/support/childprocess.h"
 #include "tests/support/faultinjection.h"
 #include "tests/support/files.h"
 
@@ -54,12 +55,19 @@ int moveIndex(const std::vector<long>& calls)
 }
 
 /// Before the text is moved under its name, no failure of these may be passed over: the new file
-/// would be short, not on the disk, or readable by people who could not read the old one.
+/// would be short, or not on the disk.
 bool mustKeepOldText(const test::TracedRun& clean, int at)
 {
-    return at <= moveIndex(clean.calls) &&
-           (syncs(clean.calls[at]) ||
-            isOneOf(clean.calls[at], {SYS_write, SYS_close, SYS_fchmod, SYS_rename}));
+    const auto& calls = clean.calls;
+    const auto firstWrite = std::find(calls.begin(), calls.end(), SYS_write) - calls.begin();
+    return at >= firstWrite && at <= moveIndex(calls) &&
+           (syncs(calls[at]) || isOneOf(calls[at], {SYS_write, SYS_close}));
+}
+
+/// Nor of these, if it was more than a lack of rights: that alone is got round.
+bool isAnsweredByRights(const test::TracedRun& clean, int at)
+{
+    return at <= moveIndex(clean.calls) && isOneOf(clean.calls[at], {SYS_fchmod, SYS_rename});
 }
 
 } // namespace
@@ -85,7 +93,7 @@ private slots:
         const auto lastWrite = std::find(std::make_reverse_iterator(move), calls.rend(), SYS_write);
         QVERIFY(lastWrite != calls.rend());
         QVERIFY(std::any_of(lastWrite.base(), move, syncs));
-        QVERIFY2(std::any_of(move, calls.end(), syncs), "the folder with the new name");
+        QVERIFY2(std::count_if(move, calls.end(), syncs) == 2, "the name, and its folder");
     }
 
     void anyErrorKeepsTheOldTextOrGivesTheNewOne_data() { addScenes(); }
@@ -100,6 +108,105 @@ private slots:
     void anErrorAfterTheWorkLeavesAWholeFile_data() { addScenes(); }
 
     void anErrorAfterTheWorkLeavesAWholeFile() { failEverywhere(test::Fault::FailAfter, EIO); }
+
+    /// A folder may take new files and still not let them replace an old one.
+    void aRenameThatIsRefusedForGoodIsDoneInPlace_data() { addScenes(); }
+
+    void aRenameThatIsRefusedForGoodIsDoneInPlace()
+    {
+        for (const int error : {EACCES, EPERM, EBUSY}) {
+            const struct stat old = refuseForGood(SYS_rename, error);
+            QVERIFY2(test::contentOf(in(scene.target)) == (scene.isNew ? QByteArray() : newText),
+                     where());
+            QVERIFY2(test::statusOf(in(scene.target)).st_ino == old.st_ino, where());
+            checkText();
+            checkNothingElse();
+            checkLaterSave();
+        }
+    }
+
+    /// More than rights is at fault here, and writing in place would break what is left.
+    void aRenameWithoutRoomKeepsTheOldText_data() { addScenes(); }
+
+    void aRenameWithoutRoomKeepsTheOldText()
+    {
+        for (const int error : {ENOSPC, EDQUOT, EIO, EROFS}) {
+            refuseForGood(SYS_rename, error);
+            QVERIFY2(test::contentOf(in(scene.target)) == textBefore(), where());
+            checkText();
+            checkNothingElse();
+        }
+    }
+
+    /// Where rights can't be set, a file may still be made with them.
+    void rightsThatCantBeSetAreThereFromBirth_data() { addScenes(); }
+
+    void rightsThatCantBeSetAreThereFromBirth()
+    {
+        for (const int error : {EACCES, EPERM, EOPNOTSUPP, ENOSYS}) {
+            refuseForGood(SYS_fchmod, error);
+            if (clean.calls.empty()) // nothing to set in this scene
+                return;
+            QVERIFY2(test::contentOf(in(scene.target)) == newText, where());
+            checkText();
+            checkNothingElse();
+        }
+    }
+
+    /// SMB shares do so with a file that is open: it vanishes although the rename was refused.
+    void aRenameThatTakesTheOldFileAlongLosesNothing_data() { addScenes(); }
+
+    void aRenameThatTakesTheOldFileAlongLosesNothing()
+    {
+        meanwhile = [this] { QFile::remove(in(scene.target)); };
+        prepareAndCount();
+        injection = {test::Fault::Fail, moveIndex(clean.calls), EACCES};
+        prepareAndRun(true);
+        QVERIFY2(test::contentOf(in(scene.target)) == newText, where());
+        checkNothingElse();
+
+        refuseForGood(SYS_rename, EACCES);
+        meanwhile = nullptr;
+        if (scene.isNew)
+            return;
+        QStringList left = test::entriesOf(root.path());
+        left.erase(std::remove_if(left.begin(), left.end(),
+                                  [](const QString& name) { return !name.endsWith(".tmp"); }),
+                   left.end());
+        QCOMPARE(left.size(), 1);
+        QCOMPARE(test::contentOf(in(left.first())), newText);
+    }
+
+    /// What the longer text needs is asked for before the old one is touched.
+    void aFileThatIsWrittenInPlaceGetsItsRoomFirst()
+    {
+        const auto writeInPlace = [this](const test::Injection& with) {
+            test::clearFolder(root.path());
+            test::put(in("file"), oldText, 0666);
+            QCOMPARE(::chmod(QFile::encodeName(root.path()).constData(), 0555), 0);
+            traced = test::runWithFault(
+                [this] {
+                    test::giveUpRights();
+                    test::save(in("file"), newText);
+                },
+                with);
+            QCOMPARE(::chmod(QFile::encodeName(root.path()).constData(), 0755), 0);
+        };
+        writeInPlace({});
+        QCOMPARE(test::contentOf(in("file")), newText);
+        const std::vector<long> calls = traced.calls;
+        const auto write = std::find(calls.begin(), calls.end(), SYS_write);
+        const auto sync = std::find_if(calls.begin(), calls.end(), syncs);
+        QVERIFY(write < sync && sync < calls.end());
+        QVERIFY(syncs(*std::find_if(std::make_reverse_iterator(calls.end()), calls.rend(), syncs)));
+        for (const auto call : {write, sync}) {
+            for (const int error : {ENOSPC, EDQUOT, EIO}) {
+                writeInPlace({test::Fault::Fail, int(call - calls.begin()), error});
+                QCOMPARE(test::contentOf(in("file")), oldText);
+                QCOMPARE(test::entriesOf(root.path()), QStringList("file"));
+            }
+        }
+    }
 
     void aDiskThatGoesAwayLeavesAWholeFile_data() { addScenes(); }
 
@@ -180,7 +287,7 @@ private:
 
     test::TracedRun run(const test::Injection& with) const
     {
-        return test::runWithFault([this] { test::save(in(scene.file), newText); }, with);
+        return test::runWithFault([this] { test::save(in(scene.file), newText); }, with, meanwhile);
     }
 
     /// The work must return, and must have met the fault at the call that was counted.
@@ -194,6 +301,23 @@ private:
             int(faulty.calls.size()) >= met &&
                 std::equal(faulty.calls.begin(), faulty.calls.begin() + met, clean.calls.begin()),
             where());
+    }
+
+    /// The last call of this number, and all that come after it, return the error. Returns what the
+    /// file was before. Without such a call nothing is done, and `clean` is left empty.
+    struct stat refuseForGood(long call, int error)
+    {
+        prepareAndCount();
+        const auto last = std::find(clean.calls.rbegin(), clean.calls.rend(), call);
+        if (last == clean.calls.rend()) {
+            clean.calls.clear();
+            return {};
+        }
+        injection = {test::Fault::Refuse, int(clean.calls.rend() - last) - 1, error};
+        prepare();
+        const struct stat old = test::statusOf(in(scene.target));
+        [this] { QVERIFY2(run(injection).endedWell, where()); }();
+        return old;
     }
 
     /// How many calls there are where nothing fails.
@@ -219,7 +343,11 @@ private:
             prepareAndRun(true);
             checkText();
             checkNothingElse();
-            if (fault == test::Fault::Fail && mustKeepOldText(clean, at))
+            const bool isRight = error == EACCES && isAnsweredByRights(clean, at);
+            if (fault == test::Fault::Fail && isRight)
+                QVERIFY2(test::contentOf(in(scene.target)) == newText, where());
+            else if (fault == test::Fault::Fail &&
+                     (mustKeepOldText(clean, at) || isAnsweredByRights(clean, at)))
                 QVERIFY2(test::contentOf(in(scene.target)) == textBefore(), where());
             checkLaterSave();
             if (QTest::currentTestFailed())
@@ -291,6 +419,8 @@ private:
     Scene scene;
     QStringList before;
     test::TracedRun clean;
+    test::TracedRun traced;
+    std::function<void()> meanwhile;
     test::Injection injection;
 };
 

@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -50,17 +51,59 @@ private slots:
 
     void cleanup() { setMode(folder(), 0777); }
 
-    void aReadOnlyFolderIsLeftAlone()
+    /// A save that happens beats one that is dropped without a word.
+    void aFileInAReadOnlyFolderIsWrittenInPlace()
     {
+        for (const int length : {0, 1, 2999, 3000, 3001, 5000}) {
+            test::put(in("file"), test::textOf(3000, 'A'), 0666);
+            const ino_t before = test::statusOf(in("file")).st_ino;
+            setMode(folder(), 0555);
+            QVERIFY(test::runWithoutRights([&] {
+                test::save(in("file"), test::textOf(length));
+                test::save(in("new"), "new");
+                test::save(in("sub/new"), "new");
+            }));
+            setMode(folder(), 0777);
+            QCOMPARE(test::contentOf(in("file")), test::textOf(length));
+            QCOMPARE(test::statusOf(in("file")).st_ino, before);
+            QCOMPARE(test::entriesOf(folder()), QStringList("file"));
+        }
+    }
+
+    /// In a folder such as /tmp, only the owner of a file may replace it.
+    void aFileOfSomebodyElseInAStickyFolderIsWrittenInPlace()
+    {
+        if (!canChangeUsers())
+            return;
         test::put(in("file"), "old", 0666);
-        setMode(folder(), 0555);
-        QVERIFY(test::runWithoutRights([&] {
-            test::save(in("file"), "new");
-            test::save(in("new"), "new");
-            test::save(in("sub/new"), "new");
-        }));
-        QCOMPARE(test::contentOf(in("file")), QByteArray("old"));
+        QCOMPARE(::chown(QFile::encodeName(in("file")).constData(), owner, group), 0);
+        setMode(folder(), 01777);
+        QVERIFY(test::runWithoutRights([&] { test::save(in("file"), "new"); }));
+        QCOMPARE(test::contentOf(in("file")), QByteArray("new"));
+        QCOMPARE(test::statusOf(in("file")).st_uid, owner);
         QCOMPARE(test::entriesOf(folder()), QStringList("file"));
+    }
+
+    /// The system may refuse to follow links of other users in a folder such as /tmp. A save
+    /// follows one if a plain write does.
+    void aLinkIsFollowedAsByAPlainWrite()
+    {
+        if (!canChangeUsers())
+            return;
+        for (const mode_t mode : {0777U, 01777U, 01775U}) {
+            for (const uid_t folderOwner : {0U, owner, test::nobody}) {
+                for (const uid_t linkOwner : {0U, owner, test::nobody}) {
+                    const bool isPlain = writesThroughALink(mode, folderOwner, linkOwner, true);
+                    const bool isSaved = writesThroughALink(mode, folderOwner, linkOwner, false);
+                    QVERIFY2(isPlain == isSaved,
+                             qPrintable(QString("mode %1, folder of %2, link of %3, plain %4")
+                                            .arg(mode, 0, 8)
+                                            .arg(folderOwner)
+                                            .arg(linkOwner)
+                                            .arg(isPlain)));
+                }
+            }
+        }
     }
 
     /// The negative control: the same user can save where he may.
@@ -190,9 +233,37 @@ private slots:
     }
 
 private:
+    /// True if text arrives behind a link, by a save or by a plain write.
+    bool writesThroughALink(mode_t mode, uid_t folderOwner, uid_t linkOwner, bool isPlain) const
+    {
+        test::clearFolder(folder());
+        test::clearFolder(elsewhere.path());
+        setMode(elsewhere.path(), 0777);
+        const QString target = elsewhere.filePath("target");
+        test::put(target, "old", 0666);
+        const QByteArray link = QFile::encodeName(in("link"));
+        const QByteArray place = QFile::encodeName(folder());
+        if (::symlink(QFile::encodeName(target).constData(), link.constData()) != 0 ||
+            ::lchown(link.constData(), linkOwner, group) != 0 ||
+            ::chown(place.constData(), folderOwner, group) != 0)
+            qFatal("can't prepare a link");
+        setMode(folder(), mode);
+        const bool endedWell = test::runWithoutRights([&] {
+            if (!isPlain) {
+                test::save(in("link"), "new");
+                return;
+            }
+            const int file = ::open(link.constData(), O_WRONLY | O_TRUNC | O_CLOEXEC);
+            static_cast<void>(::write(file, "new", 3) == 3);
+            ::close(file);
+        });
+        return endedWell && test::contentOf(target) == "new";
+    }
+
     QString folder() const { return root.filePath("folder"); }
     QString in(const QString& name) const { return folder() + '/' + name; }
     QTemporaryDir root;
+    QTemporaryDir elsewhere;
 };
 
 QTEST_GUILESS_MAIN(TestKvFileRights)

@@ -24,6 +24,8 @@ void keepCounts()
 #endif
 }
 
+} // namespace
+
 void giveUpRights(gid_t group)
 {
     if (::geteuid() != 0)
@@ -31,8 +33,6 @@ void giveUpRights(gid_t group)
     if (::setgroups(1, &group) != 0 || ::setgid(nobody) != 0 || ::setuid(nobody) != 0)
         ::abort();
 }
-
-} // namespace
 
 pid_t startChild(const std::function<void()>& work)
 {

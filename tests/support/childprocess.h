@@ -23,7 +23,10 @@ bool runInChild(const std::function<void()>& work);
 
 constexpr gid_t nobody = 65534;
 
-/// The same by a user who may write only what everybody may, or the given group. Root becomes
+/// Makes root "nobody" with the given group, for the rest of this process. Other users stay.
+void giveUpRights(gid_t group = nobody);
+
+/// runInChild by a user who may write only what everybody may, or the given group. Root becomes
 /// "nobody" for it, because the system checks no permissions for root.
 bool runWithoutRights(const std::function<void()>& work, gid_t group = nobody);
 

@@ -11,6 +11,7 @@
 #include <sys/syscall.h>
 #include <sys/user.h>
 #include <sys/wait.h>
+#include <utility>
 
 #ifndef __x86_64__
 #error "the registers that hold a system call are known for x86-64 only"
@@ -25,10 +26,11 @@ namespace {
 bool concernsFiles(long call)
 {
     constexpr long others[] = {
-        SYS_brk,           SYS_mmap,         SYS_munmap,      SYS_mremap,         SYS_mprotect,
-        SYS_futex,         SYS_rt_sigaction, SYS_madvise,     SYS_rt_sigprocmask, SYS_getrandom,
-        SYS_exit_group,    SYS_gettid,       SYS_sched_yield, SYS_sigaltstack,    SYS_getpid,
-        SYS_clock_gettime, SYS_tgkill};
+        SYS_brk,           SYS_mmap,         SYS_munmap,      SYS_mremap,          SYS_mprotect,
+        SYS_futex,         SYS_rt_sigaction, SYS_madvise,     SYS_rt_sigprocmask,  SYS_getrandom,
+        SYS_exit_group,    SYS_gettid,       SYS_sched_yield, SYS_sigaltstack,     SYS_getpid,
+        SYS_clock_gettime, SYS_tgkill,       SYS_nanosleep,   SYS_clock_nanosleep, SYS_setgroups,
+        SYS_setgid,        SYS_setuid};
     return std::find(std::begin(others), std::end(others), call) == std::end(others);
 }
 
@@ -38,9 +40,10 @@ constexpr int endOfWork = SIGUSR1;
 class Tracer
 {
 public:
-    Tracer(pid_t child, const Injection& injection)
+    Tracer(pid_t child, const Injection& injection, std::function<void()> meanwhile)
         : child_(child)
         , injection_(injection)
+        , meanwhile_(std::move(meanwhile))
     {}
 
     TracedRun run()
@@ -104,11 +107,12 @@ private:
             return;
         const int index = static_cast<int>(run_.calls.size());
         run_.calls.push_back(call);
-        hit_ = index == injection_.at ||
-               (injection_.fault == Fault::FailOnwards && index > injection_.at);
+        hit_ = index == injection_.at || (index > injection_.at && strikesAgain(call));
         hit_ = hit_ && injection_.fault != Fault::None;
         if (!hit_)
             return;
+        if (meanwhile_)
+            meanwhile_();
         user_regs_struct changed = registers();
         if (injection_.fault == Fault::Kill)
             ::kill(child_, SIGKILL);
@@ -129,22 +133,32 @@ private:
         check(::ptrace(PTRACE_SETREGS, child_, 0, &changed));
     }
 
+    [[nodiscard]] bool strikesAgain(long call) const
+    {
+        return injection_.fault == Fault::FailOnwards ||
+               (injection_.fault == Fault::Refuse &&
+                call == run_.calls[static_cast<size_t>(injection_.at)]);
+    }
+
     [[nodiscard]] bool failsBefore() const
     {
-        return injection_.fault == Fault::Fail || injection_.fault == Fault::FailOnwards;
+        return injection_.fault == Fault::Fail || injection_.fault == Fault::FailOnwards ||
+               injection_.fault == Fault::Refuse;
     }
 
     static constexpr unsigned long long noCall = ~0ULL;
 
     pid_t child_;
     Injection injection_;
+    std::function<void()> meanwhile_;
     TracedRun run_;
     bool hit_ = false;
 };
 
 } // namespace
 
-TracedRun runWithFault(const std::function<void()>& work, const Injection& injection)
+TracedRun runWithFault(const std::function<void()>& work, const Injection& injection,
+                       const std::function<void()>& meanwhile)
 {
     const pid_t child = startChild([&] {
         if (::ptrace(PTRACE_TRACEME, 0, 0, 0) != 0)
@@ -153,7 +167,7 @@ TracedRun runWithFault(const std::function<void()>& work, const Injection& injec
         work();
         ::raise(endOfWork);
     });
-    return Tracer(child, injection).run();
+    return Tracer(child, injection, meanwhile).run();
 }
 
 QString callName(long call)

@@ -17,6 +17,7 @@ enum class Fault
     Fail,        ///< the call isn't carried out and returns the error
     FailAfter,   ///< the call is carried out and returns the error all the same, as on a network
     FailOnwards, ///< this call and all that follow return the error: the disk is gone
+    Refuse,      ///< this call and all later ones of its kind return the error
     Short,       ///< a write takes only half of its bytes
     Kill         ///< the process ends where the call would begin
 };
@@ -25,7 +26,7 @@ struct Injection
 {
     Fault fault = Fault::None;
     int at = 0;    ///< the call, counted from zero
-    int error = 0; ///< an errno, for the three kinds of failure
+    int error = 0; ///< an errno, for the kinds of failure
 };
 
 struct TracedRun
@@ -34,8 +35,10 @@ struct TracedRun
     bool endedWell = false;  ///< the work returned
 };
 
-/// Does the work in a child process with one fault.
-TracedRun runWithFault(const std::function<void()>& work, const Injection& injection);
+/// Does the work in a child process with one fault. Each time that it strikes, `meanwhile` is done
+/// first, in this process, as if somebody else did it.
+TracedRun runWithFault(const std::function<void()>& work, const Injection& injection,
+                       const std::function<void()>& meanwhile = {});
 
 /// Name of a system call for messages: "write"; "call 42" for those without a part in this.
 QString callName(long call);
