@@ -32,8 +32,8 @@ std::vector<std::string> typed(const SeriesRun& series, const QStringList& argum
 QByteArray describe(const QString& path)
 {
     const struct stat status = statusOf(path);
-    const QByteArray kind = QByteArray::number(uint(status.st_mode), 8) + ' '
-                            + QByteArray::number(qint64(status.st_size)) + ' ' + linkOf(path);
+    const QByteArray kind = QByteArray::number(uint(status.st_mode), 8) + ' ' +
+                            QByteArray::number(qint64(status.st_size)) + ' ' + linkOf(path);
     return S_ISREG(status.st_mode) ? kind + contentOf(path) : kind;
 }
 
@@ -77,9 +77,9 @@ QByteArray SeriesRun::line(const QByteArray& source, const QByteArray& destinati
 {
     const auto number = [](int n) { return QByteArray::number(n); };
     const auto path = [](const QByteArray& name) { return name.isEmpty() ? "MEMORY" : name; };
-    return "Posix;NOflush;NOprealloc;" + number(waitMs) + ';' + number(chunkKib) + ";0;"
-           + number(sizeKib) + ';' + number(iterations) + ";0;" + path(source) + ';'
-           + path(destination) + ";;;false;";
+    return "Posix;NOflush;NOprealloc;" + number(waitMs) + ';' + number(chunkKib) + ";0;" +
+           number(sizeKib) + ';' + number(iterations) + ";0;" + path(source) + ';' +
+           path(destination) + ";;;false;";
 }
 
 Printed SeriesRun::run(const QStringList& arguments) const

@@ -453,7 +453,8 @@ void TestRun::refusesALossThatIsNotAllowed()
     QCOMPARE(printed.status, 1);
     QVERIFY2(printed.err.contains("--allow-loss fio-preallocate"), printed.err.constData());
     QVERIFY(!QFile::exists(series.file("a.dat")));
-    QCOMPARE(series.run({"--allow-loss", "fio-preallocate", "--to", series.file("run2")}).status, 0);
+    QCOMPARE(series.run({"--allow-loss", "fio-preallocate", "--to", series.file("run2")}).status,
+             0);
     QCOMPARE(series.run({"--allow-loss", "fio-none", "--to", series.file("run3")}).status, 2);
 }
 
