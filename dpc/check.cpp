@@ -70,17 +70,17 @@ bool isFailure(const std::vector<Finding>& findings, bool warningsAreErrors)
            (warningsAreErrors && countOf(findings, Severity::Warning) > 0);
 }
 
-void print(const CheckRequest& request, const std::vector<Finding>& findings, const Output& output)
+void print(const CheckRequest& request, const CheckResult& result, const Output& output)
 {
     if (request.quiet)
         return;
     if (request.format == "json") {
-        output.out << findingsAsJson(findings);
+        output.out << findingsAsJson(result.findings, {result.problems, {}});
         return;
     }
-    output.out << findingsAsText(findings, output.colour);
-    if (!findings.empty())
-        output.err << summaryOf(findings) << '\n';
+    output.out << findingsAsText(result.findings, output.colour);
+    if (!result.findings.empty())
+        output.err << summaryOf(result.findings) << '\n';
 }
 
 int run(const Arguments& arguments, const Output& output)
@@ -106,7 +106,7 @@ int runCheck(const CheckRequest& request, const Output& output)
     const CheckResult result = checkAll(request.paths, request.options);
     for (const std::string& problem : result.problems)
         fail(output, problem);
-    print(request, result.findings, output);
+    print(request, result, output);
     if (!result.problems.empty())
         return exitUsage;
     return isFailure(result.findings, request.warningsAreErrors) ? exitFindings : exitClean;

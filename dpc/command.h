@@ -85,7 +85,9 @@ struct Output
 {
     std::ostream& out;
     std::ostream& err;
-    bool colour = false; ///< of `out`
+    bool colour = false;        ///< of `out`, where the user does not say otherwise
+    bool isTerminal = false;    ///< true if a person reads `out`
+    bool isErrTerminal = false; ///< true if a person reads `err`
 };
 
 /// What was typed for one subcommand, as the parser understood it: bytes as the shell passed them.

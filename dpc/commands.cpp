@@ -7,7 +7,8 @@
 const std::vector<const Command*>& allCommands()
 {
     static const std::vector<const Command*> commands = {
-        &checkCommand, &showCommand, &diffCommand, &roundTripCommand, &exportCommand, &runCommand};
+        &checkCommand,     &explainCommand, &showCommand,   &diffCommand,
+        &roundTripCommand, &initCommand,    &exportCommand, &runCommand};
     return commands;
 }
 

@@ -6,9 +6,11 @@
 // commands.cpp.
 
 extern const Command checkCommand;
+extern const Command explainCommand;
 extern const Command showCommand;
 extern const Command diffCommand;
 extern const Command roundTripCommand;
+extern const Command initCommand;
 extern const Command exportCommand;
 extern const Command runCommand;
 

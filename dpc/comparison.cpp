@@ -30,7 +30,9 @@ Fields fieldsOf(const LineFact& line)
                   std::to_string(task.cacheMode)};
     for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath}) {
         const QByteArray path = line.path(which);
-        fields.push_back(path.isEmpty() ? which <= DestPath ? "MEMORY" : "(none)" : quoted(path));
+        // Whole: two long paths may differ in the middle.
+        fields.push_back(path.isEmpty() ? which <= DestPath ? "MEMORY" : "(none)"
+                                        : '\'' + printable(QString::fromLatin1(path)) + '\'');
     }
     fields.push_back(yesOrNo(task.writeDone));
     return fields;
@@ -63,9 +65,9 @@ std::vector<std::string> keysOf(const std::vector<Entry>& entries)
     return keys;
 }
 
-std::string placeOf(const SeriesFacts& facts, const Entry& entry)
+EntryPlace placeOf(const SeriesFacts& facts, const Entry& entry)
 {
-    return fmt::format("{}:{}", printable(facts.fileOf(*entry.line).shown), entry.line->line);
+    return {facts.fileOf(*entry.line).shown, entry.line->line};
 }
 
 std::string nameOf(const Entry& entry)
@@ -76,35 +78,34 @@ std::string nameOf(const Entry& entry)
                        entry.fields[firstPathField - 1], entry.fields[firstPathField]);
 }
 
-std::string onlyIn(const char* which, const SeriesFacts& facts, const Entry& entry)
+void addChanges(std::vector<Difference>& differences, const Difference& place, const Fields& first,
+                const Fields& second)
 {
-    return fmt::format("{}: only in the {} series: {}\n", placeOf(facts, entry), which,
-                       nameOf(entry));
-}
-
-std::string changes(const std::string& place, const Fields& first, const Fields& second)
-{
-    std::string text;
     for (size_t i = 0; i < first.size(); ++i) {
-        if (first[i] != second[i])
-            text += fmt::format("{}: {}: {} -> {}\n", place, fieldName(int(i) + 1), first[i],
-                                second[i]);
+        if (first[i] == second[i])
+            continue;
+        Difference difference = place;
+        difference.field = fieldName(int(i) + 1);
+        difference.before = first[i];
+        difference.after = second[i];
+        differences.push_back(difference);
     }
-    return text;
 }
 
-std::string infoChange(const SeriesFacts& first, const SeriesFacts& second)
+std::string asText(const EntryPlace& place)
 {
-    return first.info == second.info ? std::string() : "the info text is different\n";
+    return fmt::format("{}:{}", printable(place.file), place.line);
 }
 
 } // namespace
 
-std::string differencesOf(const SeriesFacts& first, const SeriesFacts& second)
+std::vector<Difference> differencesOf(const SeriesFacts& first, const SeriesFacts& second)
 {
     const std::vector<Entry> firstEntries = entriesOf(first);
     const std::vector<Entry> secondEntries = entriesOf(second);
-    std::string text = infoChange(first, second);
+    std::vector<Difference> all;
+    if (first.info != second.info)
+        all.emplace_back();
     for (const AlignedPair& pair : align(keysOf(firstEntries), keysOf(secondEntries))) {
         const Entry* a = pair.first < 0 ? nullptr : &firstEntries[size_t(pair.first)];
         const Entry* b = pair.second < 0 ? nullptr : &secondEntries[size_t(pair.second)];
@@ -112,13 +113,41 @@ std::string differencesOf(const SeriesFacts& first, const SeriesFacts& second)
         const bool sameKind =
             a != nullptr && b != nullptr && a->fields.empty() == b->fields.empty();
         if (sameKind) {
-            text += changes(placeOf(first, *a) + ", " + placeOf(second, *b), a->fields, b->fields);
+            addChanges(
+                all,
+                {Difference::Kind::Field, placeOf(first, *a), placeOf(second, *b), {}, {}, {}, {}},
+                a->fields, b->fields);
             continue;
         }
         if (a != nullptr)
-            text += onlyIn("first", first, *a);
+            all.push_back(
+                {Difference::Kind::OnlyInFirst, placeOf(first, *a), {}, {}, {}, {}, nameOf(*a)});
         if (b != nullptr)
-            text += onlyIn("second", second, *b);
+            all.push_back(
+                {Difference::Kind::OnlyInSecond, {}, placeOf(second, *b), {}, {}, {}, nameOf(*b)});
+    }
+    return all;
+}
+
+std::string differencesAsText(const std::vector<Difference>& differences)
+{
+    std::string text;
+    for (const Difference& d : differences) {
+        switch (d.kind) {
+        case Difference::Kind::InfoText:
+            text += "the info text is different\n";
+            break;
+        case Difference::Kind::Field:
+            text += fmt::format("{}, {}: {}: {} -> {}\n", asText(d.first), asText(d.second),
+                                d.field, d.before, d.after);
+            break;
+        case Difference::Kind::OnlyInFirst:
+            text += fmt::format("{}: only in the first series: {}\n", asText(d.first), d.entry);
+            break;
+        case Difference::Kind::OnlyInSecond:
+            text += fmt::format("{}: only in the second series: {}\n", asText(d.second), d.entry);
+            break;
+        }
     }
     return text;
 }

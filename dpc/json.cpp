@@ -7,12 +7,17 @@
 
 #include <fmt/format.h>
 
-QJsonObject jsonOutput(const std::vector<std::string>& problems)
+QJsonObject jsonOutput(const Remarks& remarks)
 {
-    QJsonArray list;
-    for (const std::string& problem : problems)
-        list.append(QString::fromStdString(problem));
-    return {{"version", 1}, {"problems", list}};
+    QJsonArray problems;
+    for (const std::string& problem : remarks.problems)
+        problems.append(QString::fromStdString(problem));
+    QJsonArray notChecked;
+    for (const NotChecked& item : remarks.notChecked)
+        notChecked.append(QJsonObject{{"what", QString::fromStdString(item.what)},
+                                      {"count", item.count},
+                                      {"text", QString::fromStdString(item.text)}});
+    return {{"version", 1}, {"problems", problems}, {"notChecked", notChecked}};
 }
 
 std::string jsonText(const QJsonObject& object)

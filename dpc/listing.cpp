@@ -182,7 +182,7 @@ QJsonObject jsonOf(const SeriesFacts& facts, const Row& row)
     return object;
 }
 
-std::string asJson(const SeriesFacts& facts, const std::vector<Row>& rows)
+std::string asJson(const SeriesFacts& facts, const std::vector<Row>& rows, const Remarks& remarks)
 {
     QJsonArray list;
     for (const Row& row : rows)
@@ -193,7 +193,7 @@ std::string asJson(const SeriesFacts& facts, const std::vector<Row>& rows)
                            {"bytesWritten", totals.bytesWritten},
                            {"bytesRead", totals.bytesRead},
                            {"leastWaitMs", totals.leastWait}};
-    QJsonObject all = jsonOutput({});
+    QJsonObject all = jsonOutput(remarks);
     all.insert("tasks", list);
     all.insert("totals", sums);
     return jsonText(all);
@@ -216,14 +216,14 @@ std::string csvLine(const QStringList& cells)
 }
 
 std::string listSeries(const SeriesFacts& facts, ListFormat format,
-                       const std::optional<Expansion>& expansion)
+                       const std::optional<Expansion>& expansion, const Remarks& remarks)
 {
     const std::vector<Row> rows = rowsOf(facts, expansion);
     switch (format) {
     case ListFormat::Csv:
         return asCsv(rows, headersFor(expansion));
     case ListFormat::Json:
-        return asJson(facts, rows);
+        return asJson(facts, rows, remarks);
     case ListFormat::Text:
         break;
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "check/remarks.h"
 #include "check/seriesfacts.h"
 #include "model/pathvariables.h"
 
@@ -24,10 +25,10 @@ struct Expansion
 };
 
 /// The series as the editor's table shows it. With an expansion every path is resolved, and the
-/// .csv files, which the table does not show, have a column of their own. Text and JSON end in
-/// totals.
+/// .csv files, which the table does not show, have a column of their own. Text and JSON have
+/// totals, JSON the remarks as well.
 std::string listSeries(const SeriesFacts& facts, ListFormat format,
-                       const std::optional<Expansion>& expansion);
+                       const std::optional<Expansion>& expansion, const Remarks& remarks);
 
 /// A line of a table for spreadsheets, as UTF-8. A quote is doubled; a cell with a quote or a comma
 /// stands in quotes; what is not safe to look at is written as "\x1B". A cell that begins with "=",

@@ -2,6 +2,7 @@
 
 #include "check/seriesfinder.h"
 #include "check/text.h"
+#include "model/limits.h"
 
 #include <fmt/format.h>
 
@@ -16,35 +17,55 @@ bool anythingReadable(const SeriesFacts& facts)
                        [](const FileFact& file) { return file.isRead && file.readable; });
 }
 
-} // namespace
-
-std::optional<SeriesFacts> readOneSeries(const QString& path, const Output& output)
-{
-    const SeriesSearch search = findOneSeries(path);
-    if (!search.problem.empty()) {
-        fail(output, search.problem);
-        return std::nullopt;
-    }
-    const FoundSeries& found = search.series.front();
-    SeriesFacts facts = readSeries(found.name, found.shownFolder);
-    if (!anythingReadable(facts)) {
-        fail(output, fmt::format("no file of the series of {} can be read", quoted(path)));
-        return std::nullopt;
-    }
-    if (facts.limitReached) {
-        fail(output, fmt::format("the series has more than {}", counted(maxSeriesEntries, "line")));
-        return std::nullopt;
-    }
-    return facts;
-}
-
-void warnOfLostLines(const SeriesFacts& facts, const Output& output)
+void addLostLines(const SeriesFacts& facts, Remarks& remarks)
 {
     const auto lost =
         std::count_if(facts.lines.begin(), facts.lines.end(),
                       [](const LineFact& line) { return line.kind == LineFact::Kind::Rejected; });
     if (lost > 0)
-        output.err << fmt::format(
-            "dpc: {} of {} can't be read and {} left out; dpc check tells why\n",
-            counted(lost, "line"), printable(facts.name.baseName), lost == 1 ? "is" : "are");
+        remarks.notChecked.push_back(
+            {"rejected-lines", lost,
+             fmt::format("{} of {} can't be read and {} left out; dpc check tells why",
+                         counted(lost, "line"), printable(facts.name.baseName),
+                         lost == 1 ? "is" : "are")});
+}
+
+} // namespace
+
+std::optional<SeriesFacts> readOneSeries(const QString& path, Remarks& remarks)
+{
+    const SeriesSearch search = findOneSeries(path);
+    if (!search.problem.empty()) {
+        remarks.problems.push_back(search.problem);
+        return std::nullopt;
+    }
+    const FoundSeries& found = search.series.front();
+    SeriesFacts facts = readSeries(found.name, found.shownFolder);
+    if (!anythingReadable(facts))
+        remarks.problems.push_back(
+            fmt::format("no file of the series of {} can be read", quoted(path)));
+    else if (facts.limitReached)
+        remarks.problems.push_back(
+            fmt::format("the series has more than {}", counted(maxSeriesEntries, "line")));
+    if (!remarks.problems.empty())
+        return std::nullopt;
+    addLostLines(facts, remarks);
+    return facts;
+}
+
+bool printRemarks(const Remarks& remarks, const Output& output)
+{
+    for (const std::string& problem : remarks.problems)
+        fail(output, problem);
+    for (const NotChecked& lost : remarks.notChecked)
+        output.err << "dpc: " << lost.text << '\n';
+    return !remarks.problems.empty();
+}
+
+std::optional<SeriesFacts> readOneSeries(const QString& path, const Output& output)
+{
+    Remarks remarks;
+    std::optional<SeriesFacts> facts = readOneSeries(path, remarks);
+    printRemarks(remarks, output);
+    return facts;
 }

@@ -55,7 +55,7 @@ std::string findingsAsText(const std::vector<Finding>& findings, bool colour)
     return text;
 }
 
-std::string findingsAsJson(const std::vector<Finding>& findings)
+std::string findingsAsJson(const std::vector<Finding>& findings, const Remarks& remarks)
 {
     QJsonArray list;
     for (const Finding& finding : findings) {
@@ -67,10 +67,11 @@ std::string findingsAsJson(const std::vector<Finding>& findings)
                                 {"rule", rule.name},
                                 {"text", QString::fromStdString(finding.text)}});
     }
-    const QJsonObject all{{"findings", list},
-                          {"errors", countOf(findings, Severity::Error)},
-                          {"warnings", countOf(findings, Severity::Warning)},
-                          {"notes", countOf(findings, Severity::Note)}};
+    QJsonObject all = jsonOutput(remarks);
+    all.insert("findings", list);
+    all.insert("errors", countOf(findings, Severity::Error));
+    all.insert("warnings", countOf(findings, Severity::Warning));
+    all.insert("notes", countOf(findings, Severity::Note));
     return jsonText(all);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "check/finding.h"
+#include "check/remarks.h"
 
 #include <string>
 #include <vector>
@@ -8,8 +9,8 @@
 /// One finding per line, as compilers print them: "file:line:column: error: text [rule]".
 std::string findingsAsText(const std::vector<Finding>& findings, bool colour);
 
-/// One object: the findings, and how many there are of each severity.
-std::string findingsAsJson(const std::vector<Finding>& findings);
+/// One object: the findings, how many there are of each severity, and the remarks.
+std::string findingsAsJson(const std::vector<Finding>& findings, const Remarks& remarks = {});
 
 /// "2 errors, 1 warning, 0 notes".
 std::string summaryOf(const std::vector<Finding>& findings);

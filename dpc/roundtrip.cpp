@@ -1,19 +1,17 @@
 #include "dpc/roundtrip.h"
 
-#include "check/nameexpander.h"
 #include "check/text.h"
 #include "configset/configfilereader.h"
-#include "configset/infotext.h"
-#include "configset/seriesloader.h"
-#include "configset/seriesrenderer.h"
 #include "dpc/alignment.h"
 #include "dpc/commands.h"
+#include "dpc/json.h"
 #include "dpc/oneseries.h"
-#include "shared/kvfile.h"
-#include "shared/kvtext.h"
+#include "dpc/resave.h"
+#include "model/limits.h"
 
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
 #include <QSet>
 
 #include <fmt/format.h>
@@ -22,24 +20,6 @@
 #include <ostream>
 
 namespace {
-
-/// Where the editor puts the files after the first.
-FollowUpFiles followUpFiles(const SeriesName& name)
-{
-    const QFileInfo folder(name.folder + waitFolder().chopped(1));
-    const bool isUsable = !folder.exists() || folder.isDir();
-    return isUsable ? FollowUpFiles::InWaitFolder : FollowUpFiles::InSeriesFolder;
-}
-
-/// What keeps a save from writing a file; null where nothing does.
-const char* obstacleTo(const QString& path)
-{
-    const QFileInfo file(path);
-    const QFileInfo folder(file.path());
-    if (file.exists() && !file.isFile())
-        return "what is there is no file";
-    return folder.exists() && !folder.isDir() ? "the folder is a file" : nullptr;
-}
 
 QByteArray contentOf(const QString& path)
 {
@@ -62,151 +42,198 @@ std::vector<std::string> linesOf(const QByteArray& content)
     return lines;
 }
 
-std::string printableLine(const std::string& line)
+LineChange lineChange(int index, bool isNew, const std::string& line)
 {
     QByteArray text = QByteArray::fromStdString(line);
-    const bool isWhole = text.endsWith('\n');
-    if (isWhole)
-        text.chop(1);
-    return printable(QString::fromLatin1(text)) + (isWhole ? "" : " (no line end)");
+    const bool hasLineEnd = text.endsWith('\n');
+    text.chop(hasLineEnd ? 1 : 0);
+    return {index + 1, isNew, text, hasLineEnd};
 }
 
-std::string lineChanges(const QByteArray& before, const QByteArray& after)
+std::vector<LineChange> lineChanges(const QByteArray& before, const QByteArray& after)
 {
     const std::vector<std::string> old = linesOf(before);
     const std::vector<std::string> now = linesOf(after);
-    std::string text;
+    std::vector<LineChange> changes;
     for (const AlignedPair& pair : align(old, now)) {
         const bool same = pair.first >= 0 && pair.second >= 0 &&
                           old[size_t(pair.first)] == now[size_t(pair.second)];
         if (!same && pair.first >= 0)
-            text +=
-                fmt::format("{:5} - {}\n", pair.first + 1, printableLine(old[size_t(pair.first)]));
+            changes.push_back(lineChange(pair.first, false, old[size_t(pair.first)]));
         if (!same && pair.second >= 0)
-            text += fmt::format("{:5} + {}\n", pair.second + 1,
-                                printableLine(now[size_t(pair.second)]));
+            changes.push_back(lineChange(pair.second, true, now[size_t(pair.second)]));
     }
+    return changes;
+}
+
+FileChange changeOf(const SeriesFacts& facts, const ResavedFile& file)
+{
+    FileChange change;
+    change.shownPath = shownPath(facts, file.path);
+    change.obstacle = file.obstacle;
+    change.isCut = file.isCut;
+    change.fullSize = file.fullSize;
+    const QByteArray before = contentOf(file.path);
+    if (!file.obstacle.empty()) {
+        change.kind = FileChange::Kind::Blocked;
+    } else if (!QFileInfo::exists(file.path)) {
+        change.kind = FileChange::Kind::Created;
+        change.lineCount = file.content.count('\n');
+    } else if (before != file.content) {
+        change.kind = FileChange::Kind::Changed;
+        change.lines = lineChanges(before, file.content);
+    }
+    return change;
+}
+
+/// Files that a load reads and the save does not write.
+void addKept(const SeriesFacts& facts, const QSet<QString>& written, RoundTrip& result)
+{
+    for (const FileFact& file : facts.files) {
+        if (!file.isRead || written.contains(file.path))
+            continue;
+        FileChange change;
+        change.kind = FileChange::Kind::Kept;
+        change.shownPath = shownPath(facts, file.path);
+        result.files.push_back(change);
+    }
+}
+
+std::string linesAsText(const std::vector<LineChange>& lines)
+{
+    std::string text;
+    for (const LineChange& line : lines)
+        text += fmt::format("{:5} {} {}{}\n", line.line, line.isNew ? '+' : '-',
+                            printable(QString::fromLatin1(line.text)),
+                            line.hasLineEnd ? "" : " (no line end)");
     return text;
 }
 
-QString writtenPath(const ConfigFile& file)
+std::string changeAsText(const FileChange& file)
 {
-    return kvToQString(kvToString8<maxFileName>(file.path));
+    const std::string path = printable(file.shownPath);
+    switch (file.kind) {
+    case FileChange::Kind::Created:
+        return fmt::format("{}: is created, with {}\n", path, counted(file.lineCount, "line"));
+    case FileChange::Kind::Changed:
+        return fmt::format("{}: changes\n", path) + linesAsText(file.lines);
+    case FileChange::Kind::Blocked:
+        return fmt::format("{}: can't be written: {}\n", path, file.obstacle);
+    case FileChange::Kind::Kept:
+        return fmt::format("{}: stays as it is, and is loaded again next time\n", path);
+    case FileChange::Kind::Unchanged:
+        break;
+    }
+    return {};
 }
-
-class Comparison
-{
-public:
-    explicit Comparison(const SeriesFacts& facts)
-        : m_facts(facts)
-    {}
-
-    void compareInit(const ConfigFile& file)
-    {
-        compare(file);
-        // It is not rendered any further.
-        if (file.content.size() > maxConfigFile)
-            m_text += fmt::format("{}: is cut at {} characters\n", shown(writtenPath(file)),
-                                  maxConfigFile);
-    }
-
-    void compareSeriesFile(const ConfigFile& file)
-    {
-        compare(file);
-        if (file.content.size() > maxConfigFile)
-            m_text += fmt::format("{}: is cut at {} of {} characters\n", shown(writtenPath(file)),
-                                  maxConfigFile, file.content.size());
-    }
-
-    void addUntouched()
-    {
-        for (const FileFact& file : m_facts.files) {
-            if (file.isRead && !m_written.contains(file.path))
-                m_text += fmt::format("{}: stays as it is, and is loaded again next time\n",
-                                      shown(file.path));
-        }
-    }
-
-    /// The files of the series are there before their companion is made.
-    bool writes(const QString& path) const { return m_written.contains(path); }
-
-    std::string text() const { return m_text; }
-
-private:
-    void compare(const ConfigFile& file)
-    {
-        const QString path = writtenPath(file);
-        const QByteArray content = kvToQString(kvToString8<maxConfigFile>(file.content)).toLatin1();
-        const QByteArray before = contentOf(path);
-        const char* const obstacle = obstacleTo(path);
-        if (obstacle == nullptr)
-            m_written.insert(path);
-        if (obstacle != nullptr)
-            m_text += fmt::format("{}: can't be written: {}\n", shown(path), obstacle);
-        else if (!QFileInfo::exists(path))
-            m_text += fmt::format("{}: is created, with {}\n", shown(path),
-                                  counted(content.count('\n'), "line"));
-        else if (before != content)
-            m_text += fmt::format("{}: changes\n", shown(path)) + lineChanges(before, content);
-    }
-
-    std::string shown(const QString& path) const
-    {
-        const QString& folder = m_facts.name.folder;
-        return printable(path.startsWith(folder) ? m_facts.shownFolder + path.mid(folder.size())
-                                                 : path);
-    }
-
-    const SeriesFacts& m_facts;
-    QSet<QString> m_written;
-    std::string m_text;
-};
 
 } // namespace
 
 RoundTrip roundTrip(const SeriesFacts& facts)
 {
-    if (facts.limitReached)
-        return {{}, fmt::format("the series has more than {}", counted(maxSeriesEntries, "line"))};
-    InfoText info;
-    TaskList tasks;
-    loadSeries(facts.name, tasks, silentListener(info));
-    // The editor does not save an empty list.
-    if (tasks.isEmpty())
-        return {};
-    prepareTasks(tasks);
-    const SeriesName name = seriesNameForSaving(facts.name.folder + facts.name.baseName + ".dpc");
-    const RenderedSeries series =
-        renderSeries(tasks, info.text(), name, followUpFiles(name), thisMachine());
-    Comparison comparison(facts);
-    for (const ConfigFile& file : series.files)
-        comparison.compareSeriesFile(file);
-    comparison.compareInit(renderInitFile(series.filesToCreate, name, [&](const QString& resolved) {
-        return comparison.writes(resolved) || kvFileExists(kvToString16<maxPath>(resolved));
-    }));
-    comparison.addUntouched();
-    return {comparison.text(), {}};
+    const Resave saved = resave(facts);
+    RoundTrip result{{}, saved.problem};
+    QSet<QString> written;
+    for (const ResavedFile& file : saved.files) {
+        const FileChange change = changeOf(facts, file);
+        if (change.kind != FileChange::Kind::Blocked)
+            written.insert(file.path);
+        if (change.kind != FileChange::Kind::Unchanged || change.isCut)
+            result.files.push_back(change);
+    }
+    // An empty list is not saved, and leaves nothing behind.
+    if (!saved.files.empty())
+        addKept(facts, written, result);
+    return result;
+}
+
+std::string changesAsText(const std::vector<FileChange>& files)
+{
+    std::string text;
+    for (const FileChange& file : files) {
+        text += changeAsText(file);
+        if (file.isCut)
+            text += fmt::format("{}: is cut at {}{} characters\n", printable(file.shownPath),
+                                maxConfigFile,
+                                file.fullSize > 0 ? fmt::format(" of {}", file.fullSize) : "");
+    }
+    return text;
 }
 
 namespace {
 
+constexpr const char* formats[] = {"text", "json"};
+constexpr Option format{"--format", "FORMAT", ValueKind::Choice, "how to print the changes",
+                        formats};
+constexpr const Option* options[] = {&format};
 constexpr Operand operands[] = {{"PATH", ValueKind::ConfigFile}};
 
 constexpr const char* description =
-    R"(Loads the series as the editor does, renders in memory what the editor would save under the same name, and compares it with the disk, file by file and line by line: "-" is what is there now, "+" what would be there. Also tells of files that would be made, cut, or left over, and of what is in the way of a file. Nothing is written.)";
+    R"(Loads the series as the editor does, renders in memory what the editor would save under the same name, and compares it with the disk, file by file and line by line: "-" is a line that is there now, "+" a line that would be there. Also tells of files that would be made, cut, or left over, and of what is in the way of a file. Nothing is written.)";
 
 constexpr const char* examples[] = {"dpc roundtrip mytest.dpc"};
 
+const char* wordFor(FileChange::Kind kind)
+{
+    switch (kind) {
+    case FileChange::Kind::Created:
+        return "created";
+    case FileChange::Kind::Changed:
+        return "changed";
+    case FileChange::Kind::Blocked:
+        return "blocked";
+    case FileChange::Kind::Kept:
+        return "kept";
+    case FileChange::Kind::Unchanged:
+        break;
+    }
+    return "unchanged";
+}
+
+QJsonObject jsonOf(const FileChange& file)
+{
+    QJsonArray lines;
+    for (const LineChange& line : file.lines)
+        lines.append(QJsonObject{{"line", line.line},
+                                 {"change", line.isNew ? "+" : "-"},
+                                 {"text", QString::fromLatin1(line.text)},
+                                 {"hasLineEnd", line.hasLineEnd}});
+    QJsonObject object{{"file", file.shownPath}, {"change", wordFor(file.kind)}, {"lines", lines}};
+    if (file.kind == FileChange::Kind::Created)
+        object.insert("lineCount", file.lineCount);
+    if (file.kind == FileChange::Kind::Blocked)
+        object.insert("reason", QString::fromStdString(file.obstacle));
+    if (file.isCut)
+        object.insert("cutAt", maxConfigFile);
+    return object;
+}
+
+std::string asJson(const RoundTrip& result, const Remarks& remarks)
+{
+    QJsonArray files;
+    for (const FileChange& file : result.files)
+        files.append(jsonOf(file));
+    QJsonObject all = jsonOutput(remarks);
+    all.insert("files", files);
+    return jsonText(all);
+}
+
 int run(const Arguments& arguments, const Output& output)
 {
-    const auto facts = readOneSeries(arguments.operands().front(), output);
-    if (!facts)
-        return exitUsage;
-    const RoundTrip result = roundTrip(*facts);
+    Remarks remarks;
+    const auto facts = readOneSeries(arguments.operands().front(), remarks);
+    // The lines that a load leaves out are among the changes.
+    remarks.notChecked.clear();
+    RoundTrip result;
+    if (facts)
+        result = roundTrip(*facts);
     if (!result.problem.empty())
-        return fail(output, result.problem);
-    output.out << result.changes;
-    return result.changes.empty() ? exitClean : exitFindings;
+        remarks.problems.push_back(result.problem);
+    const bool json = arguments.value(format) == "json";
+    output.out << (json ? asJson(result, remarks) : changesAsText(result.files));
+    if (printRemarks(remarks, output))
+        return exitUsage;
+    return result.files.empty() ? exitClean : exitFindings;
 }
 
 } // namespace
@@ -214,7 +241,7 @@ int run(const Arguments& arguments, const Output& output)
 const Command roundTripCommand{
     "roundtrip",
     "tell what a load and a save in the editor would change",
-    {},
+    options,
     operands,
     description,
     "a load and a save change nothing",

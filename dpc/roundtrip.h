@@ -2,15 +2,51 @@
 
 #include "check/seriesfacts.h"
 
-#include <string>
+#include <QString>
 
-/// What came of a comparison.
-struct RoundTrip
+#include <string>
+#include <vector>
+
+/// A line that goes or comes.
+struct LineChange
 {
-    std::string changes; ///< what a load and a save would change, file by file; empty for nothing
-    std::string problem; ///< one sentence why it can't be told, or empty
+    int line = 0; ///< from 1, in the file that it is taken from or stands in then
+    bool isNew = false;
+    QByteArray text;         ///< Latin-1, without its line end
+    bool hasLineEnd = false; ///< false for the last line of a file that ends without one
 };
 
-/// Loads a series with the editor's loader, renders it in memory as the editor saves it under the
-/// same name, and compares with the disk. Nothing is written.
+/// What happens to a file of the series.
+struct FileChange
+{
+    /// In the words of the JSON output.
+    enum class Kind
+    {
+        Created,
+        Changed,
+        Unchanged, ///< told only if it is cut
+        Blocked,   ///< can't be written
+        Kept       ///< stays as it is, and is loaded again next time
+    };
+
+    Kind kind = Kind::Unchanged;
+    QString shownPath;    ///< as the user spells the folder
+    std::string obstacle; ///< half a sentence about a file that can't be written
+    int lineCount = 0;    ///< of a file that is created
+    std::vector<LineChange> lines;
+    bool isCut = false;
+    qint64 fullSize = 0; ///< bytes of a file that is cut, before it is; 0 if that is not known
+};
+
+/// What a load and a save change.
+struct RoundTrip
+{
+    std::vector<FileChange> files; ///< in the order of the save; none if nothing changes
+    std::string problem;           ///< one sentence why it can't be told, or empty
+};
+
+/// Compares what a load and a save of a series would write with the disk. Nothing is written.
 RoundTrip roundTrip(const SeriesFacts& facts);
+
+/// File by file, and line by line with "-" and "+"; empty if nothing changes.
+std::string changesAsText(const std::vector<FileChange>& files);

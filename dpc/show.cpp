@@ -55,12 +55,11 @@ ListFormat formatOf(const Arguments& arguments)
 
 int run(const Arguments& arguments, const Output& output)
 {
-    const auto facts = readOneSeries(arguments.operands().front(), output);
-    if (!facts)
-        return exitUsage;
-    output.out << listSeries(*facts, formatOf(arguments), expansionOf(arguments));
-    warnOfLostLines(*facts, output);
-    return exitClean;
+    Remarks remarks;
+    const auto facts = readOneSeries(arguments.operands().front(), remarks);
+    if (facts)
+        output.out << listSeries(*facts, formatOf(arguments), expansionOf(arguments), remarks);
+    return printRemarks(remarks, output) ? exitUsage : exitClean;
 }
 
 } // namespace

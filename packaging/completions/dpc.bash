@@ -12,7 +12,7 @@ _dpc() {
     _init_completion -s || return
 
     for word in "${words[@]:1:cword-1}"; do
-        [[ $word == @(check|show|diff|roundtrip|export|run) ]] && { command=$word; break; }
+        [[ $word == @(check|explain|show|diff|roundtrip|init|export|run) ]] && { command=$word; break; }
     done
     case $command:$prev in
         check:--format) COMPREPLY=($(compgen -W 'text json' -- "$cur")); return ;;
@@ -24,6 +24,8 @@ _dpc() {
         show:--host) _known_hosts_real -- "$cur"; return ;;
         show:--date) :; return ;;
         show:--iteration) :; return ;;
+        diff:--format) COMPREPLY=($(compgen -W 'text json' -- "$cur")); return ;;
+        roundtrip:--format) COMPREPLY=($(compgen -W 'text json' -- "$cur")); return ;;
         export:--format) COMPREPLY=($(compgen -W 'text json' -- "$cur")); return ;;
         export:--hosts) _known_hosts_real -- "$cur"; return ;;
         export:--hosts-file) _filedir; return ;;
@@ -42,12 +44,14 @@ _dpc() {
     esac
     $split && return
     case $command in
-        '') COMPREPLY=($(compgen -W "check show diff roundtrip export run $options --version" -- "$cur"))
+        '') COMPREPLY=($(compgen -W "check explain show diff roundtrip init export run $options --version" -- "$cur"))
             return ;;
         check) options+=' --format -q --quiet --no-rule --werror --hosts --machines --hosts-file --list-rules' operand='_filedir dpc' ;;
+        explain) options+='' operand='_dpc_rules' ;;
         show) options+=' --format --expand --host --date --iteration' operand='_filedir dpc' ;;
-        diff) options+='' operand='_filedir dpc' ;;
-        roundtrip) options+='' operand='_filedir dpc' ;;
+        diff) options+=' --format' operand='_filedir dpc' ;;
+        roundtrip) options+=' --format' operand='_filedir dpc' ;;
+        init) options+=' --write' operand='_filedir dpc' ;;
         export) options+=' --format --hosts --hosts-file --temp --date --allow-loss' operand='_filedir dpc' ;;
         run) options+=' --to --hosts --hosts-file --temp --date --allow-loss --dry-run --stage --overwrite --keep-going --timeout --start-at-minute --trust-network' operand='_filedir dpc' ;;
     esac

@@ -1,15 +1,17 @@
 # Completion of dpc(1) for fish.
 # Made from the options of the program, see CONTRIBUTING.md; not to be edited.
-set -l commands check show diff roundtrip export run
+set -l commands check explain show diff roundtrip init export run
 set -l none "not __fish_seen_subcommand_from $commands"
 
 complete -c dpc -f
 complete -c dpc -s h -l help -d 'print this page, and end'
 complete -c dpc -n $none -l version -d 'print the version, and end'
 complete -c dpc -n $none -a check -d 'report every mistake in a series, before machines run it'
+complete -c dpc -n $none -a explain -d 'explain a rule of dpc check by examples'
 complete -c dpc -n $none -a show -d 'show a series as the editor\'s table shows it'
 complete -c dpc -n $none -a diff -d 'compare two series by task and field'
 complete -c dpc -n $none -a roundtrip -d 'tell what a load and a save in the editor would change'
+complete -c dpc -n $none -a init -d 'print or write the _init file of a series'
 complete -c dpc -n $none -a export -d 'write the jobs of fio that a series stands for'
 complete -c dpc -n $none -a run -d 'run a series on fio, and account for every job'
 
@@ -23,6 +25,8 @@ complete -c dpc -n '__fish_seen_subcommand_from check' -l machines -x -d 'so man
 complete -c dpc -n '__fish_seen_subcommand_from check' -l hosts-file -r -F -d 'the same from a file, one name or range per line'
 complete -c dpc -n '__fish_seen_subcommand_from check' -l list-rules -d 'print all rules, and end'
 
+complete -c dpc -n '__fish_seen_subcommand_from explain' -x -a '(dpc check --list-rules 2>/dev/null | string match -rg "^([^ ]+) \(")'
+
 complete -c dpc -n '__fish_seen_subcommand_from show' -x -k -a '(__fish_complete_suffix .dpc)'
 complete -c dpc -n '__fish_seen_subcommand_from show' -l format -x -a 'text csv json' -d 'how to print the tasks'
 complete -c dpc -n '__fish_seen_subcommand_from show' -l expand -d 'resolve every path as one machine does'
@@ -31,8 +35,13 @@ complete -c dpc -n '__fish_seen_subcommand_from show' -l date -x -d 'the text th
 complete -c dpc -n '__fish_seen_subcommand_from show' -l iteration -x -d 'the number that [iter] stands for'
 
 complete -c dpc -n '__fish_seen_subcommand_from diff' -x -k -a '(__fish_complete_suffix .dpc)'
+complete -c dpc -n '__fish_seen_subcommand_from diff' -l format -x -a 'text json' -d 'how to print the differences'
 
 complete -c dpc -n '__fish_seen_subcommand_from roundtrip' -x -k -a '(__fish_complete_suffix .dpc)'
+complete -c dpc -n '__fish_seen_subcommand_from roundtrip' -l format -x -a 'text json' -d 'how to print the changes'
+
+complete -c dpc -n '__fish_seen_subcommand_from init' -x -k -a '(__fish_complete_suffix .dpc)'
+complete -c dpc -n '__fish_seen_subcommand_from init' -l write -d 'put the file in place, whole or not at all, in place of printing it'
 
 complete -c dpc -n '__fish_seen_subcommand_from export' -x -k -a '(__fish_complete_suffix .dpc)'
 complete -c dpc -n '__fish_seen_subcommand_from export' -l format -x -a 'text json' -d 'how to print what is lost'

@@ -175,7 +175,7 @@ private slots:
     {
         m_series->put("a.dpc", goodLine());
         QVERIFY(QDir(m_series->root()).mkdir("_wait/a.dpc"));
-        QVERIFY(changes().contains("_wait/a.dpc: can't be written: what is there is no file\n"));
+        QVERIFY(changes().contains("_wait/a.dpc: can't be written: what is there is not a file\n"));
         QVERIFY(QDir(m_series->root() + "_wait").removeRecursively());
         m_series->put("_wait", "");
         QVERIFY(changes().contains("_wait/a.dpc: can't be written: the folder is a file\n"));
@@ -269,7 +269,10 @@ private slots:
     }
 
 private:
-    QString changes() const { return QString::fromStdString(roundTrip(m_series->facts()).changes); }
+    QString changes() const
+    {
+        return QString::fromStdString(changesAsText(roundTrip(m_series->facts()).files));
+    }
 
     static QByteArray everyByte()
     {
