@@ -16,7 +16,7 @@ namespace {
 void countWriters(const QByteArray& expected, const PlainTask& plain)
 {
     TestTask task = samples::defaultTask();
-    _kvString<1000> line;
+    _kvString<maxLine> line;
     count("write line", [&] { writeTaskLine(line, task); });
     require(kvToQString(line).toLatin1() == expected, "writeTaskLine");
 
@@ -29,8 +29,8 @@ void countWriters(const QByteArray& expected, const PlainTask& plain)
 
 void countReaders(const QByteArray& text)
 {
-    const _kvString<1000> line(text.constData());
-    const _kvString8_allSize<500> file("/share/test/mytest.dpc");
+    const _kvString<maxLine> line(text.constData());
+    const _kvString8_allSize<maxPath> file("/share/test/mytest.dpc");
     TestTask task;
     bool done = false;
     count("read line", [&] { done = readTaskLine(task, line, file); });
@@ -50,9 +50,9 @@ void countReaders(const QByteArray& text)
 }
 
 /// A name of about this many characters that holds every variable, or one of them again and again.
-_kvString<500> nameWith(const char* variables, int characters)
+_kvString<maxPath> nameWith(const char* variables, int characters)
 {
-    _kvString<500> name("/share/");
+    _kvString<maxPath> name("/share/");
     name.add(variables);
     while (name.length < characters)
         name.add("folder/");
@@ -65,7 +65,7 @@ void countOtherTasks()
     const TaskList tasks = samples::distinctTasks(1000, 1);
     const auto expand = [](const char* name, const TestTask& task) {
         count(name, [&] {
-            _kvString<500> text("[cfgPath]/[cfgName]/[host]-[iter].dat");
+            _kvString<maxPath> text("[cfgPath]/[cfgName]/[host]-[iter].dat");
             replaceFileVariables(task, text, 7, 3, false);
         });
     };
@@ -76,10 +76,10 @@ void countOtherTasks()
 void countExpansion()
 {
     TestTask task = samples::defaultTask();
-    task.configPath = _kvString8_allSize<500>("/share/test/mytest.dpc");
-    const auto expand = [&](const char* name, const _kvString<500>& text) {
+    task.configPath = _kvString8_allSize<maxPath>("/share/test/mytest.dpc");
+    const auto expand = [&](const char* name, const _kvString<maxPath>& text) {
         count(name, [&] {
-            _kvString<500> copy = text;
+            _kvString<maxPath> copy = text;
             replaceFileVariables(task, copy, 7, 3, false);
         });
     };
@@ -96,12 +96,12 @@ void countExpansion()
 
 void countLineLengths()
 {
-    const _kvString8_allSize<500> file("/share/test/mytest.dpc");
+    const _kvString8_allSize<maxPath> file("/share/test/mytest.dpc");
     for (const int characters : {100, 1000}) {
         TestTask task = samples::taskWithLine(characters);
-        const _kvString<1000> line = samples::lineOf(task);
+        const _kvString<maxLine> line = samples::lineOf(task);
         const QByteArray suffix = ' ' + QByteArray::number(characters);
-        _kvString<1000> written;
+        _kvString<maxLine> written;
         count("write length" + suffix, [&] { writeTaskLine(written, task); });
         count("read length" + suffix, [&] { readTaskLine(task, line, file); });
     }

@@ -33,8 +33,8 @@ void writeFile(const QString& path, const QByteArray& content)
 void countOneFile(const QString& folder)
 {
     const QByteArray content(4000, 'x');
-    const auto file = kvToString8<250>(folder + "own");
-    const _kvString8_allSize<5000> text(content.constData());
+    const auto file = kvToString8<maxFileName>(folder + "own");
+    const _kvString8_allSize<maxConfigFile> text(content.constData());
     count("save file", [&] { writeToLogFile(file, text, true, false); });
     count("save file QSaveFile", [&] { writeFile(folder + "other", content); });
 }

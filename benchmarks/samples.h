@@ -15,9 +15,9 @@ inline TestTask defaultTask()
     return task;
 }
 
-inline _kvString<1000> lineOf(TestTask task)
+inline _kvString<maxLine> lineOf(TestTask task)
 {
-    _kvString<1000> line;
+    _kvString<maxLine> line;
     writeTaskLine(line, task);
     return line;
 }
@@ -29,7 +29,7 @@ inline TaskList distinctTasks(int count, int iterations)
     for (int number = 0; number < count; ++number) {
         TestTask task = defaultTask();
         task.iterations = iterations;
-        task.sourcePath = _kvString8_allSize<500>("[cfgPath]/testfile_");
+        task.sourcePath = _kvString8_allSize<maxPath>("[cfgPath]/testfile_");
         task.sourcePath.addNr(number);
         task.sourcePath.add("-[iter].dat");
         tasks.append(task);
@@ -43,7 +43,7 @@ inline TestTask taskWithLine(int characters)
     constexpr int withoutPaths = 80;
     TestTask task = defaultTask();
     for (auto* path : {&task.sourcePath, &task.destPath, &task.logPath, &task.csvPath}) {
-        *path = _kvString8_allSize<500>("/");
+        *path = _kvString8_allSize<maxPath>("/");
         while (path->length < (characters - withoutPaths) / 4)
             path->add("folder/");
     }

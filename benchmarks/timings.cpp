@@ -19,7 +19,7 @@ const QByteArray& lineText()
 void writeLine(benchmark::State& state)
 {
     TestTask task = samples::defaultTask();
-    _kvString<1000> line;
+    _kvString<maxLine> line;
     while (state.KeepRunning())
         benchmark::DoNotOptimize(&writeTaskLine(line, task));
 }
@@ -39,8 +39,8 @@ BENCHMARK_TEMPLATE(writePlain, writeByToChars);
 
 void readLine(benchmark::State& state)
 {
-    const _kvString<1000> line(lineText().constData());
-    const _kvString8_allSize<500> file("/share/test/mytest.dpc");
+    const _kvString<maxLine> line(lineText().constData());
+    const _kvString8_allSize<maxPath> file("/share/test/mytest.dpc");
     TestTask task;
     while (state.KeepRunning())
         benchmark::DoNotOptimize(readTaskLine(task, line, file));
@@ -61,9 +61,9 @@ BENCHMARK_TEMPLATE(readPlain, readByFromChars);
 void expandName(benchmark::State& state)
 {
     TestTask task = samples::defaultTask();
-    task.configPath = _kvString8_allSize<500>("/share/test/mytest.dpc");
+    task.configPath = _kvString8_allSize<maxPath>("/share/test/mytest.dpc");
     while (state.KeepRunning()) {
-        _kvString<500> name("[cfgPath]/[cfgName]/[host]/testfile-[cfgTaskID]_[iter].dat");
+        _kvString<maxPath> name("[cfgPath]/[cfgName]/[host]/testfile-[cfgTaskID]_[iter].dat");
         benchmark::DoNotOptimize(replaceFileVariables(task, name, 7, 3, false));
     }
 }

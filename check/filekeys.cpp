@@ -1,5 +1,6 @@
 #include "check/filekeys.h"
 
+#include "model/limits.h"
 #include "shared/kvpath.h"
 
 #include <utility>
@@ -21,7 +22,7 @@ QByteArray resolved(const QByteArray& path)
     // Most paths have nothing to resolve.
     if (!path.contains("//") && !path.contains("/."))
         return path;
-    _kvString8_allSize<500> text;
+    _kvString8_allSize<maxPath> text;
     text.add(path.constData(), path.size());
     const auto result = kvPathResolve(text);
     return {result.text, result.length};

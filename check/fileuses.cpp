@@ -15,21 +15,21 @@ constexpr char configPathVariable[] = "[cfgPath]";
 /// Names that hold "[host]" are looked at for as many machines as this allows, at least two.
 constexpr long long mostNamesByHost = 300000;
 
-QByteArray latin1(const _kvString<500>& text)
+QByteArray latin1(const _kvString<maxPath>& text)
 {
     return kvToQString(text).toLatin1();
 }
 
 bool isRelative(const QByteArray& path)
 {
-    _kvString8_allSize<500> text;
+    _kvString8_allSize<maxPath> text;
     text.add(path.constData(), path.size());
     return isRelativePath(text);
 }
 
 QByteArray resolved(const QByteArray& path)
 {
-    _kvString8_allSize<500> text;
+    _kvString8_allSize<maxPath> text;
     text.add(path.constData(), path.size());
     const auto result = kvPathResolve(text);
     return {result.text, result.length};
@@ -114,7 +114,7 @@ int FileUses::nameFor(const LineFact& line, const QByteArray& path, int iteratio
     name.text = m_expander.initName(line, full, iteration).toLatin1();
     // What is cut differs from machine to machine, and ".." can't be followed past a variable.
     name.mustExpandAnew = path.contains("..") ||
-                          full.size() + full.count('[') * m_expander.longestValue() >= longestPath;
+                          full.size() + full.count('[') * m_expander.longestValue() >= maxPath;
     const QByteArray key = name.mustExpandAnew
                                ? name.text + '\n' + QByteArray::number(qulonglong(m_uses.size()))
                                : name.text;
@@ -152,7 +152,7 @@ QByteArray FileUses::pathOn(const FileUse& use, int machine) const
     const MachineName& on = m_machines[size_t(std::max(machine, 0))];
     if (name.mustExpandAnew) {
         MachineValues values = m_here;
-        values.computerName = _kvString<500>(on.inPath.constData());
+        values.computerName = _kvString<maxPath>(on.inPath.constData());
         values.date = dateVariable;
         const LineFact& line = m_facts.lines[size_t(use.line)];
         return NameExpander(m_facts, values)

@@ -10,7 +10,7 @@
 
 namespace {
 
-using Path = _kvString8_allSize<500>;
+using Path = _kvString8_allSize<maxPath>;
 
 Path toPath(const QByteArray& text)
 {
@@ -44,14 +44,14 @@ void NameExpander::turnTo(const LineFact& line)
     m_file = line.file;
     const FileFact& file = m_facts.fileOf(line);
     const QString fileName = file.path.mid(file.path.lastIndexOf('/') + 1);
-    m_task.configPath = kvToString8<500>(m_facts.runFolder + fileName);
+    m_task.configPath = kvToString8<maxPath>(m_facts.runFolder + fileName);
     m_task.configId = file.number;
 }
 
 QString NameExpander::expand(const LineFact& line, const QByteArray& path, int iteration,
                              bool keepCfgPath)
 {
-    _kvString<500> text;
+    _kvString<maxPath> text;
     text.addSignExtended(path.constData(), path.size());
     return kvToQString(
         replaceFileVariables(m_task, text, line.taskNumber, iteration, keepCfgPath, m_machine));
@@ -98,7 +98,7 @@ TestTask& NameExpander::record(const LineFact& line)
 
 MachineValues noMachine()
 {
-    return {_kvString<500>("[host]"), QStringLiteral("[date]"), Path("[temp]")};
+    return {_kvString<maxPath>("[host]"), QStringLiteral("[date]"), Path("[temp]")};
 }
 
 MachineValues thisMachine()

@@ -13,12 +13,12 @@ namespace {
 
 const QString extension = QStringLiteral(".dpc");
 
-QByteArray latin1(const _kvString<1000>& line)
+QByteArray latin1(const _kvString<maxLine>& line)
 {
     return kvToQString(line).toLatin1();
 }
 
-int leadingBlanks(const _kvString<1000>& line)
+int leadingBlanks(const _kvString<maxLine>& line)
 {
     int count = 0;
     while (count < line.length && kvdetail::isWhiteSpace(line.text[count]))
@@ -29,9 +29,9 @@ int leadingBlanks(const _kvString<1000>& line)
 /// Notes where the last character stands that a save would keep.
 void noteLine(FileFact& file, const ConfigFileReader& reader, qint64& offset)
 {
-    if (file.lineAtLimit == 0 && offset + reader.lineLength() >= longestConfigFile) {
+    if (file.lineAtLimit == 0 && offset + reader.lineLength() >= maxConfigFile) {
         file.lineAtLimit = reader.lineNumber();
-        file.columnAtLimit = int(std::max<qint64>(longestConfigFile - offset, 1));
+        file.columnAtLimit = int(std::max<qint64>(maxConfigFile - offset, 1));
     }
     offset += reader.lineLength() + 1;
     file.lineCount = reader.lineNumber();
@@ -46,7 +46,7 @@ public:
         , m_file(file)
         , m_index(index)
         , m_entryLimit(entryLimit)
-        , m_path(kvToString8<500>(file.path))
+        , m_path(kvToString8<maxPath>(file.path))
         , m_takesInfo(std::all_of(facts.info.begin(), facts.info.end(),
                                   [](const std::string& text) { return text.empty(); }))
     {}
@@ -56,7 +56,7 @@ public:
         ConfigFileReader reader(m_path);
         m_file.readable = reader.isOpen();
         m_file.firstEntry = m_file.endEntry = int(m_facts.lines.size());
-        _kvString<1000> line;
+        _kvString<maxLine> line;
         qint64 offset = 0;
         while (!m_facts.limitReached && reader.readLine(line)) {
             noteLine(m_file, reader, offset);
@@ -67,13 +67,13 @@ public:
     }
 
 private:
-    void scanLine(_kvString<1000>& line, qint64 length, int number)
+    void scanLine(_kvString<maxLine>& line, qint64 length, int number)
     {
         LineFact fact;
         fact.file = m_index;
         fact.line = number;
         fact.length = length;
-        fact.hasZero = line.length < std::min<qint64>(length, longestLine);
+        fact.hasZero = line.length < std::min<qint64>(length, maxLine);
         fact.column = leadingBlanks(line);
         const ConfigLine kind = takeConfigLine(line);
         if (kind == ConfigLine::Comment)
@@ -82,20 +82,20 @@ private:
             scanEntry(fact, line);
     }
 
-    void scanComment(LineFact& fact, const _kvString<1000>& line)
+    void scanComment(LineFact& fact, const _kvString<maxLine>& line)
     {
         if (m_takesInfo && m_facts.info.size() < maxSeriesComments)
             m_facts.info.push_back(kvToQString(line).toStdString());
         else if (m_takesInfo && m_facts.infoCut.line == 0)
             m_facts.infoCut = {m_index, fact.line};
-        const bool isWhole = fact.length < longestLine && !fact.hasZero;
+        const bool isWhole = fact.length < maxLine && !fact.hasZero;
         if (isWhole || ++m_facts.brokenComments > maxSeriesComments)
             return;
         fact.text = latin1(line);
         m_facts.lines.push_back(fact);
     }
 
-    void scanEntry(LineFact& fact, const _kvString<1000>& line)
+    void scanEntry(LineFact& fact, const _kvString<maxLine>& line)
     {
         if (m_facts.entryCount == m_entryLimit) {
             m_facts.limitReached = true;
@@ -116,7 +116,7 @@ private:
         m_facts.lines.push_back(fact);
     }
 
-    void takeTask(LineFact& fact, const _kvString<1000>& line)
+    void takeTask(LineFact& fact, const _kvString<maxLine>& line)
     {
         fact.kind = LineFact::Kind::Task;
         fact.fields = splitTaskLine(line);
@@ -132,7 +132,7 @@ private:
     FileFact& m_file;
     int m_index;
     int m_entryLimit;
-    _kvString8_allSize<500> m_path;
+    _kvString8_allSize<maxPath> m_path;
     bool m_takesInfo;
     TestTask m_task;
 };
@@ -140,10 +140,10 @@ private:
 /// Reads an "_init" file: what its lines create, those that are commented out included.
 void readInit(SeriesFacts& facts, FileFact& file, int entryLimit)
 {
-    const auto path = kvToString8<500>(file.path);
+    const auto path = kvToString8<maxPath>(file.path);
     ConfigFileReader reader(path);
     file.readable = reader.isOpen();
-    _kvString<1000> line;
+    _kvString<maxLine> line;
     TestTask task;
     qint64 offset = 0;
     while (facts.init.size() < entryLimit && reader.readLine(line)) {
@@ -265,7 +265,7 @@ QByteArray LineFact::path(TaskPath which) const
 {
     if ((which == SourcePath && fromMemory) || (which == DestPath && toMemory))
         return {};
-    return field(firstPathField + which).left(longestPath);
+    return field(firstPathField + which).left(maxPath);
 }
 
 int LineFact::columnOf(int number) const

@@ -159,12 +159,6 @@ struct SeriesFacts
 /// How many names a path stands for.
 int iterationsOf(const LineFact& line, const QByteArray& path);
 
-/// What a saved config file can hold, and what its name can.
-constexpr int longestConfigFile = 5000;
-constexpr int longestFileName = 250;
-constexpr int longestLine = 1000;
-constexpr int longestPath = 500;
-
 /// What is looked at of one series.
 struct ReadLimits
 {

@@ -18,7 +18,7 @@ const char* findByte(const char* start, const char* end, char byte)
 
 } // namespace
 
-ConfigLine takeConfigLine(_kvString<1000>& line)
+ConfigLine takeConfigLine(_kvString<maxLine>& line)
 {
     constexpr unsigned short commentMark = '#';
     // Before trimming: a "#" after blanks is no comment.
@@ -31,14 +31,14 @@ ConfigLine takeConfigLine(_kvString<1000>& line)
     return line.isEmpty() ? ConfigLine::Blank : ConfigLine::Entry;
 }
 
-ConfigFileReader::ConfigFileReader(const _kvString8_allSize<500>& path)
+ConfigFileReader::ConfigFileReader(const _kvString8_allSize<maxPath>& path)
     : m_file(kvToQString(path))
 {
     if (QFileInfo(m_file.fileName()).isFile())
         m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
 }
 
-bool ConfigFileReader::readLine(_kvString<1000>& line)
+bool ConfigFileReader::readLine(_kvString<maxLine>& line)
 {
     line.clear();
     m_lineLength = 0;

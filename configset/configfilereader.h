@@ -16,7 +16,7 @@ enum class ConfigLine
 
 /// Tells what a line of a config file is, and brings it into the form in which it is used: an entry
 /// trimmed, a comment without its mark and trimmed.
-ConfigLine takeConfigLine(_kvString<1000>& line);
+ConfigLine takeConfigLine(_kvString<maxLine>& line);
 
 /// Reads a config file line by line, in bounded time and memory whatever the file holds.
 ///
@@ -31,13 +31,13 @@ public:
     static constexpr qint64 largestFile = maxFileRead; ///< bytes
 
     /// Opens the file; the name is Latin-1 like every text of a task.
-    explicit ConfigFileReader(const _kvString8_allSize<500>& path);
+    explicit ConfigFileReader(const _kvString8_allSize<maxPath>& path);
 
     /// False where there is no regular file that this user may read.
     bool isOpen() const { return m_file.isOpen(); }
 
     /// Reads up to the next "\n" or the end of the file; false where nothing is left.
-    bool readLine(_kvString<1000>& line);
+    bool readLine(_kvString<maxLine>& line);
 
     int lineNumber() const { return m_lineNumber; }    ///< of the last line, from 1
     qint64 lineLength() const { return m_lineLength; } ///< bytes of the last line, uncut

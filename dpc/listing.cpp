@@ -34,9 +34,9 @@ struct Row
 TestTask loaded(const SeriesFacts& facts, const LineFact& line)
 {
     TestTask task;
-    _kvString<1000> text;
+    _kvString<maxLine> text;
     text.add(line.text.constData(), line.text.size());
-    readTaskLine(task, text, kvToString8<500>(facts.fileOf(line).path));
+    readTaskLine(task, text, kvToString8<maxPath>(facts.fileOf(line).path));
     return task;
 }
 

@@ -39,7 +39,7 @@ MachineValues valuesOf(const PlanMachine& machine, const QString& date)
     MachineValues values;
     values.computerName = computerNameFrom(machine.name.toLatin1().constData());
     values.date = date;
-    values.tempFolder = kvToString8<500>(machine.tempFolder);
+    values.tempFolder = kvToString8<maxPath>(machine.tempFolder);
     return values;
 }
 
@@ -333,7 +333,7 @@ private:
         const int field = firstPathField + which;
         if (path.isEmpty())
             return true;
-        const std::string problem = path.size() >= longestPath
+        const std::string problem = path.size() >= maxPath
                                         ? "has 500 characters with its variables replaced, and "
                                           "may have been cut"
                                         : nameProblem(path);

@@ -40,10 +40,10 @@ template <class Text, class Replace>
 Result expandBy(const Replace& replace, Text text, const slow::NameValues& values)
 {
     TestTask task;
-    task.configPath = kvToString8<500>(values.configPath);
+    task.configPath = kvToString8<maxPath>(values.configPath);
     task.configId = values.configId;
     MachineValues machine;
-    machine.computerName = kvToString16<500>(values.host);
+    machine.computerName = kvToString16<maxPath>(values.host);
     machine.date = values.date;
     const Text resolved =
         replace(task, text, values.taskNumber, values.iteration, values.keepCfgPath, machine);
@@ -53,12 +53,12 @@ Result expandBy(const Replace& replace, Text text, const slow::NameValues& value
 
 Result wide(const QString& name, const slow::NameValues& values)
 {
-    return expandBy(replaceFileVariables, kvToString16<500>(name), values);
+    return expandBy(replaceFileVariables, kvToString16<maxPath>(name), values);
 }
 
 Result narrow(const QString& name, const slow::NameValues& values)
 {
-    return expandBy(replaceFileVariables8, kvToString8<500>(name), values);
+    return expandBy(replaceFileVariables8, kvToString8<maxPath>(name), values);
 }
 
 /// The same values but for those that none of these variables stands for.

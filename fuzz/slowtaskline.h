@@ -46,7 +46,7 @@ inline std::optional<QString> describeLine(const QString& line, const QString& c
     if (line.endsWith(".dpc")) {
         TestTask task;
         task.waitForNextConfig = true;
-        task.sourcePath = kvToString8<500>(markedPath(line, configPath, date));
+        task.sourcePath = kvToString8<maxPath>(markedPath(line, configPath, date));
         return describe(task);
     }
     const auto reading = slowreading::read(line, folderOf(configPath));

@@ -8,8 +8,8 @@
 
 namespace {
 
-using Path = _kvString8_allSize<500>;
-using Line = _kvString<1000>;
+using Path = _kvString8_allSize<maxPath>;
+using Line = _kvString<maxLine>;
 
 /// Bytes from 128 on as the writer makes them: both forms of a line read alike.
 Line signExtended(const QString& text)
@@ -73,7 +73,7 @@ void checkWriting(const QString& text)
 {
     const Path configPath("/cfg/set.dpc");
     TestTask first;
-    if (!readTaskLine(first, kvToString16<1000>(text), configPath) || first.waitForNextConfig)
+    if (!readTaskLine(first, kvToString16<maxLine>(text), configPath) || first.waitForNextConfig)
         return;
     Line once;
     writeTaskLine(once, first);
@@ -111,9 +111,9 @@ void checkReading(const QString& text, const Line& line, const Path& configPath)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     QByteArray input = fuzz::bytesOf(data, size);
-    const auto configPath = kvToString8<500>(fuzz::latin1(fuzz::takeLine(input)));
+    const auto configPath = kvToString8<maxPath>(fuzz::latin1(fuzz::takeLine(input)));
     const QString line = fuzz::latin1(input.left(1000));
-    checkReading(line, kvToString16<1000>(line), configPath);
+    checkReading(line, kvToString16<maxLine>(line), configPath);
     checkReading(line, signExtended(line), configPath);
     checkWriting(line);
     return 0;

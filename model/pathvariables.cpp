@@ -16,12 +16,12 @@ namespace {
 /// How values become 8-bit text.
 struct Narrow
 {
-    using Text = _kvString8_allSize<500>;
+    using Text = _kvString8_allSize<maxPath>;
 
-    static Text fromQString(const QString& text) { return kvToString8<500>(text); }
-    static Text fromPath(const _kvString8_allSize<500>& path) { return path; }
+    static Text fromQString(const QString& text) { return kvToString8<maxPath>(text); }
+    static Text fromPath(const _kvString8_allSize<maxPath>& path) { return path; }
 
-    static Text fromComputerName(const _kvString<500>& name)
+    static Text fromComputerName(const _kvString<maxPath>& name)
     {
         constexpr int maxNarrowName = 499;
         Text narrowed;
@@ -34,13 +34,13 @@ struct Narrow
 /// How values become 16-bit text.
 struct Wide
 {
-    using Text = _kvString<500>;
+    using Text = _kvString<maxPath>;
 
-    static Text fromQString(const QString& text) { return kvToString16<500>(text); }
-    static Text fromComputerName(const _kvString<500>& name) { return name; }
+    static Text fromQString(const QString& text) { return kvToString16<maxPath>(text); }
+    static Text fromComputerName(const _kvString<maxPath>& name) { return name; }
 
     /// Folders widen as signed bytes, as paths do in a task line.
-    static Text fromPath(const _kvString8_allSize<500>& path)
+    static Text fromPath(const _kvString8_allSize<maxPath>& path)
     {
         Text widened;
         widened.addSignExtended(path.text, path.length);
@@ -173,7 +173,7 @@ static_assert(pathVariableCount <= std::numeric_limits<unsigned>::digits, "one b
 
 } // namespace
 
-_kvString<500> getComputerName()
+_kvString<maxPath> getComputerName()
 {
     char hostName[256] = {};
     const bool isKnown = ::gethostname(hostName, sizeof hostName - 1) == 0;
@@ -181,34 +181,36 @@ _kvString<500> getComputerName()
     return computerNameFrom(isKnown ? hostName : "");
 }
 
-_kvString<500> computerNameFrom(const char* hostName)
+_kvString<maxPath> computerNameFrom(const char* hostName)
 {
-    _kvString<500> name(hostName);
+    _kvString<maxPath> name(hostName);
     const int dot = name.indexOf('.', 0);
     if (dot >= 1)
         name.setLength(static_cast<short>(dot));
     if (name.isEmpty() || name.isEqual("localhost"))
-        name = _kvString<500>("NoHostNameSet_");
+        name = _kvString<maxPath>("NoHostNameSet_");
     return name;
 }
 
-_kvString<500> replaceFileVariables(const TestTask& task, _kvString<500>& text,
-                                    std::int32_t taskNumber, std::int32_t iteration,
-                                    const bool& keepCfgPath, const MachineValues& machine)
+_kvString<maxPath> replaceFileVariables(const TestTask& task, _kvString<maxPath>& text,
+                                        std::int32_t taskNumber, std::int32_t iteration,
+                                        const bool& keepCfgPath, const MachineValues& machine)
 {
     Expansion<Wide>(task, taskNumber, iteration, machine).replaceIn(text, keepCfgPath);
     return kvPathResolve(text);
 }
 
-_kvString8_allSize<500> replaceFileVariables8(const TestTask& task, _kvString8_allSize<500>& text,
-                                              std::int32_t taskNumber, std::int32_t iteration,
-                                              const bool& keepCfgPath, const MachineValues& machine)
+_kvString8_allSize<maxPath> replaceFileVariables8(const TestTask& task,
+                                                  _kvString8_allSize<maxPath>& text,
+                                                  std::int32_t taskNumber, std::int32_t iteration,
+                                                  const bool& keepCfgPath,
+                                                  const MachineValues& machine)
 {
     Expansion<Narrow>(task, taskNumber, iteration, machine).replaceIn(text, keepCfgPath);
     return kvPathResolve(text);
 }
 
-bool mayDependOnIteration(const _kvString<500>& name)
+bool mayDependOnIteration(const _kvString<maxPath>& name)
 {
     const char* const* const end = pathVariables + int(PathVariable::Iter) + 1;
     return std::any_of(pathVariables, end,

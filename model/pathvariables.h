@@ -40,33 +40,34 @@ constexpr const char* spellingOf(PathVariable variable)
 /// What the variables of a machine stand for. A value that is not set is asked of this machine.
 struct MachineValues
 {
-    std::optional<_kvString<500>> computerName;        ///< "[host]"
-    std::optional<QString> date;                       ///< "[date]"
-    std::optional<_kvString8_allSize<500>> tempFolder; ///< "[temp]"
+    std::optional<_kvString<maxPath>> computerName;        ///< "[host]"
+    std::optional<QString> date;                           ///< "[date]"
+    std::optional<_kvString8_allSize<maxPath>> tempFolder; ///< "[temp]"
 };
 
 /// This machine's name as used in file names.
-_kvString<500> getComputerName();
+_kvString<maxPath> getComputerName();
 
 /// The same for a given host name (Latin-1): without its domain, and "NoHostNameSet_" for the empty
 /// name and for "localhost". A name that begins with a dot is kept whole.
-_kvString<500> computerNameFrom(const char* hostName);
+_kvString<maxPath> computerNameFrom(const char* hostName);
 
 /// Replaces the variables in a file name, such as "[host]", "[iter]" or "[cfgPath]", and returns
 /// the result as a resolved path; `text` itself is left expanded and unresolved. Variables are
 /// matched exactly; unknown bracketed words stay. The values of "[cfgName]", "[cfgPath]" and their
 /// like follow from the `configPath` of the task, "[cfgID]" from its `configId`. With `keepCfgPath`
 /// "[cfgPath]" stays in the text. Every value and the result are cut at 500 characters.
-_kvString<500> replaceFileVariables(const TestTask& task, _kvString<500>& text,
-                                    std::int32_t taskNumber, std::int32_t iteration,
-                                    const bool& keepCfgPath, const MachineValues& machine = {});
+_kvString<maxPath> replaceFileVariables(const TestTask& task, _kvString<maxPath>& text,
+                                        std::int32_t taskNumber, std::int32_t iteration,
+                                        const bool& keepCfgPath, const MachineValues& machine = {});
 
 /// The same for 8-bit texts (Latin-1).
-_kvString8_allSize<500> replaceFileVariables8(const TestTask& task, _kvString8_allSize<500>& text,
-                                              std::int32_t taskNumber, std::int32_t iteration,
-                                              const bool& keepCfgPath,
-                                              const MachineValues& machine = {});
+_kvString8_allSize<maxPath> replaceFileVariables8(const TestTask& task,
+                                                  _kvString8_allSize<maxPath>& text,
+                                                  std::int32_t taskNumber, std::int32_t iteration,
+                                                  const bool& keepCfgPath,
+                                                  const MachineValues& machine = {});
 
 /// False if a name is surely the same in every iteration. The values of variables that are replaced
 /// before "[iter]" count as well: they may complete it, and the date goes on from one to the next.
-bool mayDependOnIteration(const _kvString<500>& name);
+bool mayDependOnIteration(const _kvString<maxPath>& name);

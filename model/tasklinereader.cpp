@@ -30,7 +30,7 @@ struct Field
 class FieldReader
 {
 public:
-    explicit FieldReader(const _kvString<1000>& line)
+    explicit FieldReader(const _kvString<maxLine>& line)
         : m_line(line)
     {}
 
@@ -55,7 +55,7 @@ public:
     const TaskLineProblem& last() const { return m_last; }
 
 private:
-    const _kvString<1000>& m_line;
+    const _kvString<maxLine>& m_line;
     int m_position = 0;
     int m_count = 0;
     TaskLineProblem m_last;
@@ -168,7 +168,7 @@ void readPaths(TestTask& task, FieldReader& fields, const Path& folder)
     task.destPathAsRead = task.destPath;
 }
 
-void readMarker(TestTask& task, const _kvString<1000>& line)
+void readMarker(TestTask& task, const _kvString<maxLine>& line)
 {
     task.waitForNextConfig = true;
     narrow(task.sourcePath, line.text, line.length);
@@ -177,7 +177,7 @@ void readMarker(TestTask& task, const _kvString<1000>& line)
 
 } // namespace
 
-TaskLineFields splitTaskLine(const _kvString<1000>& line)
+TaskLineFields splitTaskLine(const _kvString<maxLine>& line)
 {
     TaskLineFields split;
     FieldReader reader(line);
@@ -190,7 +190,7 @@ TaskLineFields splitTaskLine(const _kvString<1000>& line)
     return split;
 }
 
-bool readTaskLine(TestTask& task, const _kvString<1000>& line, const Path& configPath,
+bool readTaskLine(TestTask& task, const _kvString<maxLine>& line, const Path& configPath,
                   TaskLineProblem* problem)
 {
     const bool isAccepted = readTaskLineAsIs(task, line, configPath, problem);
@@ -203,7 +203,7 @@ bool readTaskLine(TestTask& task, const _kvString<1000>& line, const Path& confi
     return isAccepted;
 }
 
-bool readTaskLineAsIs(TestTask& task, const _kvString<1000>& line, const Path& configPath,
+bool readTaskLineAsIs(TestTask& task, const _kvString<maxLine>& line, const Path& configPath,
                       TaskLineProblem* problem)
 {
     task.configPath = configPath;

@@ -12,7 +12,7 @@ struct TaskLineProblem
 };
 
 /// The fields of a line as the reader takes them.
-TaskLineFields splitTaskLine(const _kvString<1000>& line);
+TaskLineFields splitTaskLine(const _kvString<maxLine>& line);
 
 /// Reads one line of a config file, without line end, into a record. A line that ends in ".dpc" is
 /// a marker that names the next config file: its path lands in `sourcePath`. Relative paths get the
@@ -22,11 +22,12 @@ TaskLineFields splitTaskLine(const _kvString<1000>& line);
 /// record is then partly filled and of no use; `problem`, where given, says which field it was.
 /// Overlong texts are cut silently: paths at 500 characters, numbers at 249. A system buffer mode
 /// above 5 and a file size above 1 GiB are lowered to that, on a rejected line too.
-bool readTaskLine(TestTask& task, const _kvString<1000>& line,
-                  const _kvString8_allSize<500>& configPath, TaskLineProblem* problem = nullptr);
+bool readTaskLine(TestTask& task, const _kvString<maxLine>& line,
+                  const _kvString8_allSize<maxPath>& configPath,
+                  TaskLineProblem* problem = nullptr);
 
 /// The same, but the settings stay as the line has them: no number is capped, and the record is not
 /// normalised.
-bool readTaskLineAsIs(TestTask& task, const _kvString<1000>& line,
-                      const _kvString8_allSize<500>& configPath,
+bool readTaskLineAsIs(TestTask& task, const _kvString<maxLine>& line,
+                      const _kvString8_allSize<maxPath>& configPath,
                       TaskLineProblem* problem = nullptr);

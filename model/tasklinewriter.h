@@ -6,7 +6,7 @@
 /// ";", with the padding that belongs to the format. The record is normalised first, in place.
 /// Bytes of a path from 128 on appear sign-extended, so that their low byte gives them back. What
 /// passes 1000 characters is dropped silently. Returns `line`.
-_kvString<1000>& writeTaskLine(_kvString<1000>& line, TestTask& task);
+_kvString<maxLine>& writeTaskLine(_kvString<maxLine>& line, TestTask& task);
 
 /// The same for a record that is normalised already.
-_kvString<1000>& writePreparedTaskLine(_kvString<1000>& line, const TestTask& task);
+_kvString<maxLine>& writePreparedTaskLine(_kvString<maxLine>& line, const TestTask& task);

@@ -1,13 +1,12 @@
 #include "model/testtask.h"
 
-#include "model/limits.h"
 #include "model/methods.h"
 
 #include <algorithm>
 
 namespace {
 
-bool isMemory(const _kvString8_allSize<500>& path)
+bool isMemory(const _kvString8_allSize<maxPath>& path)
 {
     return path.isEmpty() || path.isEqual("MEMORY");
 }
@@ -38,7 +37,7 @@ TestTask::TestTask()
 
 void TestTask::setDefaults()
 {
-    using Path = _kvString8_allSize<500>;
+    using Path = _kvString8_allSize<maxPath>;
     method = IoMethod::Stream;
     io.sysBufferMode = defaultSysBufferMode;
     setChunkWait(50);
@@ -57,7 +56,7 @@ void TestTask::setDefaults()
     configId = 0;
 }
 
-void TestTask::setFileCreation(const _kvString8_allSize<500>& path, std::int64_t bytes)
+void TestTask::setFileCreation(const _kvString8_allSize<maxPath>& path, std::int64_t bytes)
 {
     destPath = path; // first, for the path may be one of those that are cleared
     waitForNextConfig = false;

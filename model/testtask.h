@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/limits.h"
 #include "shared/kvfileglobal.h"
 #include "shared/kvstring16.h"
 #include "shared/kvstring8.h"
@@ -56,7 +57,7 @@ struct TestTask
 
     /// Turns the record into a Write task that creates a file of `bytes`, at most `maxTaskFile`.
     /// The path may be one of the record's own.
-    void setFileCreation(const _kvString8_allSize<500>& path, std::int64_t bytes);
+    void setFileCreation(const _kvString8_allSize<maxPath>& path, std::int64_t bytes);
 
     /// True unless both paths name a file; "MEMORY" and the empty path both mean memory.
     bool usesMemory() const;
@@ -77,19 +78,19 @@ struct TestTask
     IoMethod method = IoMethod::Posix;
     _fileGLobal io;
     std::int32_t iterations = 0;
-    _kvString8_allSize<500> sourcePath;
-    _kvString8_allSize<500> destPath;
-    _kvString8_allSize<500> logPath;
-    _kvString8_allSize<500> csvPath;
-    bool writeDone = false;             ///< make "done_[host]" files after the config file
-    _kvString8_allSize<500> configPath; ///< the file that the line was read from
-    std::int32_t configId = 0;          ///< position of the config file in its series, from 0
-    bool waitForNextConfig = false;     ///< a marker, not a test
-    _kvString8_allSize<500> logPathAsRead;
-    _kvString8_allSize<500> csvPathAsRead;
-    _kvString8_allSize<500> sourcePathAsRead;
-    _kvString8_allSize<500> destPathAsRead;
+    _kvString8_allSize<maxPath> sourcePath;
+    _kvString8_allSize<maxPath> destPath;
+    _kvString8_allSize<maxPath> logPath;
+    _kvString8_allSize<maxPath> csvPath;
+    bool writeDone = false;                 ///< make "done_[host]" files after the config file
+    _kvString8_allSize<maxPath> configPath; ///< the file that the line was read from
+    std::int32_t configId = 0;              ///< position of the config file in its series, from 0
+    bool waitForNextConfig = false;         ///< a marker, not a test
+    _kvString8_allSize<maxPath> logPathAsRead;
+    _kvString8_allSize<maxPath> csvPathAsRead;
+    _kvString8_allSize<maxPath> sourcePathAsRead;
+    _kvString8_allSize<maxPath> destPathAsRead;
     ResultSlot results[3];
     unsigned char reserved[32] = {};
-    _kvString<1000> lineText; ///< the config line as it was read
+    _kvString<maxLine> lineText; ///< the config line as it was read
 };

@@ -66,7 +66,7 @@ constexpr Rule numberLimit = {
 
 void checkFile(const SeriesFacts& facts, const FileFact& file, int index, Findings& findings)
 {
-    if (file.path.size() > longestFileName)
+    if (file.path.size() > maxFileName)
         findings.add(
             longName, index, 1, 1,
             fmt::format(

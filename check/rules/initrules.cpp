@@ -58,7 +58,7 @@ private:
 
     void compareFile(const FileToCreate& file, const LineFact& line)
     {
-        const QByteArray name = file.text.toLatin1().left(longestPath);
+        const QByteArray name = file.text.toLatin1().left(maxPath);
         m_neededNames.insert(name);
         if (dependsOnMachine(file.text)) {
             m_dependsOnMachine = true;
@@ -88,7 +88,7 @@ private:
             FileToCreateList nameless;
             collectFilesOfTask(nameless, task, lack.line->taskNumber, m_noMachine);
             for (const FileToCreate& file : nameless.files()) {
-                const QByteArray name = file.text.toLatin1().left(longestPath);
+                const QByteArray name = file.text.toLatin1().left(maxPath);
                 if (!m_facts.init.contains(name) || m_neededNames.contains(name))
                     continue;
                 firstNameless = quoted(file.text);

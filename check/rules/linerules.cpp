@@ -91,15 +91,15 @@ void checkLength(const LineFact& line, Findings& findings)
     if (line.hasZero)
         findings.add(zeroByte, line, line.column + line.text.size() + 1,
                      "the line holds a zero byte: everything behind it is not read");
-    if (line.length > longestLine)
+    if (line.length > maxLine)
         findings.add(
-            longLine, line, longestLine + 1,
+            longLine, line, maxLine + 1,
             fmt::format("the line has {} characters: what follows the first 1000 is not read",
                         line.length));
-    else if (line.length == longestLine && line.kind != LineFact::Kind::Comment &&
+    else if (line.length == maxLine && line.kind != LineFact::Kind::Comment &&
              !line.text.endsWith(';') && !isMarker(line))
         findings.add(
-            longLine, line, longestLine,
+            longLine, line, maxLine,
             "the line has 1000 characters, the most that a save writes: its end was cut off");
 }
 
@@ -236,9 +236,9 @@ constexpr Rule longFile = {
 
 void checkFileSize(const FileFact& file, int index, Findings& findings)
 {
-    if (file.lineAtLimit == 0 || (file.size == longestConfigFile && file.columnAtLimit == 1))
+    if (file.lineAtLimit == 0 || (file.size == maxConfigFile && file.columnAtLimit == 1))
         return;
-    const bool wasCut = file.size == longestConfigFile;
+    const bool wasCut = file.size == maxConfigFile;
     findings.add(
         longFile, index, file.lineAtLimit, file.columnAtLimit,
         wasCut

@@ -136,7 +136,7 @@ void checkFileMarkers(const SeriesFacts& facts, const Chain& chain, const FileFa
     if (marker == end)
         return;
     // One that is cut has its own finding.
-    if (marker->text.size() <= longestPath)
+    if (marker->text.size() <= maxPath)
         checkTarget(facts, chain, *marker, names, findings);
     const auto after = std::find_if(
         marker + 1, end, [](const LineFact& line) { return line.kind != LineFact::Kind::Comment; });

@@ -26,7 +26,7 @@ bool isVariable(const std::string& word)
 
 bool isRelative(const QByteArray& path)
 {
-    _kvString8_allSize<500> text;
+    _kvString8_allSize<maxPath> text;
     text.add(path.constData(), path.size());
     return isRelativePath(text);
 }
@@ -129,17 +129,17 @@ void checkPathLength(const LineFact& line, TaskPath which, NameExpander& names, 
     const int column = line.columnOf(which);
     const char* name = fieldName(firstPathField + which);
     const QByteArray path = line.path(which);
-    if (length > longestPath)
-        findings.add(longPath, line, column + longestPath,
+    if (length > maxPath)
+        findings.add(longPath, line, column + maxPath,
                      fmt::format("{} has {} characters: what follows the first 500 is not read",
                                  name, length));
-    else if (length == longestPath)
+    else if (length == maxPath)
         findings.add(
-            longPath, line, column + longestPath - 1,
+            longPath, line, column + maxPath - 1,
             fmt::format("{} has 500 characters, the most that a path can: was it cut off?", name));
     // What can't grow that long need not be tried: most of the time goes into replacing variables.
-    else if (path.size() + path.count('[') * names.longestValue() >= longestPath &&
-             names.resolve(line, path).size() >= longestPath)
+    else if (path.size() + path.count('[') * names.longestValue() >= maxPath &&
+             names.resolve(line, path).size() >= maxPath)
         findings.add(
             longPath, line, column,
             fmt::format("{} is cut at 500 characters when its variables are replaced", name));
@@ -152,8 +152,8 @@ void checkMarkerPath(const SeriesFacts& facts, const LineFact& line, Findings& f
     const QByteArray folder = facts.runFolder.toLatin1();
     const int known = line.text.startsWith(folder) ? folder.size() : 0;
     checkVariables(line, line.text.mid(known), column + known, findings);
-    if (line.text.size() > longestPath)
-        findings.add(longPath, line, column + longestPath,
+    if (line.text.size() > maxPath)
+        findings.add(longPath, line, column + maxPath,
                      fmt::format("the marker has {} characters: what follows the first 500 is not "
                                  "read",
                                  line.text.size()));
