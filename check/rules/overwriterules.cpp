@@ -97,7 +97,8 @@ private:
             return;
         if (source >= 0) {
             File& read = m_files[size_t(source)];
-            read.isReadFirst = read.isReadFirst || read.content == originalOf(source);
+            read.isReadFirst =
+                read.isReadFirst || (read.content == originalOf(source) && isThere(source));
             read.firstReader = read.firstReader < 0 ? line : read.firstReader;
         }
         if (dest < 0 || !m_files[size_t(dest)].isSource)
@@ -112,6 +113,14 @@ private:
         }
         written.isOwnSize = written.isOwnSize || isSizeOf(line, source, dest);
         written.content = content;
+    }
+
+    /// True unless there is nothing to be lost.
+    bool isThere(int place) const
+    {
+        const UsedFile& file = m_uses.files()[size_t(place)];
+        const bool isMade = file.init >= 0 && m_uses.init()[size_t(file.init)].entry.isActive;
+        return file.exists() || isMade || !file.path.isSeen;
     }
 
     /// True if the file on the disk is as large as what the task leaves there.

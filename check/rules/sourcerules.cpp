@@ -123,6 +123,10 @@ private:
     bool isGood(const FileUse& source)
     {
         const UsedName& name = m_uses.nameOf(source);
+        const KeyedPath& path = m_uses.file(source, 0).path;
+        // A folder in the place of the source has a finding of its own.
+        if (path.namesFolder || path.kind == PathStatus::Kind::Folder)
+            return true;
         if (name.byDate)
             return sayDated(source);
         const bool isLocal = name.byHost || name.byTemp;
@@ -145,8 +149,7 @@ private:
         if (isWrittenBefore(file, source))
             return Origin::Task;
         const bool isMade = file.init >= 0 && m_uses.init()[size_t(file.init)].entry.isActive;
-        // A folder in its place has a finding of its own.
-        if (isMade || file.exists() || file.path.namesFolder)
+        if (isMade || file.exists())
             return file.path.kind == PathStatus::Kind::DeadLink && !isMade ? Origin::Nobody
                                                                            : Origin::Disk;
         return file.path.isSeen ? Origin::Nobody : Origin::Unseen;

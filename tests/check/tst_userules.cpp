@@ -1,0 +1,401 @@
+#include "tests/check/seriesfolder.h"
+
+namespace {
+
+/// A line of a task; sizes in KiB.
+QByteArray task(const QByteArray& source, const QByteArray& dest, int kib = 1024,
+                int iterations = 1, const QByteArray& log = "[cfgPath]/[host].txt",
+                const QByteArray& csv = "[cfgPath]/[host]-[cfgID].csv")
+{
+    return "Stream;NOflush;NOprealloc; 50; 1024; -1; " + QByteArray::number(kib) + ';' +
+           QByteArray::number(iterations) + ";0;  " + source + ";  " + dest + ";  " + log + ";  " +
+           csv + ";  true;\n";
+}
+
+QByteArray writing(const QByteArray& dest, int kib = 1024, int iterations = 1)
+{
+    return task("MEMORY", dest, kib, iterations);
+}
+
+QByteArray reading(const QByteArray& source, int kib = 1024, int iterations = 1)
+{
+    return task(source, "MEMORY", kib, iterations);
+}
+
+QByteArray withLog(const QByteArray& dest, const QByteArray& log)
+{
+    return task("MEMORY", dest, 1024, 1, log);
+}
+
+QByteArray withCsv(const QByteArray& csv, const QByteArray& log = "[cfgPath]/[host].txt")
+{
+    return task("MEMORY", "[cfgPath]/out_[host].dat", 1024, 1, log, csv);
+}
+
+QByteArray making(const QByteArray& file, int kib = 1024)
+{
+    return "Stream;NOflush;NOprealloc;  0;    0; -1; " + QByteArray::number(kib) +
+           ";1;0;  MEMORY;  " + file + ";  ;  ;  true;\n";
+}
+
+const QByteArray dummy = making("[cfgPath]/dummyFile", 0);
+
+} // namespace
+
+/// The rules that ask who uses which file.
+class TestUseRules : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { m_series.reset(new SeriesFolder); }
+
+    /// Lines in which one rule finds something, and lines in which none does.
+    void oneRuleHitsAndNoneMisses_data()
+    {
+        QTest::addColumn<QByteArray>("rule");
+        QTest::addColumn<QByteArray>("init");
+        QTest::addColumn<QByteArray>("bad");
+        QTest::addColumn<QByteArray>("good");
+        const auto row = [](const char* name, const char* rule, const QByteArray& bad,
+                            const QByteArray& good, const QByteArray& made = {}) {
+            QTest::newRow(name) << QByteArray(rule) << made + dummy << bad << good;
+        };
+        const QByteArray source = making("[cfgPath]/s.dat");
+        row("same in a later iteration", "same-file",
+            task("[cfgPath]/s.dat", "[cfgPath]/s[iter].dat", 1024, 3) +
+                task("[cfgPath]/s2.dat", "[cfgPath]/s[iter].dat", 1024, 3),
+            task("[cfgPath]/s.dat", "[cfgPath]/t[iter].dat", 1024, 3),
+            source + making("[cfgPath]/s2.dat"));
+        row("same by backslashes", "same-file", task("[cfgPath]/s.dat", "[cfgPath]\\s.dat"),
+            task("[cfgPath]/s.dat", "[cfgPath]\\t.dat"), source);
+        row("same on Windows", "same-file", task("C:\\e\\s.dat", "c:/E/S.dat"),
+            task("C:\\e\\s.dat", "C:\\e\\t.dat"));
+        row("same on a share", "same-file", task("//nas/e/s.dat", "\\\\NAS\\e\\s.dat"),
+            task("//nas/e/s.dat", "\\\\nas\\e\\t.dat"));
+        row("log is the destination", "results-over-data",
+            withLog("[cfgPath]/[host].dat", "[cfgPath]/[host].dat"),
+            withLog("[cfgPath]/[host].dat", "[cfgPath]/[host].log"));
+        row("log is the destination of another task", "results-over-data",
+            writing("[cfgPath]/a_[host].dat") +
+                withLog("[cfgPath]/b_[host].dat", "[cfgPath]/a_[host].dat"),
+            writing("[cfgPath]/a_[host].dat") +
+                withLog("[cfgPath]/b_[host].dat", "[cfgPath]/c_[host].dat"));
+        row("log is a destination in an iteration", "results-over-data",
+            task("MEMORY", "[cfgPath]/[iter].dat", 1024, 3, "[cfgPath]/2.dat"),
+            task("MEMORY", "[cfgPath]/[iter].dat", 1024, 3, "[cfgPath]/3.dat"));
+        row("csv is the source", "results-over-data",
+            task("[cfgPath]/s.dat", "MEMORY", 1024, 1, "[cfgPath]/l.txt", "[cfgPath]/s.dat"),
+            task("[cfgPath]/s.dat", "MEMORY", 1024, 1, "[cfgPath]/l.txt", "[cfgPath]/s.csv"),
+            source);
+        row("csv is the log", "log-is-csv", withCsv("[cfgPath]/r.txt", "[cfgPath]/r.txt"),
+            withCsv("[cfgPath]/r.csv", "[cfgPath]/r.txt"));
+        row("csv is the log of another task", "log-is-csv",
+            withCsv("[cfgPath]/a.csv", "[cfgPath]/a.txt") +
+                withCsv("[cfgPath]/./a.txt", "[cfgPath]/b.txt"),
+            withCsv("[cfgPath]/a.csv", "[cfgPath]/a.txt") +
+                withCsv("[cfgPath]/a.csv", "[cfgPath]/a.txt"));
+        row("destination is the config file", "overwrites-series", writing("[cfgPath]/a.dpc"),
+            writing("[cfgPath]/b.dpc"));
+        row("destination is the file that waits", "overwrites-series",
+            writing("[cfgPath]/_wait/[cfgName].dpc"), writing("[cfgPath]/[cfgName].dat"));
+        row("log is the _init file", "overwrites-series",
+            withLog("[cfgPath]/x_[host].dat", "[cfgPath]/[cfgName]_init.dpc"),
+            withLog("[cfgPath]/x_[host].dat", "[cfgPath]/[cfgName]_init.txt"));
+        row("csv is the next config file", "overwrites-series", withCsv("[cfgPath]/a1.dpc"),
+            withCsv("[cfgPath]/a1.csv"));
+        row("two sizes", "source-size",
+            reading("[cfgPath]/s.dat") + reading("[cfgPath]/s.dat", 2048),
+            reading("[cfgPath]/s.dat") + reading("[cfgPath]/s.dat"), source);
+        row("two sizes by two spellings", "source-size",
+            reading("[cfgPath]/s.dat") + reading("[cfgPath]/e/../s.dat", 2048),
+            reading("[cfgPath]/s.dat") + writing("[cfgPath]/t.dat", 2048) +
+                reading("[cfgPath]/t.dat", 4096),
+            source + making("[cfgPath]/t.dat", 4096));
+        row("parts that come out the same", "names-meet",
+            writing("[cfgPath]/o[cfgTaskID][iter].dat", 1024, 12).repeated(12),
+            writing("[cfgPath]/o[cfgTaskID]_[iter].dat", 1024, 12).repeated(12));
+        row("written again", "names-meet",
+            writing("[cfgPath]/o[iter]", 1024, 11) + writing("[cfgPath]/o1[iter]", 1024, 1),
+            writing("[cfgPath]/o[iter]", 1024, 3) + writing("[cfgPath]/o[iter]", 1024, 3) +
+                writing("[cfgPath]/o2"));
+        row("destination ends in a separator", "file-is-folder", writing("[cfgPath]/out/"),
+            writing("[cfgPath]/out"));
+        row("destination ends in a backslash", "file-is-folder", writing("C:\\out\\"),
+            writing("C:\\out"));
+        row("destination is the folder", "file-is-folder", writing("[cfgPath]"),
+            writing("[cfgPath]out"));
+        row("destination is a folder that exists", "file-is-folder", writing("[cfgPath]/_wait"),
+            writing("[cfgPath]/wait"));
+        row("source is the temporary folder", "file-is-folder", reading("[temp]/."),
+            writing("[temp]/x") + reading("[temp]/x"));
+        row("log is a folder", "log-is-folder", withLog("[cfgPath]/x", "[cfgPath]"),
+            withLog("[cfgPath]/x", "[cfgPath]/[host]"));
+        row("csv is a folder that exists", "log-is-folder", withCsv("[cfgPath]/_wait"),
+            withCsv("[cfgPath]/wait"));
+        row("file that is a folder of another task", "folder-is-file",
+            writing("[cfgPath]/o") + writing("[cfgPath]/o/x"),
+            writing("[cfgPath]/o") + writing("[cfgPath]/ox"), making("[cfgPath]/o/dummyFile", 0));
+        row("date that is written and then read", "source-date",
+            writing("[cfgPath]/[date].dat") + reading("[cfgPath]/[date].dat"),
+            writing("[cfgPath]/d.dat") + reading("[cfgPath]/d.dat"));
+        row("read before it is written", "source-missing",
+            reading("[cfgPath]/d.dat") + writing("[cfgPath]/d.dat"),
+            writing("[cfgPath]/d.dat") + reading("[cfgPath]/d.dat"));
+        row("missing in the last iteration", "source-missing",
+            reading("[cfgPath]/s[iter].dat", 1024, 3), reading("[cfgPath]/s[iter].dat", 1024, 2),
+            making("[cfgPath]/s0.dat") + making("[cfgPath]/s1.dat"));
+    }
+
+    void oneRuleHitsAndNoneMisses()
+    {
+        QFETCH(QByteArray, rule);
+        QFETCH(QByteArray, init);
+        QFETCH(QByteArray, bad);
+        QFETCH(QByteArray, good);
+        // What a save needs is not asked here.
+        m_series->options().rulesOff = {ruleNamed("init-outdated")};
+        m_series->put("a_init.dpc", init);
+        m_series->put("a.dpc", bad);
+        QStringList rules;
+        for (const Finding& finding : m_series->findings())
+            rules += finding.rule->name;
+        QCOMPARE(rules, QStringList{QString(rule)});
+        QVERIFY(!m_series->text(rule).isEmpty());
+        m_series->put("a.dpc", good);
+        QCOMPARE(m_series->hits(rule, good), 0);
+        QCOMPARE(errorsAndWarnings(), QStringList());
+    }
+
+    void naturalSeriesAreClean_data()
+    {
+        QTest::addColumn<QByteArray>("init");
+        QTest::addColumn<QByteArray>("lines");
+        QTest::addColumn<QStringList>("hosts");
+        const auto row = [](const char* name, const QByteArray& made, const QByteArray& lines,
+                            const QStringList& hosts = {}) {
+            QTest::newRow(name) << made + dummy << lines << hosts;
+        };
+        const QStringList two{"pc1", "pc2"};
+        row("write and read back", making("[cfgPath]/x.dat"),
+            writing("[cfgPath]/x.dat") + reading("[cfgPath]/x.dat"));
+        row("write and read back another size", making("[cfgPath]/x.dat", 2048),
+            writing("[cfgPath]/x.dat") + reading("[cfgPath]/x.dat", 2048));
+        row("each machine writes and reads back", making("[cfgPath]/here.dat"),
+            writing("[cfgPath]/[host].dat") + reading("[cfgPath]/[host].dat"), two);
+        row("in the temporary folder", making("/tmp/x.dat"),
+            writing("[temp]/x.dat") + reading("[temp]/x.dat"), two);
+        row("all iterations are read back", {},
+            writing("[cfgPath]/[host]_[iter].dat", 1024, 3) +
+                reading("[cfgPath]/[host]_[iter].dat", 1024, 3),
+            two);
+        row("copies in a chain", making("[cfgPath]/s"),
+            task("[cfgPath]/s", "[cfgPath]/t_[host]") + task("[cfgPath]/t_[host]", "[temp]/u") +
+                task("[temp]/u", "[cfgPath]/v_[host]"),
+            two);
+        row("copy there and back", making("[cfgPath]/s"),
+            task("[cfgPath]/s", "[temp]/s") + task("[temp]/s", "[cfgPath]/s"));
+        row("the same destination again and again", {},
+            writing("[cfgPath]/x") + writing("[cfgPath]/x", 2048) +
+                writing("[cfgPath]/x", 4096, 5));
+        row("the same source for many", making("[cfgPath]/s"),
+            reading("[cfgPath]/s") + reading("[cfgPath]/s", 1024, 5) +
+                task("[cfgPath]/s", "[cfgPath]/[host]"),
+            two);
+        row("log and csv for all tasks", {},
+            withCsv("[cfgPath]/[host].csv") + withCsv("[cfgPath]/[host].csv"), two);
+        row("results with the date", {}, withCsv("[cfgPath]/[host]_[date].csv"), two);
+        row("all read what one writes", making("[cfgPath]/pc1.dat"),
+            writing("[cfgPath]/[host].dat") + reading("[cfgPath]/pc1.dat"), two);
+        row("sources of both machines", making("[cfgPath]/pc1.dat") + making("[cfgPath]/pc2.dat"),
+            reading("[cfgPath]/[host].dat"), two);
+        row("share that can't be seen", making("//nas/e/s.dat"),
+            task("//nas/e/s.dat", "//nas/e/[host].dat"), two);
+        row("share without an _init file", {}, reading("\\\\nas\\e\\s.dat"));
+        row("drive of Windows", {}, reading("D:\\e\\s.dat") + writing("D:\\e\\o\\[host].dat"), two);
+    }
+
+    void naturalSeriesAreClean()
+    {
+        QFETCH(QByteArray, init);
+        QFETCH(QByteArray, lines);
+        QFETCH(QStringList, hosts);
+        m_series->options().rulesOff = {ruleNamed("init-outdated")};
+        m_series->options().hosts = hosts;
+        m_series->put("a_init.dpc", init);
+        m_series->put("a.dpc", lines);
+        QCOMPARE(errorsAndWarnings(), QStringList());
+    }
+
+    void sourceAndDestinationOfOneMachineOnly()
+    {
+        m_series->put("a_init.dpc", making("[cfgPath]/pc2.dat"));
+        m_series->options().hosts = QStringList{"pc1", "pc2", "pc3"};
+        QCOMPARE(m_series->hits("same-file", task("[cfgPath]/pc2.dat", "[cfgPath]/[host].dat")), 1);
+        QVERIFY(m_series->text("same-file").contains("on pc2"));
+        QCOMPARE(m_series->hits("same-file", task("[cfgPath]/pc4.dat", "[cfgPath]/[host].dat")), 0);
+    }
+
+    void machinesThatMeetInOneName()
+    {
+        m_series->options().hosts = QStringList{"pc1", "pc11"};
+        QCOMPARE(m_series->hits("shared-output", writing("[cfgPath]/[host][iter].dat", 1024, 12)),
+                 1);
+        QVERIFY(m_series->text("shared-output").startsWith("pc1, pc11 all write"));
+        QCOMPARE(m_series->hits("shared-output", writing("[cfgPath]/[host]_[iter].dat", 1024, 12)),
+                 0);
+        QCOMPARE(m_series->hits("shared-output", writing("[cfgPath]/[host][iter].dat", 1024, 5)),
+                 0);
+        // A name of one machine that a task has for all.
+        QCOMPARE(
+            m_series->hits("shared-results", withLog("[cfgPath]/x_[host]", "[cfgPath]/[host]") +
+                                                 withLog("[cfgPath]/y_[host]", "[cfgPath]/pc1")),
+            1);
+    }
+
+    void sharesAreSharedForCertain()
+    {
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+        for (const char* share : {"//nas/e/x", "\\\\nas\\e\\x"}) {
+            QCOMPARE(m_series->hits("shared-output", writing(share)), 1);
+            QCOMPARE(m_series->hits("maybe-shared", writing(share)), 0);
+        }
+        QCOMPARE(m_series->hits("shared-output", writing(m_series->root().toLatin1() + "e/x")), 1);
+        QCOMPARE(m_series->hits("maybe-shared", writing("/mnt/x")), 1);
+    }
+
+    void sizesThatWantTheSameSourceAcrossConfigFiles()
+    {
+        const QByteArray source = "[cfgPath]/testfile_[cfgName]-[cfgTaskID].dat";
+        m_series->put("a_init.dpc", making("[cfgPath]/testfile_a-0.dat") + dummy);
+        m_series->put("a.dpc", reading(source) + "[cfgPath]/a1.dpc\n");
+        m_series->put("a1.dpc", reading(source, 2048));
+        QCOMPARE(errorsAndWarnings(), QStringList{"a1.dpc:1:42 source-size"});
+        QVERIFY(m_series->text("source-size").contains("2048 KiB here and with 1024 KiB in"));
+        // A file that is there has the size that it has.
+        m_series->setExisting(m_series->root() + "testfile_a-0.dat", 777);
+        m_series->put("a_init.dpc", "# " + making("[cfgPath]/testfile_a-0.dat") + dummy);
+        QCOMPARE(errorsAndWarnings(), QStringList());
+    }
+
+    void initFileThatMakesAFileAnew()
+    {
+        m_series->put("a.dpc", reading("[cfgPath]/s.dat"));
+        m_series->put("a_init.dpc", making("[cfgPath]/s.dat") + dummy);
+        QCOMPARE(errorsAndWarnings(), QStringList());
+        // After a run of the _init file it has that size.
+        m_series->setExisting(m_series->root() + "s.dat", 1024 * 1024);
+        QCOMPARE(errorsAndWarnings(), QStringList());
+        m_series->setExisting(m_series->root() + "s.dat", 1024 * 1024 + 1);
+        QCOMPARE(errorsAndWarnings(), QStringList{"a_init.dpc:1:1 init-overwrites"});
+        m_series->put("a_init.dpc", "# " + making("[cfgPath]/s.dat") + dummy);
+        QCOMPARE(errorsAndWarnings(), QStringList());
+        // A file that only keeps its folder may have a byte.
+        m_series->setExisting(m_series->root() + "dummyFile", 1);
+        QCOMPARE(errorsAndWarnings(), QStringList());
+    }
+
+    void whatTasksLeaveBehindMayBeMadeAnew()
+    {
+        m_series->put("a.dpc", writing("[cfgPath]/s.dat") + reading("[cfgPath]/s.dat", 2048));
+        m_series->put("a_init.dpc", making("[cfgPath]/s.dat", 2048) + dummy);
+        m_series->setExisting(m_series->root() + "s.dat", 1024 * 1024);
+        QCOMPARE(errorsAndWarnings(), QStringList());
+    }
+
+    void machinesWhoseSourcesAreNotThere()
+    {
+        m_series->options().hosts = QStringList{"pc1", "pc2", "pc3"};
+        m_series->put("a_init.dpc", making("[cfgPath]/pc1.dat") + dummy);
+        QCOMPARE(m_series->hits("source-local", reading("[cfgPath]/[host].dat")), 1);
+        QVERIFY(m_series->text("source-local").contains("not there on pc2, pc3"));
+        m_series->setExisting(m_series->root() + "pc2.dat");
+        m_series->setExisting(m_series->root() + "pc3.dat");
+        QCOMPARE(m_series->hits("source-local", reading("[cfgPath]/[host].dat")), 0);
+        // The folders of other machines can't be seen.
+        m_series->setExisting(QDir::tempPath() + "/s.dat");
+        QCOMPARE(m_series->hits("source-local", reading("[temp]/s.dat")), 1);
+    }
+
+    void foldersThatEachMachineNeeds()
+    {
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+        const QByteArray lines = writing("/d/[host]/x");
+        QCOMPARE(m_series->hits("dest-folder-local", lines), 1);
+        m_series->setExisting("/d/pc1/");
+        QCOMPARE(m_series->hits("dest-folder-local", lines), 1);
+        m_series->setExisting("/d/pc2/");
+        QCOMPARE(m_series->hits("dest-folder-local", lines), 0);
+    }
+
+    void pathThroughAFileThatExists()
+    {
+        m_series->setExisting("/d/f");
+        QCOMPARE(m_series->hits("folder-is-file", writing("/d/f/x")), 1);
+        QCOMPARE(m_series->hits("folder-is-file", writing("/d/f/e/x")), 1);
+        QCOMPARE(m_series->hits("dest-folder", writing("/d/f/x")), 0);
+        QCOMPARE(m_series->hits("folder-is-file", writing("/d/g/x")), 0);
+    }
+
+    void growingFilesTakeRoom()
+    {
+        m_series->setExisting("/d/x", 1024 * 1024);
+        m_series->options().environment.space = [](const QString&) {
+            return std::optional<DiskSpace>({1, 1024 * 1024});
+        };
+        QCOMPARE(m_series->hits("disk-space", writing("/d/x", 2048)), 0);
+        QCOMPARE(m_series->hits("disk-space", writing("/d/x", 2049)), 1);
+        // A copy is as large as its source, whatever the line says.
+        m_series->setExisting("/d/s", 1024 * 1024 + 1);
+        QCOMPARE(m_series->hits("disk-space", task("/d/s", "/d/t", 64)), 1);
+        // What lies elsewhere takes nothing here.
+        QCOMPARE(m_series->hits("disk-space", writing("//nas/e/x", 4096) + writing("D:\\x", 4096)),
+                 0);
+    }
+
+    void csvFileOfTwoConfigFiles()
+    {
+        const QByteArray own = withCsv("[cfgPath]/[cfgID]-[cfgTaskID].csv");
+        const QByteArray shared = withCsv("[cfgPath]/[cfgTaskID].csv");
+        const auto hits = [&](const QByteArray& lines) {
+            m_series->put("a.dpc", lines + "[cfgPath]/a1.dpc\n");
+            m_series->put("a1.dpc", lines);
+            return m_series->said({"csv-across-files"});
+        };
+        QCOMPARE(hits(own + own), QStringList());
+        QCOMPARE(hits(shared + shared).size(), 1);
+    }
+
+    void allMachinesOfALargeListAreCounted()
+    {
+        QStringList hosts;
+        for (int i = 0; i < 4000; ++i)
+            hosts += QStringLiteral("m%1").arg(i);
+        m_series->options().hosts = hosts;
+        QByteArray lines;
+        for (int i = 0; i < 5; ++i)
+            lines += writing("[cfgPath]/[host]_[cfgTaskID].dat");
+        QCOMPARE(m_series->hits("shared-output", lines + writing("[cfgPath]/x.dat")), 1);
+        QVERIFY(m_series->text("shared-output").startsWith("m0, m1, m2 and 3997 more all write"));
+    }
+
+private:
+    QStringList errorsAndWarnings() const
+    {
+        QStringList texts;
+        for (const Finding& finding : m_series->findings()) {
+            if (finding.rule->severity != Severity::Note)
+                texts += QStringLiteral("%1:%2:%3 %4")
+                             .arg(QString(finding.path).remove(m_series->root()))
+                             .arg(finding.line)
+                             .arg(finding.column)
+                             .arg(finding.rule->name);
+        }
+        return texts;
+    }
+
+    QScopedPointer<SeriesFolder> m_series;
+};
+
+QTEST_APPLESS_MAIN(TestUseRules)
+#include "tst_userules.moc"
