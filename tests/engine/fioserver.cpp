@@ -47,10 +47,10 @@ FioServer::FioServer(QByteArray address, QString folder, const QByteArray& optio
         const int nothing = ::open("/dev/null", O_RDWR);
         ::dup2(nothing, STDOUT_FILENO);
         ::dup2(nothing, STDERR_FILENO);
-        const bool isApart = ::unshare(CLONE_NEWNS) == 0
-                             && ::mount("tmpfs", folderName.constData(), "tmpfs", 0,
-                                        options.constData()) == 0
-                             && ::chdir(folderName.constData()) == 0;
+        const bool isApart =
+            ::unshare(CLONE_NEWNS) == 0 &&
+            ::mount("tmpfs", folderName.constData(), "tmpfs", 0, options.constData()) == 0 &&
+            ::chdir(folderName.constData()) == 0;
         if (isApart)
             ::execlp("fio", "fio", argument.constData(), nullptr);
         ::_exit(EXIT_FAILURE);

@@ -84,9 +84,9 @@ void TestRunMachines::startServers(const QByteArray& options)
 QStringList TestRunMachines::withHosts(const QStringList& more) const
 {
     // Logs of calls go into the folder for temporary files.
-    return QStringList{"--hosts-file",      m_series->file("hosts.txt"), "--to",
-                       m_series->file("run"), "--temp", m_series->folder()}
-           + more;
+    return QStringList{"--hosts-file", m_series->file("hosts.txt"), "--to", m_series->file("run"),
+                       "--temp",       m_series->folder()} +
+           more;
 }
 
 void TestRunMachines::writesReadsAndCopiesOnThree()
@@ -304,8 +304,7 @@ void TestRunMachines::reachesMachinesThroughSockets()
         hosts += machineName(i).toUtf8() + "=sock:" + socket + '\n';
         // The socket lies outside of what the server has in place of the folder.
         QDir().mkpath(m_series->file("data"));
-        m_servers.push_back(
-            std::make_unique<FioServer>("sock:" + socket, m_series->file("data")));
+        m_servers.push_back(std::make_unique<FioServer>("sock:" + socket, m_series->file("data")));
     }
     test::put(m_series->file("hosts.txt"), hosts);
     m_series->putSeries({{SeriesRun::line("", "[cfgPath]/data/[host].dat", 1000, 100, 20)}});
