@@ -113,8 +113,8 @@ int FileUses::nameFor(const LineFact& line, const QByteArray& path, int iteratio
     const QByteArray full = isRelative(path) ? QByteArray(configPathVariable) + '/' + path : path;
     name.text = m_expander.initName(line, full, iteration).toLatin1();
     // What is cut differs from machine to machine, and ".." can't be followed past a variable.
-    name.mustExpandAnew = path.contains("..") ||
-                          full.size() + full.count('[') * m_expander.longestValue() >= maxPath;
+    name.mustExpandAnew =
+        path.contains("..") || full.size() + full.count('[') * m_expander.longestValue() >= maxPath;
     const QByteArray key = name.mustExpandAnew
                                ? name.text + '\n' + QByteArray::number(qulonglong(m_uses.size()))
                                : name.text;

@@ -50,10 +50,10 @@ void addRejectedLines(const SeriesFacts& facts, Reasons& reasons)
 QString fileMadeBy(const QByteArray& line, const SeriesFacts& facts)
 {
     TestTask task;
-    _kvString<1000> text;
+    _kvString<maxLine> text;
     text.add(line.constData(), line.size());
     const QString initPath = facts.runFolder + facts.name.baseName + "_init.dpc";
-    if (line.startsWith('#') || !readTaskLine(task, text, kvToString8<500>(initPath)))
+    if (line.startsWith('#') || !readTaskLine(task, text, kvToString8<maxPath>(initPath)))
         return {};
     QString path = kvToQString(task.destPath);
     path.replace(QLatin1String("[cfgPath]/"), facts.runFolder);
@@ -106,7 +106,7 @@ int writeFile(const SeriesFacts& facts, const ResavedFile& file, const Output& o
     const std::string shown = printable(shownPath(facts, file.path));
     const bool wasThere = QFileInfo(file.path).isFile() && contentOf(file.path) == file.content;
     if (!wasThere)
-        writeToLogFile(kvToString8<250>(file.path),
+        writeToLogFile(kvToString8<maxFileName>(file.path),
                        kvToString8<5000>(QString::fromLatin1(file.content)), true, false);
     if (contentOf(file.path) != file.content || !QFileInfo(file.path).isFile())
         return fail(output,
