@@ -166,12 +166,14 @@ std::string outcomeText(const RunResults& results, const QString& folder)
     for (const std::string& reason : results.status.reasons)
         text += reason + '\n';
     const RunStatus& status = results.status;
+    if (status.state == RunState::Refused)
+        return text + "refused: nothing was run\n";
     const auto good = std::count_if(results.jobs.begin(), results.jobs.end(),
                                     [](const JobResult& job) { return job.isGood; });
-    text += fmt::format("{}: {} of {} did their bytes", runStateName(status.state), good,
-                        counted(countOf(results.jobs.size()), "job"));
+    text += fmt::format("{}: {} of {} jobs did their bytes", runStateName(status.state), good,
+                        results.jobs.size());
     if (status.endedMs.has_value())
-        text += fmt::format(" in {}", seconds(*status.endedMs - status.startedMs));
+        text += fmt::format(", in {}", seconds(*status.endedMs - status.startedMs));
     const Leavings leavings = leavingsOf(results);
     text +=
         fmt::format("\n{} with {} bytes ({}) {} behind", counted(leavings.files, "file"),

@@ -43,9 +43,9 @@ QByteArray goodReport()
 {
     QByteArray report = "{\n\"fio version\" : \"fio-3.33\",\n\"jobs\" : [\n";
     for (int line = 1; line <= 2; ++line) {
-        report += "{ \"jobname\" : \"s0-l" + QByteArray::number(line)
-                  + "-i0\", \"error\" : 0, \"read\" : { \"io_bytes\" : 0, \"total_ios\" : 0 }, "
-                    "\"write\" : { \"io_bytes\" : 131072, \"total_ios\" : 2, \"runtime\" : 5 } }";
+        report += "{ \"jobname\" : \"s0-l" + QByteArray::number(line) +
+                  "-i0\", \"error\" : 0, \"read\" : { \"io_bytes\" : 0, \"total_ios\" : 0 }, "
+                  "\"write\" : { \"io_bytes\" : 131072, \"total_ios\" : 2, \"runtime\" : 5 } }";
         report += line == 1 ? ",\n" : "\n]\n}\n";
     }
     return report;
@@ -190,8 +190,8 @@ void TestRunStandIn::survivesAnyOutput()
         int good = 0;
         for (const QJsonValue& job : series.jobs(run)) {
             good += job["good"].toBool() ? 1 : 0;
-            QVERIFY(!job["good"].toBool()
-                    || (job["doneBytes"].toInt() == 128 * kib && job["error"].toInt(1) == 0));
+            QVERIFY(!job["good"].toBool() ||
+                    (job["doneBytes"].toInt() == 128 * kib && job["error"].toInt(1) == 0));
         }
         QCOMPARE(status, good == 2 ? 0 : 1);
         QCOMPARE(series.state(run), QString(good == 2 ? "complete" : "incomplete"));
@@ -214,8 +214,7 @@ void TestRunStandIn::costsLittle()
 {
     const auto secondsOf = [](int iterations) {
         const SeriesRun series;
-        series.putSeries(
-            {{SeriesRun::line("", "[cfgPath]/[iter].dat", 64, 64, 0, iterations)}});
+        series.putSeries({{SeriesRun::line("", "[cfgPath]/[iter].dat", 64, 64, 0, iterations)}});
         rusage before{};
         rusage after{};
         ::getrusage(RUSAGE_SELF, &before);
@@ -226,8 +225,8 @@ void TestRunStandIn::costsLittle()
         const auto seconds = [](const timeval& time) {
             return double(time.tv_sec) + double(time.tv_usec) / 1e6;
         };
-        return seconds(after.ru_utime) - seconds(before.ru_utime) + seconds(after.ru_stime)
-               - seconds(before.ru_stime);
+        return seconds(after.ru_utime) - seconds(before.ru_utime) + seconds(after.ru_stime) -
+               seconds(before.ru_stime);
     };
     constexpr int jobs = 2000;
     secondsOf(1);
