@@ -88,6 +88,7 @@ struct Output
     bool colour = false;        ///< of `out`, where the user does not say otherwise
     bool isTerminal = false;    ///< true if a person reads `out`
     bool isErrTerminal = false; ///< true if a person reads `err`
+    int width = 0;              ///< characters in a line, if `out` is a terminal; 0: not known
 };
 
 /// What was typed for one subcommand, as the parser understood it: bytes as the shell passed them.

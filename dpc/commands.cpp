@@ -7,8 +7,8 @@
 const std::vector<const Command*>& allCommands()
 {
     static const std::vector<const Command*> commands = {
-        &checkCommand,     &explainCommand, &showCommand,   &diffCommand,
-        &roundTripCommand, &initCommand,    &exportCommand, &runCommand};
+        &checkCommand, &explainCommand, &showCommand, &diffCommand,  &roundTripCommand,
+        &initCommand,  &exportCommand,  &runCommand,  &reportCommand};
     return commands;
 }
 

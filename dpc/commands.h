@@ -13,6 +13,7 @@ extern const Command roundTripCommand;
 extern const Command initCommand;
 extern const Command exportCommand;
 extern const Command runCommand;
+extern const Command reportCommand;
 
 /// All subcommands, in the order of the help page.
 const std::vector<const Command*>& allCommands();

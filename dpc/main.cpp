@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace {
@@ -25,6 +26,14 @@ bool wantsColour()
     return ::isatty(STDOUT_FILENO) == 1 && !refused && !isDumb;
 }
 
+/// Of the terminal that is written to; 0 if it is none.
+int lineWidth()
+{
+    winsize size{};
+    const bool isKnown = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0;
+    return ::isatty(STDOUT_FILENO) == 1 && isKnown ? size.ws_col : 0;
+}
+
 } // namespace
 
 int main(int count, char** arguments)
@@ -32,7 +41,9 @@ int main(int count, char** arguments)
     setLocale();
     std::ios::sync_with_stdio(false);
     const std::vector<std::string> typed(arguments + 1, arguments + count);
-    const int code = runDpc(typed, {std::cout, std::cerr, wantsColour()});
+    Output output{std::cout, std::cerr, wantsColour()};
+    output.width = lineWidth();
+    const int code = runDpc(typed, output);
     std::cout.flush();
     // A full disk must not look like a clean series.
     return std::cout.good() ? code : int(exitUsage);
