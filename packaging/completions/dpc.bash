@@ -12,7 +12,7 @@ _dpc() {
     _init_completion -s || return
 
     for word in "${words[@]:1:cword-1}"; do
-        [[ $word == @(check|explain|show|diff|roundtrip|init|export|run) ]] && { command=$word; break; }
+        [[ $word == @(check|explain|show|diff|roundtrip|init|export|run|report) ]] && { command=$word; break; }
     done
     case $command:$prev in
         check:--format) COMPREPLY=($(compgen -W 'text json' -- "$cur")); return ;;
@@ -41,10 +41,13 @@ _dpc() {
         run:--stage) :; return ;;
         run:--overwrite) _filedir -d; return ;;
         run:--timeout) :; return ;;
+        report:--format) COMPREPLY=($(compgen -W 'text csv json html markdown' -- "$cur")); return ;;
+        report:--output) _filedir; return ;;
+        report:--fail-if-slower) :; return ;;
     esac
     $split && return
     case $command in
-        '') COMPREPLY=($(compgen -W "check explain show diff roundtrip init export run $options --version" -- "$cur"))
+        '') COMPREPLY=($(compgen -W "check explain show diff roundtrip init export run report $options --version" -- "$cur"))
             return ;;
         check) options+=' --format -q --quiet --no-rule --werror --hosts --machines --hosts-file --list-rules' operand='_filedir dpc' ;;
         explain) options+='' operand='_dpc_rules' ;;
@@ -54,6 +57,7 @@ _dpc() {
         init) options+=' --write' operand='_filedir dpc' ;;
         export) options+=' --format --hosts --hosts-file --temp --date --allow-loss' operand='_filedir dpc' ;;
         run) options+=' --to --hosts --hosts-file --temp --date --allow-loss --dry-run --stage --overwrite --keep-going --timeout --start-at-minute --trust-network' operand='_filedir dpc' ;;
+        report) options+=' --format -o --output --fail-if-slower' operand='_filedir -d' ;;
     esac
     if [[ $cur == -* ]]; then
         COMPREPLY=($(compgen -W "$options" -- "$cur"))

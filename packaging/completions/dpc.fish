@@ -1,6 +1,6 @@
 # Completion of dpc(1) for fish.
 # Made from the options of the program, see CONTRIBUTING.md; not to be edited.
-set -l commands check explain show diff roundtrip init export run
+set -l commands check explain show diff roundtrip init export run report
 set -l none "not __fish_seen_subcommand_from $commands"
 
 complete -c dpc -f
@@ -14,6 +14,7 @@ complete -c dpc -n $none -a roundtrip -d 'tell what a load and a save in the edi
 complete -c dpc -n $none -a init -d 'print or write the _init file of a series'
 complete -c dpc -n $none -a export -d 'write the jobs of fio that a series stands for'
 complete -c dpc -n $none -a run -d 'run a series on fio, and account for every job'
+complete -c dpc -n $none -a report -d 'show the results of runs'
 
 complete -c dpc -n '__fish_seen_subcommand_from check' -x -k -a '(__fish_complete_suffix .dpc)'
 complete -c dpc -n '__fish_seen_subcommand_from check' -l format -x -a 'text json' -d 'how to print the findings'
@@ -65,3 +66,8 @@ complete -c dpc -n '__fish_seen_subcommand_from run' -l keep-going -d 'go on wit
 complete -c dpc -n '__fish_seen_subcommand_from run' -l timeout -x -d 'stop a stage that takes longer'
 complete -c dpc -n '__fish_seen_subcommand_from run' -l start-at-minute -d 'all machines begin each stage at the next minute of their clocks'
 complete -c dpc -n '__fish_seen_subcommand_from run' -l trust-network -d 'use servers of fio that can be reached from outside, although they obey everybody'
+
+complete -c dpc -n '__fish_seen_subcommand_from report' -x -a '(__fish_complete_directories)'
+complete -c dpc -n '__fish_seen_subcommand_from report' -l format -x -a 'text csv json html markdown' -d 'how to show the runs'
+complete -c dpc -n '__fish_seen_subcommand_from report' -s o -l output -r -F -d 'write the report into a file, replacing it as a whole'
+complete -c dpc -n '__fish_seen_subcommand_from report' -l fail-if-slower -x -d 'end with status 1 if a task of a later run is slower than in the first by more than that, and by more than the spread of the iterations'
