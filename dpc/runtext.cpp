@@ -114,6 +114,13 @@ std::string logFoldersText(const RunResults& results)
     return text;
 }
 
+/// If it goes on as fast as until now.
+qint64 msLeft(const RunProgress& progress)
+{
+    const double perByte = double(progress.elapsedMs) / double(*progress.doneBytes);
+    return qint64(perByte * double(progress.plannedBytes - *progress.doneBytes));
+}
+
 } // namespace
 
 std::string forecastText(const Plan& plan)
@@ -186,22 +193,17 @@ std::string outcomeText(const RunResults& results, const QString& folder)
 
 std::string progressText(const Plan& plan, const RunProgress& progress, int width)
 {
-    std::string text =
-        fmt::format("stage {} of {}, {}, {}", progress.stage + 1, plan.stages.size(),
-                    counted(countOf(plan.stages[progress.stage].files.size()), "machine"),
-                    seconds(progress.elapsedMs));
-    if (progress.doneBytes.has_value()) {
-        text += fmt::format(", {} of {}", mib(*progress.doneBytes), mib(progress.plannedBytes));
-        const qint64 left = *progress.doneBytes > 0
-                                ? progress.elapsedMs *
-                                      (progress.plannedBytes - *progress.doneBytes) /
-                                      *progress.doneBytes
-                                : 0;
-        if (*progress.doneBytes > 0)
-            text += fmt::format(", about {} left", seconds(left));
-    } else {
-        text += fmt::format(" of at least {}, {} planned", seconds(progress.leastMs),
-                            mib(progress.plannedBytes));
-    }
+    std::string text = fmt::format("stage {} ({} in all): ", progress.stage, plan.stages.size());
+    const std::string passed = seconds(progress.elapsedMs);
+    if (!progress.doneBytes.has_value())
+        text += fmt::format("{}, {} of at least {}, {} planned",
+                            counted(countOf(plan.stages[progress.stage].files.size()), "machine"),
+                            passed, seconds(progress.leastMs), mib(progress.plannedBytes));
+    else if (*progress.doneBytes == 0)
+        text += fmt::format("0.0 of {}, {}", mib(progress.plannedBytes), passed);
+    else
+        text += fmt::format("{:.1f} of {}, {}, about {} left",
+                            double(*progress.doneBytes) / bytesPerMib, mib(progress.plannedBytes),
+                            passed, seconds(msLeft(progress)));
     return QString::fromStdString(text).left(width).toStdString();
 }

@@ -8,6 +8,8 @@
 
 #include <array>
 #include <csignal>
+#include <iostream>
+#include <pty.h>
 #include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -42,6 +44,8 @@ private slots:
     void runsAnExportAsItIs();
     void refusesWhatTheCheckRefuses();
     void refusesALossThatIsNotAllowed();
+    void makesTheSourcesOfTheInitFileFirst();
+    void drawsItsProgressOnATerminal();
 };
 
 namespace {
@@ -456,6 +460,66 @@ void TestRun::refusesALossThatIsNotAllowed()
     QCOMPARE(series.run({"--allow-loss", "fio-preallocate", "--to", series.file("run2")}).status,
              0);
     QCOMPARE(series.run({"--allow-loss", "fio-none", "--to", series.file("run3")}).status, 2);
+}
+
+void TestRun::makesTheSourcesOfTheInitFileFirst()
+{
+    const SeriesRun series;
+    series.putSeries({{SeriesRun::line("[cfgPath]/source.dat", "", 1000, 300),
+                       SeriesRun::line("[cfgPath]/there.dat", "", 128)}});
+    test::put(series.file("there.dat"), test::textOf(128 * kib));
+    test::put(series.file("mytest_init.dpc"),
+              SeriesRun::line("", "[cfgPath]/source.dat", 1000) + '\n' + "# " +
+                  SeriesRun::line("", "[cfgPath]/there.dat", 128) + '\n' +
+                  SeriesRun::line("", "[cfgPath]/out/dummyFile", 0) + '\n');
+    const test::Printed printed = series.run({"--to", series.file("run")});
+    QVERIFY2(printed.status == 0, printed.err.constData());
+    QVERIFY(printed.err.contains("[fio-folder]"));
+    const QJsonArray jobs = series.jobs("run");
+    QCOMPARE(jobs.size(), 3);
+    QCOMPARE(jobs[0].toObject()["kind"].toString(), QStringLiteral("create"));
+    QCOMPARE(jobs[0].toObject()["stage"].toInt(), 0);
+    QCOMPARE(jobs[1].toObject()["stage"].toInt(), 1);
+    QCOMPARE(contentOf(series, "source.dat").size(), 1000 * kib);
+    QCOMPARE(contentOf(series, "there.dat"), test::textOf(128 * kib));
+    QCOMPARE(contentOf(series, "run/manifest").count('\n'), 1);
+}
+
+void TestRun::drawsItsProgressOnATerminal()
+{
+    const SeriesRun series;
+    series.putSeries({{slowWrite()}});
+    int terminal = 0;
+    winsize size{};
+    size.ws_col = 60;
+    const pid_t child = ::forkpty(&terminal, nullptr, nullptr, &size);
+    if (child == 0) {
+        ::alarm(test::childSeconds);
+        ::_exit(runDpc({"run", series.file("mytest.dpc").toStdString(), "--to",
+                        series.file("run").toStdString()},
+                       {std::cout, std::cerr, false}));
+    }
+    QByteArray shown;
+    std::array<char, 4096> bytes{};
+    for (ssize_t got = 1; got > 0;) {
+        got = ::read(terminal, bytes.data(), bytes.size());
+        shown.append(bytes.data(), int(std::max<ssize_t>(got, 0)));
+    }
+    ::close(terminal);
+    QCOMPARE(SeriesRun::statusOf(child), 0);
+    const QByteArray begin = "\x1B[Kstage 0 (1 in all): ";
+    int drawn = 0;
+    for (const QByteArray& line : shown.split('\r')) {
+        if (!line.startsWith(begin))
+            continue;
+        ++drawn;
+        QVERIFY2(line.contains(" of 0.6 MiB, "), line.constData());
+        QVERIFY(line.size() < 60 + 3);
+        QVERIFY(!line.contains('\n'));
+    }
+    QVERIFY(drawn > 0);
+    // The last one is wiped before what follows.
+    QVERIFY(shown.contains("\r\x1B[Kstage 0: ") || shown.contains("\r\x1B[Kcomplete"));
 }
 
 int main(int count, char** arguments)

@@ -60,8 +60,8 @@ void TestRunDocument::showsWhatDpcPrints()
             continue;
         if (part.name.contains("hosts.txt")) {
             for (const char* address : {"ip:127.0.0.11,8765", "ip:127.0.0.12,8765"})
-                servers.push_back(std::make_unique<test::FioServer>(address, root + "/test",
-                                                                    "size=200m"));
+                servers.push_back(
+                    std::make_unique<test::FioServer>(address, root + "/test", "size=200m"));
         }
         std::vector<std::string> words;
         for (const QString& word : placed(part.name).split(' ').mid(1))
