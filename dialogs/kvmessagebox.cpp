@@ -169,6 +169,8 @@ void kvMessageBox::addText(const QString& text, bool centred, bool monospace, QB
 {
     textLabel = new QLabel(this);
     textLabel->setText(shortenMessage(text));
+    // The dialog has no title: this is what a screen reader says when it opens.
+    setAccessibleName(textLabel->text().trimmed());
     if (centred)
         textLabel->setAlignment(Qt::AlignCenter);
     if (monospace)

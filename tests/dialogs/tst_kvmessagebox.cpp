@@ -36,6 +36,7 @@ private slots:
     void leavesAnEmptyAreaForOtherIcons();
     void putsTheIconAtTheTopLeft();
     void showsTheShortenedTextAsItIs();
+    void isCalledByItsText();
     void letsQtChooseBetweenPlainAndRichText();
     void centresTheTextOnlyWhereAsked();
     void showsMonospaceTextInCourier();
@@ -244,6 +245,13 @@ void TestKvMessageBox::putsTheIconAtTheTopLeft()
     QVERIFY(QTest::qWaitForWindowExposed(box.get()));
     QCOMPARE(parts.icon->pos(), QPoint(10, 20));
     QVERIFY(parts.text->x() > parts.icon->geometry().right());
+}
+
+void TestKvMessageBox::isCalledByItsText()
+{
+    MessageSettings settings;
+    settings.text = "Config files have been saved.\n\nThere is more.";
+    QCOMPARE(makeMessage(settings)->accessibleName(), settings.text);
 }
 
 void TestKvMessageBox::showsTheShortenedTextAsItIs()

@@ -7,8 +7,14 @@
 
 // What a translation of the form changes, and what it must leave.
 
+/// The keys that press buttons.
+inline QStringList formKeys()
+{
+    return {"Ctrl+S", "Ctrl+O", "Ctrl+Return", "Ctrl+Shift+Return"};
+}
+
 /// Translates every text of the form's context into the text after a "~", so that a text that was
-/// asked for is told from one that was not.
+/// asked for is told from one that was not. Keys stay what they are, as a translator leaves them.
 class MarkingTranslator : public QTranslator
 {
 public:
@@ -16,7 +22,7 @@ public:
     QString translate(const char* context, const char* text, const char* /*comment*/,
                       int /*n*/) const override
     {
-        if (QByteArray(context) != "twDiskProbeClass")
+        if (QByteArray(context) != "twDiskProbeClass" || formKeys().contains(text))
             return {};
         return QString("~") + text;
     }

@@ -25,9 +25,9 @@ centralWidget QWidget
           buttonMoveUp QPushButton
           buttonDelete QPushButton
           spacer 10x20 Fixed/Minimum
-          buttonSave QPushButton
+          buttonSave QPushButton shortcut=Ctrl+S
           spacer 40x20 Expanding/Minimum
-          buttonLoad QPushButton
+          buttonLoad QPushButton shortcut=Ctrl+O
     verticalLayout_5 QVBoxLayout spacing=2 margins=-,-,-,-
       label_13 QLabel autoFillBackground=true margin=5
       label_14 QLabel
@@ -101,8 +101,8 @@ centralWidget QWidget
       spacer 20x20 Minimum/Expanding
       groupBox_6 QGroupBox
         horizontalLayout_8 QHBoxLayout spacing=20 margins=20,0,5,5
-          buttonCreateNew QPushButton
-          buttonCreateOverwrite QPushButton
+          buttonCreateNew QPushButton shortcut=Ctrl+Return
+          buttonCreateOverwrite QPushButton shortcut=Ctrl+Shift+Return
           spacer 40x20 Expanding/Minimum
       spacer 20x20 Minimum/Expanding
       label_222 QLabel autoFillBackground=true wordWrap=true indent=10

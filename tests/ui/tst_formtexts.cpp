@@ -167,7 +167,15 @@ void TestFormTexts::retranslatingResetsTheTextsAndNothingElse()
 {
     changeEverything();
     m_form.checkFlush->setToolTip("added");
-    const QStringList before = stateOf(*m_window);
+    // A button loses its key with its text, and gets it back with it.
+    QStringList before = stateOf(*m_window);
+    const QStringList buttons{"buttonSave", "buttonLoad", "buttonCreateNew",
+                              "buttonCreateOverwrite"};
+    for (int i = 0; i < buttons.size(); ++i) {
+        const int line = before.indexOf(buttons[i] + " shortcut ");
+        QVERIFY2(line >= 0, qPrintable(buttons[i]));
+        before[line] += formKeys()[i];
+    }
     m_form.retranslateUi(m_window.get());
     QCOMPARE(stateOf(*m_window), before);
     QCOMPARE(m_form.checkFlush->toolTip(), QString("added"));

@@ -23,7 +23,7 @@ QString messageIn(const QDialog& dialog)
 
 } // namespace
 
-class TestRoads : public QObject
+class TestSaveAndLoad : public QObject
 {
     Q_OBJECT
 
@@ -357,5 +357,5 @@ private:
     QString m_root;
 };
 
-QTEST_MAIN(TestRoads)
-#include "tst_roads.moc"
+QTEST_MAIN(TestSaveAndLoad)
+#include "tst_saveandload.moc"
