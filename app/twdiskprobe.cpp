@@ -1,6 +1,7 @@
 #include "app/twdiskprobe.h"
 
 #include "app/accessibility.h"
+#include "app/rememberedsizes.h"
 #include "configset/seriesloader.h"
 #include "configset/seriessaver.h"
 #include "dialogs/kvmessagebox.h"
@@ -22,6 +23,7 @@ twDiskProbe::twDiskProbe(QWidget* parent, Qt::WindowFlags flags)
     ui.setupUi(this);
     constexpr int rowHeight = 20;
     ui.tableWidget->verticalHeader()->setDefaultSectionSize(rowHeight);
+    ui.tableWidget->setItemDelegate(new RememberedSizes(ui.tableWidget));
 
     TestTask task;
     task.setDefaults();
