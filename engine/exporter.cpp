@@ -152,7 +152,7 @@ QByteArray readmeText(const Plan& plan)
 bool fillExport(const QString& folder, const Plan& plan, const QJsonArray& losses,
                 std::string& problem)
 {
-    for (const char* name : {logFolderName, guardFolderName, outputFolderName}) {
+    for (const char* name : {logFolderName, proofFolderName, guardFolderName, outputFolderName}) {
         if (!QDir(folder).mkdir(QString::fromLatin1(name))) {
             problem = cannot(folder + '/' + name, QStringLiteral("the folder can't be made"));
             return false;

@@ -17,6 +17,7 @@ public:
         int stage = 0;
         int machine = 0;
         qint64 bytes = 0;
+        size_t firstJob = 0; ///< index in Plan::jobs of the first that wrote it on this machine
     };
 
     explicit FilesMade(size_t machines)

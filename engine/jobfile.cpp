@@ -19,13 +19,8 @@ QByteArray prefix(size_t stage)
     return 's' + number(qint64(stage));
 }
 
-/// The path of a log on its machine.
-QByteArray logPath(const PlanJob& job)
-{
-    return job.log->file;
-}
-
-/// Commands that write the logs on a machine behind a server, as many in each as a line can hold.
+/// Commands that make the folder on a machine behind a server and write the logs there, as many in
+/// each as a line can hold.
 std::vector<QByteArray> logCommands(const Plan& plan, const PlanJobFile& file)
 {
     if (file.logFolder.isEmpty())
@@ -37,7 +32,7 @@ std::vector<QByteArray> logCommands(const Plan& plan, const PlanJobFile& file)
         if (!job.log || written.contains(job.log->file))
             continue;
         written.insert(job.log->file);
-        const QByteArray command = logCommand(job, logPath(job));
+        const QByteArray command = logCommand(job, job.log->file);
         if (commands.back().size() + command.size() < maxNameLine)
             commands.back() += " && " + command;
         else
@@ -59,12 +54,17 @@ QByteArray jobCondition(const PlanJob& job, bool isFirst)
         test.state = isFirst || !isWritten ? file->atJob : FileState::Made;
         test.bytes = job.bytes;
         conditions += guardCondition(test);
+        if (isWritten && test.state == FileState::Made)
+            conditions += "test -f " + shellWord(file->proof);
     }
     if (job.preallocate && isFirst)
         conditions +=
             "fallocate -l " + number(job.bytes) + ' ' + shellWord(encodedName(job.made()));
     if (job.dropCaches && isFirst)
         conditions += "sync && echo 3 > /proc/sys/vm/drop_caches";
+    const PlanFile& made = job.destination;
+    if (isFirst && made.atJob != FileState::Made && !made.proof.isEmpty())
+        conditions += ": > " + shellWord(made.proof);
     return conditions.join(" && ");
 }
 
@@ -128,7 +128,7 @@ std::vector<Preparation> preparations(const Plan& plan, size_t stage, const Plan
     std::vector<Preparation> all;
     int count = 0;
     for (const QByteArray& command : logCommands(plan, file))
-        all.push_back({prefix(stage) + "-logs-" + number(count++), command});
+        all.push_back({prefix(stage) + "-prepare-" + number(count++), command});
     if (plan.startAtMinute)
         all.push_back({prefix(stage) + "-start", untilNextMinute()});
     return all;

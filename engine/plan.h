@@ -54,6 +54,10 @@ struct PlanFile
     FileState atJob = FileState::Absent; ///< asked by the guard of the job
     std::optional<FileState> beforeRun;  ///< asked before the first byte of the run; not set: an
                                          ///< earlier job makes it, so that there is nothing to ask
+    /// A small file that the guard of the first job leaves which writes this one, and that the
+    /// guards of the others ask for: what came into the way of the first is not theirs to write.
+    /// Named as PlanLog::file; empty if there are no others.
+    QByteArray proof;
 };
 
 /// A part of a job, as fio counts it. Most jobs have one; a file whose size is not a multiple of
@@ -109,9 +113,9 @@ struct PlanJobFile
     QByteArray file;     ///< relative to the folder of the export
     size_t firstJob = 0; ///< index in Plan::jobs
     size_t endJob = 0;   ///< one after its last
-    QString
-        logFolder;    ///< new, made by the job file on a machine behind a server; empty: not needed
-    int sections = 0; ///< that fio runs, those that only prepare included
+    QString logFolder;   ///< new, made by the job file on a machine behind a server for logs and
+                         ///< proofs; empty: not needed
+    int sections = 0;    ///< that fio runs, those that only prepare included
 };
 
 /// One config file. A marker ends it, and is a barrier.
@@ -146,7 +150,8 @@ QByteArray machineKey(const Plan& plan, int machine);
 // Names in the folder of an export.
 constexpr const char* planFileName = "plan.json";
 constexpr const char* readmeFileName = "README";
-constexpr const char* logFolderName = "logs"; ///< logs of jobs that run on this machine
+constexpr const char* logFolderName = "logs";   ///< logs of jobs that run on this machine
+constexpr const char* proofFolderName = "made"; ///< proofs of jobs that run on this machine
 constexpr const char* guardFolderName =
     "guards"; ///< guards/guard-K-<machine>.fio: calls that only look
 constexpr const char* outputFolderName = "output"; ///< what fio writes: bandwidth and latency logs

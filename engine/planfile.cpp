@@ -33,6 +33,7 @@ QJsonValue fileAsJson(const PlanFile& file)
     return QJsonObject{
         {"path", file.path},
         {"atJob", fileStateName(file.atJob)},
+        {"proof", textOrNull(QString::fromUtf8(file.proof))},
         {"beforeRun", file.beforeRun ? QJsonValue(fileStateName(*file.beforeRun)) : QJsonValue()}};
 }
 
@@ -230,6 +231,7 @@ private:
         if (file.path.isEmpty())
             return file;
         file.atJob = named(states, fileStateName, object["atJob"]);
+        file.proof = object["proof"].toString().toUtf8();
         if (object["beforeRun"].isString())
             file.beforeRun = named(states, fileStateName, object["beforeRun"]);
         return file;

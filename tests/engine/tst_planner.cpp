@@ -19,6 +19,7 @@ private slots:
     void anEmptySourceIsRefused();
     void aFolderAsSourceIsRefused();
     void filesAreAskedForOnce();
+    void proofsOnOtherMachinesNeedAFolder();
     void laterJobsMeetWhatEarlierOnesMade();
     void otherMachinesMeetWhatEarlierStagesMade();
     void filesOfAnEarlierRunMayBeThere();
@@ -232,8 +233,29 @@ void TestPlanner::filesAreAskedForOnce()
     QCOMPARE(stateOf(plan.jobs[0].destination), QString("absent, absent"));
     QCOMPARE(stateOf(plan.jobs[1].destination), QString("not asked, made"));
     QCOMPARE(stateOf(plan.jobs[2].destination), QString("not asked, made"));
+    // Only what the first one has made is theirs to write.
+    QCOMPARE(plan.jobs[0].destination.proof, QByteArray("made/s0-l1-i0.made"));
+    QCOMPARE(plan.jobs[2].destination.proof, plan.jobs[0].destination.proof);
     // The file and its room.
     QCOMPARE(guardTests(plan, 0).size(), size_t(2));
+}
+
+void TestPlanner::proofsOnOtherMachinesNeedAFolder()
+{
+    PlannedSeries series;
+    series.options().machines = {{"pc1", "ip:127.0.0.11,8765", "/scratch"}};
+    series.put("mytest.dpc", writing("/d/a.dat").text() + "[cfgPath]/mytest1.dpc\n");
+    series.put("mytest1.dpc", writing("/d/a.dat").text());
+    const Plan plan = series.plan().plan;
+    // The folder is made by the stage that leaves the proof.
+    const QString folder = plan.stages[0].files[0].logFolder;
+    QCOMPARE(folder, "/scratch/dpc-" + plan.id + "-s0-1-pc1");
+    QVERIFY(plan.stages[1].files[0].logFolder.isEmpty());
+    QCOMPARE(plan.jobs[1].destination.proof, folder.toUtf8() + "/s0-l1-i0.made");
+    QCOMPARE(plan.stages[0].files[0].sections, 2);
+    QCOMPARE(plan.stages[1].files[0].sections, 1);
+    // The file, its room, and that the folder is new.
+    QCOMPARE(guardTests(plan, 0).size(), size_t(3));
 }
 
 void TestPlanner::laterJobsMeetWhatEarlierOnesMade()
@@ -518,7 +540,7 @@ void TestPlanner::exportComesBack()
     QVERIFY2(createExport(folder, result.plan, {}, problem), problem.c_str());
     QCOMPARE(test::entriesOf(folder),
              QStringList({"README", "guards", "guards/guard-0.fio", "logs", "logs/s0-l1-i0.log",
-                          "logs/s0-l1-i1.log", "output", "plan.json", "stage-0.fio"}));
+                          "logs/s0-l1-i1.log", "made", "output", "plan.json", "stage-0.fio"}));
     const auto back = readExport(folder, problem);
     QVERIFY2(back.has_value(), problem.c_str());
     QCOMPARE(planAsJson(back->plan, {}), planAsJson(result.plan, {}));
