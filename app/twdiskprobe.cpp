@@ -1,6 +1,7 @@
 #include "app/twdiskprobe.h"
 
 #include "app/accessibility.h"
+#include "app/pathfield.h"
 #include "app/rememberedsizes.h"
 #include "configset/seriesloader.h"
 #include "configset/seriessaver.h"
@@ -28,6 +29,9 @@ twDiskProbe::twDiskProbe(QWidget* parent, Qt::WindowFlags flags)
     TestTask task;
     task.setDefaults();
     loadTaskIntoForm(task);
+    for (QLineEdit* edit : {ui.editSource, ui.editDest, ui.editExcel})
+        new PathField(*edit, toOsPath); // the field's child, as the next one
+    new PathField(*ui.editLog, pathOfLogFile);
     makeAccessible(ui);
     fitTexts(*this);
 }

@@ -1,5 +1,6 @@
 #include "app/twdiskprobe.h"
 
+#include "app/pathfield.h"
 #include "model/limits.h"
 #include "shared/kvpath.h"
 #include "shared/kvtext.h"
@@ -27,19 +28,6 @@ _kvString8_allSize<maxPath> textOf(const QLineEdit* edit)
 void toLinuxNotation(_kvString8_allSize<maxPath>& path)
 {
     path = kvToString8<maxPath>(kvConvertPDToOS(kvToQString(path), _kvOS::Linux));
-}
-
-QString toOsPath(const QString& path)
-{
-    return kvConvertPDToOS(path);
-}
-
-/// Several machines may run the test: each gets a log of its own.
-QString logFileOfEachHost(const QString& file)
-{
-    if (file.contains(QLatin1String("[host]"), Qt::CaseInsensitive))
-        return file;
-    return kvGetDirNameAutoPD(file) + kvGetFileNameBase(file, '/') + "_[host].txt";
 }
 
 } // namespace
@@ -229,7 +217,7 @@ void twDiskProbe::on_buttonBrowseLog_clicked()
     const QString file = chooseFile(&QFileDialog::getSaveFileName, ui.editLog, tr("Log File..."),
                                     tr("Text Files (*.txt)"));
     if (!file.isEmpty())
-        ui.editLog->setText(toOsPath(logFileOfEachHost(file)));
+        ui.editLog->setText(pathOfLogFile(file));
 }
 
 void twDiskProbe::on_buttonBrowseExcel_clicked()
