@@ -7,24 +7,12 @@
 
 namespace {
 
-constexpr char hostVariable[] = "[host]";
-constexpr char dateVariable[] = "[date]";
-constexpr char tempVariable[] = "[temp]";
-constexpr char configPathVariable[] = "[cfgPath]";
-
 /// Names that hold "[host]" are looked at for as many machines as this allows, at least two.
-constexpr long long mostNamesByHost = 300000;
+constexpr long long maxNamesByHost = 300000;
 
 QByteArray latin1(const _kvString<maxPath>& text)
 {
     return kvToQString(text).toLatin1();
-}
-
-bool isRelative(const QByteArray& path)
-{
-    _kvString8_allSize<maxPath> text;
-    text.add(path.constData(), path.size());
-    return isRelativePath(text);
 }
 
 QByteArray resolved(const QByteArray& path)
@@ -133,7 +121,7 @@ void FileUses::limitMachines()
 {
     const long long names = std::count_if(m_names.begin(), m_names.end(),
                                           [](const UsedName& name) { return name.byHost; });
-    const long long most = std::max(mostNamesByHost / std::max(names, 1LL), 2LL);
+    const long long most = std::max(maxNamesByHost / std::max(names, 1LL), 2LL);
     if (static_cast<long long>(m_machines.size()) > most)
         m_machines.resize(size_t(most));
 }
@@ -209,10 +197,11 @@ bool FileUses::isOwnFile(const KeyedPath& path) const
         return false;
     const QByteArray name = path.key.mid(start);
     const QByteArray base = m_facts.name.baseName.toUtf8();
-    if (!name.startsWith(base) || !name.endsWith(".dpc"))
+    constexpr int extensionLength = int(std::size(configFileExtension)) - 1;
+    if (!name.startsWith(base) || !name.endsWith(configFileExtension))
         return false;
-    const QByteArray number = name.mid(base.size(), name.size() - base.size() - 4);
-    return number == "_init" || std::all_of(number.begin(), number.end(), isDigit);
+    const QByteArray number = name.mid(base.size(), name.size() - base.size() - extensionLength);
+    return number == initFileSuffix || std::all_of(number.begin(), number.end(), isDigit);
 }
 
 void FileUses::addInit()

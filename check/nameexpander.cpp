@@ -60,7 +60,7 @@ QString NameExpander::expand(const LineFact& line, const QByteArray& path, int i
 QString NameExpander::resolve(const LineFact& line, const QByteArray& path, int iteration)
 {
     turnTo(line);
-    if (path.isEmpty() || !isRelativePath(toPath(path)))
+    if (path.isEmpty() || !isRelative(path))
         return expand(line, path, iteration, false);
     return expand(line, m_facts.runFolder.toLatin1() + path, iteration, false);
 }
@@ -98,7 +98,8 @@ TestTask& NameExpander::record(const LineFact& line)
 
 MachineValues noMachine()
 {
-    return {_kvString<maxPath>("[host]"), QStringLiteral("[date]"), Path("[temp]")};
+    return {_kvString<maxPath>(hostVariable), QString::fromLatin1(dateVariable),
+            Path(tempVariable)};
 }
 
 MachineValues thisMachine()
@@ -106,8 +107,13 @@ MachineValues thisMachine()
     return {getComputerName(), _kvTime(true).asStringFileName_TruncSec(), kvGetTempDir()};
 }
 
+bool isRelative(const QByteArray& path)
+{
+    return isRelativePath(toPath(path));
+}
+
 bool dependsOnMachine(const QString& name)
 {
-    return name.contains(QLatin1String("[host]")) || name.contains(QLatin1String("[date]")) ||
-           name.contains(QLatin1String("[temp]"));
+    return name.contains(QLatin1String(hostVariable)) ||
+           name.contains(QLatin1String(dateVariable)) || name.contains(QLatin1String(tempVariable));
 }

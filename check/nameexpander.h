@@ -44,5 +44,8 @@ MachineValues noMachine();
 /// This machine, asked once.
 MachineValues thisMachine();
 
+/// True if a path counts from the folder of the config file that names it; also for the empty path.
+bool isRelative(const QByteArray& path);
+
 /// True if a name that was expanded by noMachine() is another one on each machine or at each run.
 bool dependsOnMachine(const QString& name);

@@ -1,6 +1,7 @@
 #include "check/seriesfacts.h"
 
 #include "configset/configfilereader.h"
+#include "model/pathvariables.h"
 #include "shared/kvpath.h"
 #include "shared/kvtext.h"
 
@@ -10,8 +11,6 @@
 #include <algorithm>
 
 namespace {
-
-const QString extension = QStringLiteral(".dpc");
 
 QByteArray latin1(const _kvString<maxLine>& line)
 {
@@ -152,7 +151,7 @@ void readInit(SeriesFacts& facts, FileFact& file, int entryLimit)
         if (kind == ConfigLine::Blank || !readTaskLineAsIs(task, line, path) ||
             task.waitForNextConfig || task.destPath.isEmpty())
             continue;
-        const TaskLineField dest = splitTaskLine(line).fields[firstPathField];
+        const TaskLineField dest = splitTaskLine(line).fields[DestField - 1];
         InitEntry& entry = facts.init[latin1(line).mid(dest.column, dest.length)];
         // An active line counts before one that is commented out.
         if (!entry.isActive)
@@ -196,7 +195,7 @@ void findFiles(SeriesFacts& facts)
     }
     for (const QString& folder : folders) {
         const QStringList names =
-            QDir(folder).entryList({"*" + extension}, QDir::Files, QDir::Name);
+            QDir(folder).entryList({QString("*") + configFileExtension}, QDir::Files, QDir::Name);
         for (const QString& name : names) {
             if (isBeyondSeries(name, facts.name.baseName))
                 addFile(facts, folder + name, seriesFileCount, folder != folders[0], false);
@@ -230,22 +229,9 @@ long long namesOf(const SeriesFacts& facts)
 
 } // namespace
 
-bool isBeyondSeries(const QString& fileName, const QString& baseName)
-{
-    if (!fileName.startsWith(baseName) || !fileName.endsWith(extension))
-        return false;
-    const QString number =
-        fileName.mid(baseName.size(), fileName.size() - baseName.size() - extension.size());
-    const bool isNumber =
-        !number.isEmpty() &&
-        std::all_of(number.cbegin(), number.cend(), [](QChar c) { return kvIsDigit(c.unicode()); });
-    return isNumber &&
-           (number.startsWith('0') || number.size() > 2 || number.toInt() >= seriesFileCount);
-}
-
 int iterationsOf(const LineFact& line, const QByteArray& path)
 {
-    return path.contains("[iter]") ? line.used.iterations : std::min(line.used.iterations, 1);
+    return path.contains(iterVariable) ? line.used.iterations : std::min(line.used.iterations, 1);
 }
 
 TaskSettings settingsOf(const TestTask& task)
@@ -281,7 +267,7 @@ SeriesFacts readSeries(const SeriesName& name, const QString& shownFolder, const
     facts.runFolder = name.folder.endsWith('/' + waitFolder())
                           ? name.folder.left(name.folder.size() - waitFolder().size())
                           : name.folder;
-    facts.isInit = name.baseName.endsWith(QStringLiteral("_init"));
+    facts.isInit = name.baseName.endsWith(QLatin1String(initFileSuffix));
     findFiles(facts);
     for (size_t i = 0; i < facts.files.size(); ++i) {
         if (facts.files[i].isRead)

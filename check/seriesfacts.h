@@ -41,7 +41,7 @@ enum TaskPath
     taskPathCount
 };
 
-constexpr int firstPathField = 10; ///< field number of the source, from 1
+constexpr int firstPathField = SourceField;
 
 /// A line that holds something: a task, a marker, a line that the reader rejects, or a comment that
 /// was cut.
@@ -165,10 +165,6 @@ struct ReadLimits
     int entries = maxSeriesEntries;
     long long names = 300000; ///< where paths stand for more, those of one iteration are looked at
 };
-
-/// True for a file that belongs to a series by its name and that no load looks for: number 20 and
-/// above, or a number with leading zeros.
-bool isBeyondSeries(const QString& fileName, const QString& baseName);
 
 /// Reads all files of a series that exist. Never fails: what can't be read is a fact as well.
 SeriesFacts readSeries(const SeriesName& name, const QString& shownFolder,

@@ -14,7 +14,7 @@
 
 namespace {
 
-const QString extension = QStringLiteral(".dpc");
+const QString extension = QString::fromLatin1(configFileExtension);
 
 QString absolute(const QString& path)
 {
@@ -74,8 +74,8 @@ SeriesSearch searchFile(const QString& path)
     const QString file = absolute(path);
     const bool exists = QFileInfo::exists(file);
     if (!file.endsWith(extension))
-        return problem(exists ? fmt::format("{} is no config file: its name does not end in .dpc",
-                                            quoted(path))
+        return problem(exists ? fmt::format("{} is no config file: its name does not end in {}",
+                                            quoted(path), configFileExtension)
                               : fmt::format("there is no file or folder {}", quoted(path)));
     const SeriesName name = seriesNameForLoading(file);
     if (exists && !belongsTo(name, file.mid(file.lastIndexOf('/') + 1)))
@@ -109,7 +109,7 @@ SeriesSearch findOneSeries(const QString& path)
 
 std::vector<FoundSeries> withoutDuplicates(const std::vector<FoundSeries>& series)
 {
-    const QString companionEnd = QStringLiteral("_init");
+    const QString initEnd = QString::fromLatin1(initFileSuffix);
     std::set<std::pair<QString, QString>> left;
     for (const FoundSeries& found : series)
         left.insert({found.name.folder, found.name.baseName});
@@ -117,9 +117,9 @@ std::vector<FoundSeries> withoutDuplicates(const std::vector<FoundSeries>& serie
     const std::set<std::pair<QString, QString>> all = left;
     for (const FoundSeries& found : series) {
         const auto& [folder, name] = found.name;
-        const bool isCompanion = name.endsWith(companionEnd) &&
-                                 all.count({folder, name.chopped(companionEnd.size())}) > 0;
-        if (!isCompanion && left.erase({folder, name}) > 0)
+        const bool isInit =
+            name.endsWith(initEnd) && all.count({folder, name.chopped(initEnd.size())}) > 0;
+        if (!isInit && left.erase({folder, name}) > 0)
             result.push_back(found);
     }
     return result;

@@ -105,7 +105,7 @@ void collectFilesOfTask(FileToCreateList& list, const TestTask& task, int taskNu
     if (task.sourcePath.hasData())
         collectFilesToCreate(list, kvToQString(task.sourcePath), task.io.fileSize, task, taskNumber,
                              machine);
-    if (task.destPath.startsWith(spellingOf(PathVariable::CfgPath)))
+    if (task.destPath.startsWith(configPathVariable))
         collectFolder(list, task.destPath, task, taskNumber, machine);
     if (task.logPath.hasData())
         collectFolder(list, task.logPath, task, taskNumber, machine);

@@ -3,6 +3,8 @@
 #include "model/confignames.h"
 #include "shared/kvpath.h"
 
+#include <algorithm>
+
 namespace {
 
 const QString extension = QString::fromLatin1(configFileExtension);
@@ -51,6 +53,19 @@ SeriesName seriesNameForLoading(const QString& chosenFile)
             return series;
     }
     return {folder, names[0]};
+}
+
+bool isBeyondSeries(const QString& fileName, const QString& baseName)
+{
+    if (!fileName.startsWith(baseName) || !fileName.endsWith(extension))
+        return false;
+    const QString number =
+        fileName.mid(baseName.size(), fileName.size() - baseName.size() - extension.size());
+    const bool isNumber =
+        !number.isEmpty() &&
+        std::all_of(number.cbegin(), number.cend(), [](QChar c) { return kvIsDigit(c.unicode()); });
+    return isNumber &&
+           (number.startsWith('0') || number.size() > 2 || number.toInt() >= seriesFileCount);
 }
 
 QString seriesFile(const QString& folder, const QString& baseName, int number)

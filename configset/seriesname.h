@@ -35,6 +35,10 @@ SeriesName seriesNameForSaving(const QString& chosenFile);
 /// The folder is always that of the file: one chosen inside "_wait" makes that the folder.
 SeriesName seriesNameForLoading(const QString& chosenFile);
 
+/// True for a file that belongs to a series by its name and that no load looks for: number 20 and
+/// above, or a number with leading zeros.
+bool isBeyondSeries(const QString& fileName, const QString& baseName);
+
 /// The file name of the file with this number (0 is the first, without a number) in a folder.
 QString seriesFile(const QString& folder, const QString& baseName, int number);
 

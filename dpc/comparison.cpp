@@ -19,7 +19,7 @@ std::string yesOrNo(bool value)
 Fields fieldsOf(const LineFact& line)
 {
     const TaskSettings& task = line.used;
-    Fields fields{methodWord(task.method),
+    Fields fields{methodName(task.method),
                   yesOrNo(task.flush),
                   yesOrNo(task.preallocate),
                   fmt::format("{} ms", task.chunkWait),

@@ -52,7 +52,7 @@ QString fileMadeBy(const QByteArray& line, const SeriesFacts& facts)
     TestTask task;
     _kvString<maxLine> text;
     text.add(line.constData(), line.size());
-    const QString initPath = facts.runFolder + facts.name.baseName + "_init.dpc";
+    const QString initPath = initFile({facts.runFolder, facts.name.baseName});
     if (line.startsWith('#') || !readTaskLine(task, text, kvToString8<maxPath>(initPath)))
         return {};
     QString path = kvToQString(task.destPath);

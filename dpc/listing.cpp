@@ -162,7 +162,7 @@ QJsonObject jsonOf(const SeriesFacts& facts, const Row& row)
         return object;
     }
     const TaskSettings& task = line.used;
-    const QJsonObject settings{{"method", methodWord(task.method)},
+    const QJsonObject settings{{"method", methodName(task.method)},
                                {"testType", typeWord(line)},
                                {"flush", task.flush},
                                {"preallocate", task.preallocate},

@@ -54,7 +54,8 @@ Resave resave(const SeriesFacts& facts)
     if (tasks.isEmpty())
         return {};
     prepareTasks(tasks);
-    const SeriesName name = seriesNameForSaving(facts.name.folder + facts.name.baseName + ".dpc");
+    const SeriesName name =
+        seriesNameForSaving(seriesFile(facts.name.folder, facts.name.baseName, 0));
     const RenderedSeries series =
         renderSeries(tasks, info.text(), name, followUpFiles(name), thisMachine());
     Resave result;

@@ -125,7 +125,7 @@ private:
         const auto folderOf = [](const QString& path) {
             return path.left(path.lastIndexOf('/') + 1);
         };
-        m_initFacts = readSeries({folderOf(file.path), m_facts.name.baseName + "_init"},
+        m_initFacts = readSeries({folderOf(file.path), m_facts.name.baseName + initFileSuffix},
                                  folderOf(file.shown));
         if (m_initFacts.files.empty())
             return;
@@ -249,8 +249,8 @@ private:
     /// "[temp]" of another machine is not known here.
     bool hasTempFolder(const LineFact& line, int machine)
     {
-        const bool isNeeded =
-            line.path(SourcePath).contains("[temp]") || line.path(DestPath).contains("[temp]");
+        const bool isNeeded = line.path(SourcePath).contains(tempVariable) ||
+                              line.path(DestPath).contains(tempVariable);
         const PlanMachine& where = m_plan.machines[size_t(machine)];
         if (!isNeeded || !where.tempFolder.isEmpty())
             return true;

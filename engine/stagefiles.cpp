@@ -3,6 +3,7 @@
 #include "check/nameexpander.h"
 #include "check/text.h"
 #include "engine/lossrules.h"
+#include "model/methods.h"
 
 #include <QFile>
 
@@ -102,7 +103,7 @@ private:
     {
         if (line.kind != LineFact::Kind::Rejected)
             return;
-        const bool isWinApi = line.field(1) == "WinApi";
+        const bool isWinApi = isWrittenOnly(line.field(MethodField).toStdString());
         m_losses.addAtField(fioNotRead, m_facts, line,
                             line.problem.field > 0 ? line.problem.field : 1,
                             isWinApi ? "fio has no engine for the functions of Windows"
@@ -111,7 +112,7 @@ private:
 
     int next(const LineFact& marker, int number)
     {
-        const QString expected = QStringLiteral("%1%2.dpc").arg(m_facts.name.baseName).arg(number);
+        const QString expected = seriesFile(QString(), m_facts.name.baseName, number);
         const QString path = m_names.resolve(marker, marker.text);
         const int file = take(number);
         if (path.mid(path.lastIndexOf('/') + 1) != expected)

@@ -11,15 +11,6 @@
 namespace {
 
 // Fields of a task line, from 1.
-constexpr int methodField = 1;
-constexpr int flushField = 2;
-constexpr int preallocateField = 3;
-constexpr int waitField = 4;
-constexpr int chunkField = 5;
-constexpr int systemBufferField = 6;
-constexpr int sizeField = 7;
-constexpr int cacheField = 9;
-
 constexpr int kib = 1024;
 
 /// fio counts waits in 32 bits of microseconds.
@@ -48,18 +39,18 @@ void judgeBuffer(const LineFact& line, const LossSink& lose)
     const TaskSettings& used = line.used;
     const bool hasSetting = used.sysBufferMode >= 0;
     if (hasSetting && (isBuffered(used.method) || used.sysBufferMode == 0)) {
-        lose(fioSystemBuffer, systemBufferField,
+        lose(fioSystemBuffer, SysBufferField,
              "fio has no buffer between a task and the system: every chunk is one call, as with "
              "this setting");
         return;
     }
     const bool isWhole = used.chunkSize <= 0 || used.chunkSize >= used.fileSize;
     if (used.method == IoMethod::AnsiC)
-        lose(fioBufferSizes, methodField,
+        lose(fioBufferSizes, MethodField,
              "the buffer of AnsiC cuts chunks into calls of other sizes; fio makes one call for "
              "each chunk");
     else if (used.method == IoMethod::Stream && !isWhole && used.chunkSize < streamBuffer)
-        lose(fioBufferSizes, chunkField,
+        lose(fioBufferSizes, ChunkSizeField,
              fmt::format("the buffer of a stream joins chunks of less than 8 KiB; fio makes one "
                          "call for each chunk of {} KiB",
                          used.chunkSize / kib));
@@ -69,11 +60,11 @@ void judgeCaches(const LineFact& line, const LossSink& lose)
 {
     const int mode = line.used.cacheMode;
     if (mode == DropCaches)
-        lose(fioCacheMode, cacheField,
+        lose(fioCacheMode, CacheModeField,
              "the caches of the whole system are dropped right before the task by a command, which "
              "needs the rights of root");
     else if (mode != KeepCaches)
-        lose(fioCacheMode, cacheField,
+        lose(fioCacheMode, CacheModeField,
              fmt::format("fio can't clear caches as mode {} says: the task runs with the caches as "
                          "they are",
                          mode));
@@ -88,14 +79,15 @@ bool judgeNumbers(const LineFact& line, const LossSink& lose)
         isPossible = false;
     };
     if (used.chunkWait < 0)
-        fail(fioWait, waitField, "a wait of less than nothing has no likeness in fio");
+        fail(fioWait, ChunkWaitField, "a wait of less than nothing has no likeness in fio");
     else if (used.chunkWait > maxWaitMs)
-        fail(fioWait, waitField, fmt::format("fio waits at most {} ms between chunks", maxWaitMs));
+        fail(fioWait, ChunkWaitField,
+             fmt::format("fio waits at most {} ms between chunks", maxWaitMs));
     if (used.chunkSize < 0)
-        fail(fioSize, chunkField, "a chunk of less than nothing has no likeness in fio");
+        fail(fioSize, ChunkSizeField, "a chunk of less than nothing has no likeness in fio");
     // The size of what a Read or a Copy reads is that of its source, if that is known.
     if (used.fileSize < 0 || (used.fileSize == 0 && typeOf(line) == TestType::Write))
-        fail(fioSize, sizeField, "fio can't write a file of this size");
+        fail(fioSize, FileSizeField, "fio can't write a file of this size");
     return isPossible;
 }
 
@@ -150,7 +142,7 @@ bool judgeSettings(const LineFact& line, const LossSink& lose)
 {
     const TaskSettings& used = line.used;
     if (used.method == IoMethod::System) {
-        lose(fioNoSendfile, methodField,
+        lose(fioNoSendfile, MethodField,
              "fio has nothing like the system's own copying (sendfile, copy_file_range)");
         return false;
     }
@@ -159,10 +151,10 @@ bool judgeSettings(const LineFact& line, const LossSink& lose)
     judgeBuffer(line, lose);
     judgeCaches(line, lose);
     if (used.preallocate)
-        lose(fioPreallocate, preallocateField,
+        lose(fioPreallocate, PreallocateField,
              "the file is allocated by a command before the task, and that time is not measured");
     if (used.flush && used.chunkWait > 0)
-        lose(fioFlush, flushField,
+        lose(fioFlush, FlushField,
              "fio waits between a write and its flush, and not after the flush: the system has "
              "that time to write");
     return true;
@@ -194,7 +186,7 @@ bool chooseSections(PlanJob& job, const QByteArray& name, const QByteArray& logF
     if (job.chunk <= 0 || job.chunk > job.bytes)
         job.chunk = job.bytes;
     if (job.chunk > maxChunk) {
-        lose(fioSize, chunkField,
+        lose(fioSize, ChunkSizeField,
              fmt::format("fio reads and writes at most 1 GiB in one call, and a chunk has {} bytes",
                          job.chunk));
         return false;
@@ -209,16 +201,16 @@ bool chooseSections(PlanJob& job, const QByteArray& name, const QByteArray& logF
         return true;
     if (isCopy) {
         lose(isTooLong(problem, job) ? fioTooManyChunks : fioName,
-             isTooLong(problem, job) ? chunkField : firstPathField, problem);
+             isTooLong(problem, job) ? ChunkSizeField : firstPathField, problem);
         return false;
     }
     job.log.reset();
     splitLastChunk(job);
     if (job.flush)
-        lose(fioFlush, flushField,
+        lose(fioFlush, FlushField,
              problem + ": the last flush of each section is made, but not measured");
     if (job.sections.size() > 1)
-        lose(fioLastChunk, chunkField,
+        lose(fioLastChunk, ChunkSizeField,
              problem + ": the shorter last chunk is a section of its own");
     return true;
 }

@@ -14,6 +14,13 @@ SysBufferMode maxSystemBufferOf(const MethodInfo& method)
 
 } // namespace
 
+bool isWrittenOnly(std::string_view name)
+{
+    return std::any_of(std::begin(ioMethods), std::end(ioMethods), [&](const MethodInfo& method) {
+        return method.name == name && !method.has(IsRead);
+    });
+}
+
 TaskRules rulesFor(IoMethod method, TestType type)
 {
     TaskRules rules;

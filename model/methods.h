@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <iterator>
 #include <limits>
+#include <string_view>
 
 // What is particular to each I/O method. A method is one row of `ioMethods`; everything that reads,
 // writes, shows or checks a method asks this table.
@@ -84,6 +85,16 @@ constexpr const MethodInfo* methodInfo(IoMethod method)
     const auto number = static_cast<std::int32_t>(method);
     return number >= 0 && number < methodCount ? &ioMethods[number] : nullptr;
 }
+
+/// The name of a method; empty for a number that is not a method.
+constexpr const char* methodName(IoMethod method)
+{
+    const MethodInfo* const info = methodInfo(method);
+    return info != nullptr ? info->name : "";
+}
+
+/// True for the name of a method whose lines are written, but rejected when they are read.
+bool isWrittenOnly(std::string_view name);
 
 /// The test types, by their number, as people read them.
 constexpr const char* testTypeNames[] = {"Copy", "Write", "Read"};

@@ -37,6 +37,13 @@ constexpr const char* spellingOf(PathVariable variable)
     return pathVariables[int(variable)];
 }
 
+// Those that are particular to a machine, and where a series lies.
+constexpr const char* hostVariable = spellingOf(PathVariable::Host);
+constexpr const char* dateVariable = spellingOf(PathVariable::Date);
+constexpr const char* iterVariable = spellingOf(PathVariable::Iter);
+constexpr const char* configPathVariable = spellingOf(PathVariable::CfgPath);
+constexpr const char* tempVariable = spellingOf(PathVariable::Temp);
+
 /// What the variables of a machine stand for. A value that is not set is asked of this machine.
 struct MachineValues
 {

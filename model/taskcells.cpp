@@ -5,10 +5,9 @@
 
 namespace {
 
-QString methodName(IoMethod method)
+QString methodCell(IoMethod method)
 {
-    const MethodInfo* const info = methodInfo(method);
-    return info != nullptr ? QString::fromLatin1(info->name) : QString();
+    return methodInfo(method) != nullptr ? QString::fromLatin1(methodName(method)) : QString();
 }
 
 } // namespace
@@ -21,7 +20,7 @@ QStringList taskCells(const TestTask& task, int configFileNumber)
             cells += QStringLiteral("next file");
         return cells;
     }
-    cells += methodName(task.method);
+    cells += methodCell(task.method);
     cells += QString::fromLatin1(testTypeName(task.testType()));
     for (const int number :
          {kibFromBytes(task.io.fileSize), task.iterations, kibFromBytes(task.io.chunkSize),

@@ -32,7 +32,7 @@ constexpr int taskLineFieldCount = int(std::size(taskLineFieldNames));
 static_assert(taskLineFieldCount == DoneField, "each field has its name");
 
 /// The name of a field, from 1; "text" for a number that is not a field.
-constexpr const char* taskLineFieldName(int field)
+constexpr const char* fieldName(int field)
 {
     return field >= 1 && field <= taskLineFieldCount ? taskLineFieldNames[field - 1] : "text";
 }

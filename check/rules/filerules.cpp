@@ -146,11 +146,11 @@ constexpr Rule notLoaded = {
 
 std::string whyNotLoaded(const QString& file)
 {
-    if (!file.endsWith(QLatin1String(".dpc")))
+    if (!file.endsWith(QLatin1String(configFileExtension)))
         return "the editor does not load this file: its name does not end in .dpc, in small "
                "letters";
     return fmt::format("the editor does not load this file: by its name it looks for {}",
-                       quoted(seriesNameForLoading(file).baseName + ".dpc"));
+                       quoted(seriesNameForLoading(file).baseName + configFileExtension));
 }
 
 constexpr Rule folderLetters = {

@@ -195,7 +195,7 @@ public:
         const LineFact& fact = m_facts.lines[size_t(line)];
         const QByteArray dest = fact.path(DestPath);
         // Below the config file's folder, the "_init" file is asked as a whole.
-        if (dest.isEmpty() || dest.startsWith("[cfgPath]") || isForeignPath(dest))
+        if (dest.isEmpty() || dest.startsWith(configPathVariable) || isForeignPath(dest))
             return;
         for (int i = 0; i < m_uses.useCount(line, DestPath); ++i) {
             const FileUse& use = m_uses.use(line, DestPath, i);
@@ -206,8 +206,8 @@ public:
             m_checked.insert(folder);
             if (folder == "[temp]/" || isThere(use))
                 continue;
-            const bool isLocal = folder.contains("[host]") || folder.contains("[temp]");
-            say(fact, folder, isLocal && !folder.contains("[date]"));
+            const bool isLocal = folder.contains(hostVariable) || folder.contains(tempVariable);
+            say(fact, folder, isLocal && !folder.contains(dateVariable));
         }
     }
 

@@ -114,19 +114,30 @@ constexpr Rule badLine = {
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
 
+/// The method that a wrong word was meant to be, among those that are read.
+const char* closestMethod(const std::string& word)
+{
+    std::vector<const char*> names;
+    for (const MethodInfo& method : ioMethods) {
+        if (method.has(IsRead))
+            names.push_back(method.name);
+    }
+    return closest(word, names.data(), int(names.size()));
+}
+
 std::string whyRejected(const LineFact& line)
 {
     const QByteArray text = line.field(line.problem.field);
-    if (line.problem.field > 1)
+    if (line.problem.field > MethodField)
         return fmt::format("{} {} is no whole number: the editor skips the line",
                            fieldName(line.problem.field), quoted(text));
     if (text.startsWith('#'))
         return "the '#' of a comment must be the first character of its line: the editor skips the "
                "line";
-    if (text.endsWith(".dpc") || line.text.contains(".dpc"))
+    if (line.text.contains(configFileExtension))
         return "the line looks like a marker, but must end in .dpc: the editor skips it";
     return fmt::format("{} is no method{}: the editor skips the line", quoted(text),
-                       didYouMean(closest(text.toStdString(), methodWords)));
+                       didYouMean(closestMethod(text.toStdString())));
 }
 
 constexpr Rule winApi = {
@@ -142,8 +153,8 @@ constexpr Rule winApi = {
 
 void checkRejected(const LineFact& line, Findings& findings)
 {
-    if (line.problem.field == 1 && line.field(1) == "WinApi")
-        findings.add(winApi, line, line.columnOf(1),
+    if (line.problem.field == MethodField && isWrittenOnly(line.field(MethodField).toStdString()))
+        findings.add(winApi, line, line.columnOf(MethodField),
                      "the editor writes WinApi tasks but does not load them: the line is lost");
     else
         findings.add(badLine, line, line.columnOf(line.problem.field), whyRejected(line));
@@ -207,10 +218,11 @@ void checkWord(const LineFact& line, int field, std::initializer_list<const char
 
 void checkWords(const LineFact& line, Findings& findings)
 {
-    checkWord(line, 2, {"flush", "true", "1", "NOflush", "false", "0"}, "'flush'", findings);
-    checkWord(line, 3, {"prealloc", "true", "1", "NOprealloc", "false", "0"}, "'prealloc'",
+    checkWord(line, FlushField, {"flush", "true", "1", "NOflush", "false", "0"}, "'flush'",
               findings);
-    checkWord(line, 14, {"true", "false", "0"}, "'true'", findings);
+    checkWord(line, PreallocateField, {"prealloc", "true", "1", "NOprealloc", "false", "0"},
+              "'prealloc'", findings);
+    checkWord(line, DoneField, {"true", "false", "0"}, "'true'", findings);
 }
 
 void checkLine(const LineFact& line, Findings& findings)

@@ -132,7 +132,7 @@ private:
         const Rule& rule = !file.isShared         ? maybeShared
                            : use.role == DestPath ? sharedOutput
                                                   : sharedResults;
-        const char* advice = path.contains("[host]")
+        const char* advice = path.contains(hostVariable)
                                  ? "the names come out the same; give the machines different "
                                    "names, or put something between the variables"
                                  : "put [host] into the name";

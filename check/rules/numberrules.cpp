@@ -12,13 +12,6 @@
 
 namespace {
 
-constexpr int chunkWaitField = 4;
-constexpr int chunkSizeField = 5;
-constexpr int sysBufferField = 6;
-constexpr int fileSizeField = 7;
-constexpr int iterationsField = 8;
-constexpr int cacheModeField = 9;
-
 /// A number of a line: as the text says, as the record has it, as normalisation leaves it.
 struct Number
 {
@@ -36,12 +29,13 @@ std::array<Number, 6> numbersOf(const LineFact& line)
 {
     const TaskSettings& w = line.written;
     const TaskSettings& u = line.used;
-    return {{{chunkWaitField, " ms", 1, w.chunkWait, u.chunkWait, 0, 0, 500},
-             {chunkSizeField, " KiB", 1024, w.chunkSize, u.chunkSize, 0, 0, 10240},
-             {sysBufferField, "", 1, w.sysBufferMode, u.sysBufferMode, -1, -1, 5},
-             {fileSizeField, " KiB", 1024, w.fileSize, u.fileSize, 0, 1024, 1048576},
-             {iterationsField, "", 1, w.iterations, u.iterations, 1, 1, 100},
-             {cacheModeField, "", 1, w.cacheMode, u.cacheMode, 0, 0, 5}}};
+    return {
+        {{ChunkWaitField, " ms", 1, w.chunkWait, u.chunkWait, 0, 0, 500},
+         {ChunkSizeField, " KiB", 1024, w.chunkSize, u.chunkSize, 0, 0, 10240},
+         {SysBufferField, "", 1, w.sysBufferMode, u.sysBufferMode, -1, -1, maxSysBufferModeRead},
+         {FileSizeField, " KiB", 1024, w.fileSize, u.fileSize, 0, 1024, kibFromBytes(maxFileSize)},
+         {IterationsField, "", 1, w.iterations, u.iterations, 1, 1, 100},
+         {CacheModeField, "", 1, w.cacheMode, u.cacheMode, 0, 0, 5}}};
 }
 
 std::string inUnits(const Number& number, std::int32_t value)
@@ -49,10 +43,10 @@ std::string inUnits(const Number& number, std::int32_t value)
     return fmt::format("{}{}", value / number.unitSize, number.unit);
 }
 
-/// What the text says, however large; the reader takes the first 249 characters.
+/// What the text says, however large; the reader takes its first characters.
 long long textValue(const LineFact& line, const Number& number)
 {
-    return std::strtoll(line.field(number.field).left(249).constData(), nullptr, 10);
+    return std::strtoll(line.field(number.field).left(maxNumberLength).constData(), nullptr, 10);
 }
 
 bool overflows(const LineFact& line, const Number& number)
@@ -90,7 +84,7 @@ constexpr Rule noIterations = {
 void checkNegative(const LineFact& line, const Number& number, Findings& findings)
 {
     const int column = line.columnOf(number.field);
-    if (number.field == iterationsField)
+    if (number.field == IterationsField)
         findings.add(noIterations, line, column,
                      fmt::format("{} iterations: the task does nothing", number.used));
     else
@@ -113,16 +107,16 @@ constexpr Rule noEffect = {
 /// What normalisation takes away because the method or the test type has no use for it.
 bool hasNoEffect(const LineFact& line, const Number& number)
 {
-    if (number.field == sysBufferField)
+    if (number.field == SysBufferField)
         return number.used == -1;
-    return number.field == chunkWaitField && line.used.chunkSize == 0;
+    return number.field == ChunkWaitField && line.used.chunkSize == 0;
 }
 
 std::string reason(const LineFact& line)
 {
     if (line.used.chunkSize == 0)
-        return fmt::format("a {} {} without chunks", methodWord(line.used.method), typeWord(line));
-    return fmt::format("a {} {}", methodWord(line.used.method), typeWord(line));
+        return fmt::format("a {} {} without chunks", methodName(line.used.method), typeWord(line));
+    return fmt::format("a {} {}", methodName(line.used.method), typeWord(line));
 }
 
 constexpr Rule changedValue = {
@@ -247,7 +241,7 @@ void checkChunks(const LineFact& line, Findings& findings)
     const int size = line.used.fileSize;
     if (chunk <= 0 || size <= 0)
         return;
-    const int column = line.columnOf(chunkSizeField);
+    const int column = line.columnOf(ChunkSizeField);
     if (size < chunk)
         findings.add(chunkTooLarge, line, column,
                      fmt::format("the file of {} KiB is smaller than one chunk of {} KiB",
@@ -268,8 +262,9 @@ void checkNumbers(const SeriesFacts& facts, Findings& findings)
             continue;
         for (const Number& number : numbersOf(line))
             checkNumber(facts, line, number, findings);
-        checkFlag(line, 2, line.written.flush, line.used.flush, findings);
-        checkFlag(line, 3, line.written.preallocate, line.used.preallocate, findings);
+        checkFlag(line, FlushField, line.written.flush, line.used.flush, findings);
+        checkFlag(line, PreallocateField, line.written.preallocate, line.used.preallocate,
+                  findings);
         checkChunks(line, findings);
     }
 }

@@ -11,24 +11,13 @@
 
 namespace {
 
-constexpr const char* variables[] = {"[iter]",    "[host]",       "[date]",     "[temp]",
-                                     "[cfgID]",   "[cfgTaskID]",  "[cfgName]",  "[cfgPath]",
-                                     "[cfgline]", "[cfgLogName]", "[cfgNameID]"};
-
 bool isVariable(const std::string& word)
 {
-    for (const char* variable : variables) {
+    for (const char* variable : pathVariables) {
         if (word == variable)
             return true;
     }
     return false;
-}
-
-bool isRelative(const QByteArray& path)
-{
-    _kvString8_allSize<maxPath> text;
-    text.add(path.constData(), path.size());
-    return isRelativePath(text);
 }
 
 constexpr Rule unknownVariable = {
@@ -56,7 +45,7 @@ void checkVariables(const LineFact& line, const QByteArray& text, int column, Fi
             findings.add(unknownVariable, line, column + open,
                          fmt::format("{} is no variable{}: it stays in the name as it is",
                                      quoted(QByteArray::fromStdString(word)),
-                                     didYouMean(closest(word, variables))));
+                                     didYouMean(closest(word, pathVariables))));
         open = text.indexOf('[', close);
     }
 }

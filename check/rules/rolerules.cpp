@@ -219,12 +219,14 @@ private:
         const LineFact& otherLine = m_facts.lines[size_t(other.line)];
         const QByteArray path = oneLine.path(one.role);
         const QByteArray otherPath = otherLine.path(other.role);
-        if (path.contains("[iter]") && otherPath.contains("[iter]") &&
+        if (path.contains(iterVariable) && otherPath.contains(iterVariable) &&
             one.iteration != other.iteration)
             return true;
-        const bool byTask = path.contains("[cfgTaskID]") || path.contains("[cfgline]");
-        const bool byFile = path.contains("[cfgID]") || path.contains("[cfgNameID]") ||
-                            path.contains("[cfgLogName]");
+        const bool byTask = path.contains(spellingOf(PathVariable::CfgTaskId)) ||
+                            path.contains(spellingOf(PathVariable::CfgLine));
+        const bool byFile = path.contains(spellingOf(PathVariable::CfgId)) ||
+                            path.contains(spellingOf(PathVariable::CfgNameId)) ||
+                            path.contains(spellingOf(PathVariable::CfgLogName));
         return path == otherPath &&
                ((byTask && oneLine.taskNumber != otherLine.taskNumber) ||
                 (byFile && m_facts.fileOf(oneLine).number != m_facts.fileOf(otherLine).number));

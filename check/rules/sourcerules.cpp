@@ -292,11 +292,10 @@ private:
             first = line;
         const LineFact& one = m_facts.lines[size_t(first)];
         const LineFact& other = m_facts.lines[size_t(line)];
-        constexpr int sizeField = 7;
         if (one.used.fileSize == other.used.fileSize || isSaid)
             return isSaid;
         m_findings.add(
-            sourceSize, other, other.columnOf(sizeField),
+            sourceSize, other, other.columnOf(FileSizeField),
             fmt::format("the source {} is wanted with {} KiB here and with {} KiB in {}: the _init "
                         "file makes one of them only; give this task a source of its own",
                         quoted(other.path(SourcePath)), other.used.fileSize / 1024,
