@@ -44,7 +44,7 @@ public:
 
     /// @param patience how long a dialog may take to be ready, and to close once it is answered
     /// @param fail     what to do about a failure; by default the running test fails
-    explicit DialogAnswers(std::chrono::milliseconds patience = std::chrono::seconds(5),
+    explicit DialogAnswers(std::chrono::milliseconds patience = std::chrono::minutes(1),
                            Fail fail = failTest)
         : patience_(patience)
         , fail_(std::move(fail))
