@@ -92,8 +92,8 @@ std::string tableAsText(Table table, int width, const QStringList& leastImportan
     std::string text = lineOf(table.headers, table, widths);
     for (const QStringList& row : table.rows)
         text += lineOf(row, table, widths);
-    if (!left.isEmpty())
-        text += "(no room for: " + left.join(QStringLiteral(", ")).toStdString() + ")\n";
+    for (const QString& header : left)
+        text += "(no room for " + header.toStdString() + ")\n";
     return text;
 }
 

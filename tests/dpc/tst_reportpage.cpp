@@ -1,0 +1,242 @@
+#include "dpc/commandline.h"
+#include "tests/support/files.h"
+#include "tests/support/leaveout.h"
+
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <cstdlib>
+#include <ctime>
+#include <sstream>
+
+// The HTML page of a report, in a real browser without a window and without a network.
+
+namespace {
+
+QByteArray page(const QStringList& runs)
+{
+    std::vector<std::string> list{"report", "--format=html"};
+    for (const QString& run : runs)
+        list.push_back(run.toStdString());
+    std::ostringstream out;
+    std::ostringstream err;
+    const int code = runDpc(list, {out, err});
+    return code == 0 ? QByteArray::fromStdString(out.str()) : QByteArray();
+}
+
+QJsonObject jobOf(const QJsonObject& sample, int task, int machine, int iteration)
+{
+    QJsonObject job = sample;
+    job.insert("line", task + 1);
+    job.insert("machine", QString("pc%1").arg(machine));
+    job.insert("iteration", iteration);
+    job.insert("ioBytesPerSecond", 1e8 + task * 1e6 + machine * 1e5 + iteration);
+    return job;
+}
+
+} // namespace
+
+class TestReportPage : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        QByteArray hostile = test::contentOf(nightly() + "/results.json");
+        hostile.replace("pc02", "<script>alert(1)</script>&'\\\"\\u001b[31m");
+        QVERIFY(QDir().mkpath(in("hostile")));
+        test::put(in("hostile/results.json"), hostile);
+    }
+
+    void thePageAsksForNothingAndNothingFails_data()
+    {
+        QTest::addColumn<QStringList>("runs");
+        QTest::newRow("one run") << QStringList{nightly()};
+        QTest::newRow("two runs") << QStringList{nightly(), nightly()};
+        QTest::newRow("names that look like code") << QStringList{in("hostile")};
+    }
+
+    void thePageAsksForNothingAndNothingFails()
+    {
+        QFETCH(QStringList, runs);
+        const QByteArray dom = opened(page(runs));
+        QVERIFY(dom.contains("<canvas"));
+        // A request is against the page's own policy, and the browser would say so.
+        QVERIFY2(!m_log.contains("CONSOLE"), m_log.constData());
+        QVERIFY(!dom.contains("<script>alert"));
+    }
+
+    void aRequestOrAFailureWouldBeSeen()
+    {
+        for (const char* line : {"new Image().src = 'http://127.0.0.1:9/x.png';", "nothing();"}) {
+            opened(withScript(page({nightly()}), line));
+            QVERIFY2(m_log.contains("CONSOLE"), line);
+        }
+    }
+
+    /// A canvas that nobody drew on has no pixels that can be seen.
+    void picturesAreDrawn()
+    {
+        const QByteArray script = R"(
+            document.title = Array.from(document.querySelectorAll('canvas')).map(function (canvas) {
+                const pixels = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height).data;
+                return canvas.id + (pixels.some(function (value) { return value !== 0; }) ? ' drawn' : ' empty');
+            }).join(', ');)";
+        QCOMPARE(titleOf(opened(withScript(page({nightly(), nightly()}), script))),
+                 QByteArray("rates drawn, latencies drawn, time drawn, comparison0 drawn"));
+    }
+
+    void aClickSortsNumbersAndASecondOneTurnsTheOrder()
+    {
+        const QByteArray script = R"(
+            const table = Array.from(document.querySelectorAll('table.sortable')).find(
+                function (one) { return one.caption.textContent === 'Tasks'; });
+            const column = Array.from(table.tHead.rows[0].cells).findIndex(function (cell) {
+                return cell.textContent === 'bytes'; });
+            function values() {
+                return Array.from(table.tBodies[0].rows).map(function (row) {
+                    return Number(row.cells[column].textContent); });
+            }
+            function isSorted(numbers) {
+                return numbers.every(function (n, i) { return i === 0 || numbers[i - 1] <= n; });
+            }
+            const button = table.tHead.rows[0].cells[column].querySelector('button');
+            const before = isSorted(values());
+            button.click();
+            const up = isSorted(values()) + ' ' + button.parentElement.getAttribute('aria-sort');
+            button.click();
+            document.title = before + ', ' + up + ', ' + isSorted(values().reverse());)";
+        const QByteArray dom = opened(withScript(page({nightly()}), script));
+        QVERIFY2(!m_log.contains("CONSOLE"), m_log.constData());
+        QCOMPARE(titleOf(dom), QByteArray("false, true ascending, true"));
+    }
+
+    void namesStayText()
+    {
+        const QByteArray text = page({in("hostile")});
+        QVERIFY(text.contains("&lt;script&gt;alert(1)&lt;/script&gt;&amp;&#39;&quot;\\x1B[31m"));
+        QVERIFY(!text.contains("<script>alert") && !text.contains('\x1B'));
+    }
+
+    /// It is seen in both themes, and as wide as a telephone and a large screen. The pictures are
+    /// for looking at: build/.../report-*.png.
+    void bothThemesHaveTheirColours()
+    {
+        const QByteArray script = "document.title = "
+                                  "getComputedStyle(document.body).backgroundColor;";
+        const QByteArray text = withScript(page({nightly()}), script);
+        QCOMPARE(titleOf(opened(text, {"--blink-settings=preferredColorScheme=1"})),
+                 QByteArray("rgb(255, 255, 255)"));
+        QCOMPARE(titleOf(opened(text, {"--blink-settings=preferredColorScheme=0"})),
+                 QByteArray("rgb(20, 24, 29)"));
+        for (const char* width : {"800", "1920"}) {
+            for (const char* theme : {"0", "1"}) {
+                const QString picture = QString("report-%1-%2.png").arg(width, theme);
+                opened(page({nightly()}),
+                       {QString("--blink-settings=preferredColorScheme=") + theme,
+                        "--screenshot=" + QDir::current().filePath(picture),
+                        QString("--window-size=%1,2400").arg(width)});
+                QCOMPARE(QImage(picture).width(), QByteArray(width).toInt());
+            }
+        }
+    }
+
+    void aLargeRunMakesAPageOfFewMegabytesInLittleTime()
+    {
+        makeLargeRun();
+        const std::clock_t begin = std::clock();
+        const QByteArray text = page({in("large")});
+        const double seconds = double(std::clock() - begin) / CLOCKS_PER_SEC;
+        qInfo("%lld bytes, %.2f s of processor time", qint64(text.size()), seconds);
+        QVERIFY(text.size() > 100000 && text.size() < 5 * 1024 * 1024);
+        const QByteArray script =
+            "document.title = document.querySelectorAll('.heat tbody tr').length + ' ' + "
+            "document.querySelector('table.sortable').tBodies[0].rows.length;";
+        QCOMPARE(titleOf(opened(withScript(text, script))), QByteArray("20 2000"));
+    }
+
+private:
+    static QString nightly() { return QStringLiteral(TWDP_SOURCE_DIR "/tests/data/run/nightly"); }
+    QString in(const QString& name) const { return m_folder.filePath(name); }
+
+    static QByteArray withScript(QByteArray text, const QByteArray& script)
+    {
+        return text.replace("</body>", "<script>" + script + "</script></body>");
+    }
+
+    static QByteArray titleOf(const QByteArray& dom)
+    {
+        const int begin = dom.indexOf("<title>") + 7;
+        return dom.mid(begin, dom.indexOf("</title>") - begin);
+    }
+
+    /// The page after its scripts ran, as the browser sees it. What it logs goes into m_log.
+    QByteArray opened(const QByteArray& text, const QStringList& options = {})
+    {
+        test::put(in("page.html"), text);
+        QProcess browser;
+        QStringList arguments{"--headless",
+                              "--no-sandbox",
+                              "--disable-gpu",
+                              "--disable-quic",
+                              "--no-first-run",
+                              "--disable-background-networking",
+                              "--disable-component-update",
+                              "--disable-sync",
+                              "--enable-logging=stderr",
+                              "--virtual-time-budget=10000",
+                              "--user-data-dir=" + in("profile")};
+        arguments += options;
+        if (options.filter("--screenshot").isEmpty())
+            arguments += "--dump-dom";
+        browser.start("chromium", arguments << "file://" + in("page.html"));
+        if (!browser.waitForFinished(-1))
+            return {};
+        m_log = browser.readAllStandardError();
+        return browser.readAllStandardOutput();
+    }
+
+    /// 100 tasks, 20 machines, 10 iterations.
+    void makeLargeRun()
+    {
+        constexpr int tasks = 100;
+        constexpr int machineCount = 20;
+        constexpr int iterations = 10;
+        QJsonObject results =
+            QJsonDocument::fromJson(test::contentOf(nightly() + "/results.json")).object();
+        const QJsonObject sample = results["jobs"].toArray().first().toObject();
+        QJsonArray jobs;
+        QJsonArray machines;
+        for (int machine = 0; machine < machineCount; ++machine) {
+            machines.append(QJsonObject{{"name", QString("pc%1").arg(machine)}});
+            for (int task = 0; task < tasks; ++task) {
+                for (int iteration = 0; iteration < iterations; ++iteration)
+                    jobs.append(jobOf(sample, task, machine, iteration));
+            }
+        }
+        results.insert("machines", machines);
+        results.insert("jobs", jobs);
+        QVERIFY(QDir().mkpath(in("large")));
+        test::put(in("large/results.json"), QJsonDocument(results).toJson());
+    }
+
+    QTemporaryDir m_folder;
+    QByteArray m_log;
+};
+
+int main(int argc, char** argv)
+{
+    QCoreApplication application(argc, argv);
+    if (QStandardPaths::findExecutable("chromium").isEmpty())
+        test::leaveOut("chromium is missing; it opens the page of a report");
+    TestReportPage tests;
+    return QTest::qExec(&tests, argc, argv);
+}
+#include "tst_reportpage.moc"
