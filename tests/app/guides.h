@@ -70,3 +70,12 @@ inline QVector<GuideSection> guideSections(const QString& page)
         sections += {section.section('\n', 0, 0), section.section('\n', 1)};
     return sections;
 }
+
+/// What a command prints, without the figures that differ from run to run, and the width of columns
+/// with them.
+inline QString withoutFigures(QString text)
+{
+    static const QRegularExpression figure("\\d+(\\.\\d+)?(e\\+\\d+)?");
+    static const QRegularExpression blanks(" +");
+    return text.replace(figure, "N").replace(blanks, " ").replace(" \n", "\n");
+}

@@ -24,17 +24,6 @@ private slots:
     void showsWhatDpcPrints();
 };
 
-namespace {
-
-/// Figures differ from run to run, and the width of columns with them.
-QString withoutFigures(QString text)
-{
-    text.replace(QRegularExpression("\\d+(\\.\\d+)?(e\\+\\d+)?"), "N");
-    return text.replace(QRegularExpression(" +"), " ").replace(" \n", "\n");
-}
-
-} // namespace
-
 void TestRunDocument::showsWhatDpcPrints()
 {
     const QTemporaryDir folder;
