@@ -148,6 +148,11 @@ QByteArray preparationSection(const QByteArray& name, const QByteArray& command,
            (stonewall ? "stonewall\n" : "") + "exec_prerun=" + asPrerun(command) + '\n';
 }
 
+int longestLineOf(const PlanJob& job)
+{
+    return asPrerun(jobCondition(job, true)).size();
+}
+
 QByteArray jobFileText(const Plan& plan, size_t stage, const PlanJobFile& file)
 {
     QByteArray text;

@@ -7,6 +7,9 @@
 /// What one machine runs in one stage.
 QByteArray jobFileText(const Plan& plan, size_t stage, const PlanJobFile& file);
 
+/// Bytes of the longest line that a job needs; at most maxNameLine can be written.
+int longestLineOf(const PlanJob& job);
+
 /// Sections of a job file that prepare and move no bytes of a task: null jobs of
 /// `preparationBytes`, which fio reports like all others. One whose command failed has 0 bytes.
 std::vector<QByteArray> preparationNames(const Plan& plan, size_t stage, const PlanJobFile& file);

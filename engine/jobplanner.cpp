@@ -34,6 +34,16 @@ bool isPlainFolder(const QString& path)
            });
 }
 
+/// True if a name with its variables replaced is longer than a path can be: what is added at its
+/// end does not arrive.
+bool wasCut(const LineFact& line, const QByteArray& name, NameExpander& names, int iteration)
+{
+    if (name.size() + name.count('[') * names.longestValue() < maxPath)
+        return false;
+    return name.size() >= maxPath ||
+           names.resolve(line, name + 'x', iteration) != names.resolve(line, name, iteration) + 'x';
+}
+
 void loseTooMany(const LossSink& lose)
 {
     lose(fioTooManyJobs, 1,
@@ -72,25 +82,31 @@ bool JobPlanner::add(const LineFact& line, NameExpander& names, int iteration, c
     job.stage = stageIndex();
     job.machine = m_file.machine;
     job.iteration = iteration;
-    job.source.path = names.resolve(line, line.path(SourcePath), iteration);
-    job.destination.path = names.resolve(line, line.path(DestPath), iteration);
-    if (!isNameGood(job.source.path, SourcePath, lose) ||
-        !isNameGood(job.destination.path, DestPath, lose) || !placeSource(job, lose) ||
-        !placeSections(job, lose))
+    if (!placeName(job.source, line, SourcePath, names, iteration, lose) ||
+        !placeName(job.destination, line, DestPath, names, iteration, lose) ||
+        !placeSource(job, lose) || !placeSections(job, lose))
         return false;
     placeDestination(job, lose);
+    const bool fits = longestLineOf(job) <= maxNameLine;
+    if (!fits)
+        lose(fioName, firstPathField,
+             "the names need so many quotes that no line of a job file can hold their guard");
     m_plan.jobs.push_back(std::move(job));
-    return true;
+    return fits;
 }
 
-bool JobPlanner::isNameGood(const QString& path, TaskPath which, const LossSink& lose) const
+bool JobPlanner::placeName(PlanFile& file, const LineFact& line, TaskPath which,
+                           NameExpander& names, int iteration, const LossSink& lose) const
 {
     const int field = firstPathField + which;
-    if (path.isEmpty())
+    const QByteArray name = line.path(which);
+    if (name.isEmpty())
         return true;
+    const QString path = names.resolve(line, name, iteration);
+    file.path = path;
     const std::string problem =
-        path.size() >= maxPath
-            ? "has 500 characters with its variables replaced, and may have been cut"
+        wasCut(line, name, names, iteration)
+            ? fmt::format("has more than {} characters with its variables replaced", maxPath)
             : nameProblem(path);
     if (!problem.empty()) {
         lose(fioName, field, quoted(path) + ' ' + problem);

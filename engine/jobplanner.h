@@ -36,7 +36,8 @@ public:
     void finish();
 
 private:
-    bool isNameGood(const QString& path, TaskPath which, const LossSink& lose) const;
+    bool placeName(PlanFile& file, const LineFact& line, TaskPath which, NameExpander& names,
+                   int iteration, const LossSink& lose) const;
     bool placeSource(PlanJob& job, const LossSink& lose) const;
     bool placeSections(PlanJob& job, const LossSink& lose);
     void placeDestination(PlanJob& job, const LossSink& lose);

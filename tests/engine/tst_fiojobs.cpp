@@ -3,7 +3,10 @@
 #include "tests/engine/plannedseries.h"
 #include "tests/engine/realfio.h"
 
+#include "tests/support/leaveout.h"
+
 #include <QRandomGenerator>
+#include <QStandardPaths>
 
 #include <unistd.h>
 
@@ -14,7 +17,7 @@ class TestFioJobs : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase() { test::requirePrograms({"fio"}); }
+    void initTestCase() { test::needFio(); }
     void callsAreThoseOfTheTasks_data();
     void callsAreThoseOfTheTasks();
     void nothingInTheWayOfADestinationIsTouched();
@@ -28,23 +31,6 @@ private slots:
 namespace {
 
 constexpr int kib = 1024;
-
-/// Everything below a folder with its content, its kind and its rights.
-QStringList snapshotOf(const QString& folder)
-{
-    QStringList all;
-    for (const QString& name : test::entriesOf(folder)) {
-        const QString path = folder + '/' + name;
-        const struct stat status = test::statusOf(path);
-        const bool isFile = S_ISREG(status.st_mode);
-        all += QStringLiteral("%1 %2 %3 %4")
-                   .arg(name)
-                   .arg(uint(status.st_mode), 0, 8)
-                   .arg(QString::fromUtf8(test::linkOf(path)),
-                        QString::fromLatin1(isFile ? test::contentOf(path).toHex() : QByteArray()));
-    }
-    return all;
-}
 
 /// Writes the export of a plan and lets fio read each job file.
 QString exported(const PlannedSeries& series, const Plan& plan)
@@ -190,9 +176,9 @@ Line tenKib(int chunk)
 /// Runs a job file in which every section must do nothing.
 void expectNothing(const QString& folder, const QString& files, int sections)
 {
-    const QStringList before = snapshotOf(files);
+    const test::Snapshot before = test::snapshotOf(files);
     const std::vector<SectionReport> reports = test::runJobFile(folder, "stage-0.fio");
-    QCOMPARE(snapshotOf(files), before);
+    QCOMPARE(test::snapshotOf(files), before);
     QCOMPARE(int(reports.size()), sections);
     for (const SectionReport& report : reports)
         QVERIFY2(report.read.bytes + report.write.bytes == 0, report.name);
@@ -234,21 +220,22 @@ void TestFioJobs::callsAreThoseOfTheTasks_data()
 void TestFioJobs::callsAreThoseOfTheTasks()
 {
     QFETCH(quint32, seed);
-    test::requirePrograms({"strace"});
+    if (QStandardPaths::findExecutable("strace").isEmpty())
+        test::leaveOut("strace is not installed");
     PlannedSeries series;
     const QString files = series.root() + "files";
     QVERIFY(QDir().mkdir(files));
     RandomTasks tasks(seed);
     for (int i = 0; i < 12; ++i)
         tasks.add(series, i);
-    const QStringList before = snapshotOf(files);
+    const test::Snapshot before = test::snapshotOf(files);
     const PlanResult result = series.planOf(tasks.lines());
     for (const Finding& loss : result.losses)
         QVERIFY2(loss.rule->severity != Severity::Error, loss.text.c_str());
     const QString folder = exported(series, result.plan);
     const QString prefix = series.place("trace");
-    const test::Printed printed =
-        test::run(folder, "strace", FioTrace::options(prefix) + QStringList{"fio", "stage-0.fio"});
+    const test::Printed printed = test::printedBy(
+        folder, "strace", FioTrace::options(prefix) + QStringList{"fio", "stage-0.fio"});
     QVERIFY2(!printed.err.contains("ptrace"), printed.err);
     compare(FioTrace(prefix, files + '/').calls(), tasks.steps());
 
@@ -258,8 +245,9 @@ void TestFioJobs::callsAreThoseOfTheTasks()
         QVERIFY(test::contentOf(files + '/' + QString(it.key()).replace("[iter]", "0")) ==
                 test::contentOf(files + '/' + it.value()));
     // Sources are as they were.
-    for (const QString& entry : before)
-        QVERIFY(snapshotOf(files).contains(entry));
+    const test::Snapshot after = test::snapshotOf(files);
+    for (auto it = before.begin(); it != before.end(); ++it)
+        QCOMPARE(after.value(it.key()), it.value());
 }
 
 void TestFioJobs::nothingInTheWayOfADestinationIsTouched()
@@ -332,17 +320,18 @@ void TestFioJobs::workingFolderKeepsItsFiles()
     const QString folder = exported(series, series.planOf(line.text()).plan);
     for (const char* name : {"s0-l1-i0.prerun.txt", "guard-0.prerun.txt", "stage-0.txt"})
         test::put(folder + '/' + name, "content");
-    const QStringList before = snapshotOf(folder);
+    const test::Snapshot before = test::snapshotOf(folder);
     QCOMPARE(test::runJobFile(folder, "guards/guard-0.fio").size(), size_t(1));
-    QCOMPARE(snapshotOf(folder), before);
+    QCOMPARE(test::snapshotOf(folder), before);
     const std::vector<SectionReport> reports = test::runJobFile(folder, "stage-0.fio");
     QCOMPARE(reports.size(), size_t(1));
     QCOMPARE(reports[0].write.bytes, qint64(256 * kib));
-    QStringList after = snapshotOf(folder);
+    test::Snapshot after = test::snapshotOf(folder);
     // Bandwidth and latency over time.
-    after.erase(std::remove_if(after.begin(), after.end(),
-                               [](const QString& entry) { return entry.startsWith("output/"); }),
-                after.end());
+    for (const QString& name : after.keys()) {
+        if (name.startsWith("output/"))
+            after.remove(name);
+    }
     QCOMPARE(after, before);
 }
 

@@ -23,6 +23,7 @@ private slots:
     void formsDefaultsNeedNoPermission();
     void namesThatFioCannotTakeAreRefused_data();
     void namesThatFioCannotTakeAreRefused();
+    void namesThatNoLineHoldsAreRefused();
     void eachPlaceIsNamedOnce();
 };
 
@@ -288,6 +289,23 @@ void TestLosses::namesThatFioCannotTakeAreRefused()
     line.chunk = 1;
     line.destination = name;
     QCOMPARE(series.lossesOf(line.text()), rules);
+}
+
+void TestLosses::namesThatNoLineHoldsAreRefused()
+{
+    PlannedSeries series;
+    series.options().mayOverwrite = [](const QString&, const QString&) { return true; };
+    Line line;
+    line.destination = "/d/" + QByteArray(400, 'x');
+    QCOMPARE(series.lossesOf(line.text()), QStringList());
+    // A shell needs four characters for each.
+    line.destination = "/d/" + QByteArray(490, '\'');
+    line.preallocate = true;
+    QCOMPARE(series.lossesOf(line.text()), QStringList({"1:3 fio-preallocate", "1:10 fio-name"}));
+    // More than the variables of a name can hold.
+    line.preallocate = false;
+    line.destination = "/d/[cfgPath]" + QByteArray(485, 'x');
+    QCOMPARE(series.lossesOf(line.text()), QStringList("1:11 fio-name"));
 }
 
 void TestLosses::eachPlaceIsNamedOnce()
