@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int longestQuote = 160;
+constexpr int maxQuoteLength = 160;
 
 /// True for what steers a terminal, reorders or ends a line, or cannot be seen.
 bool isUnsafe(uint character)
@@ -88,9 +88,9 @@ std::string safeText(const QString& text, const std::function<std::string(uint)>
 
 std::string quoted(const QString& text)
 {
-    if (text.size() <= longestQuote)
+    if (text.size() <= maxQuoteLength)
         return '\'' + printable(text) + '\'';
-    constexpr int half = longestQuote / 2;
+    constexpr int half = maxQuoteLength / 2;
     return '\'' + printable(text.left(half)) + "..." + printable(text.right(half)) + '\'';
 }
 
@@ -106,12 +106,12 @@ std::string counted(long long count, const char* noun)
 
 const char* closest(const std::string& word, const char* const* candidates, int count)
 {
-    constexpr int mostLettersOff = 2;
+    constexpr int maxLettersOff = 2;
     // Long words are no slips of the finger, and comparing them costs.
     if (word.size() > 30)
         return nullptr;
     const char* best = nullptr;
-    int bestDistance = mostLettersOff + 1;
+    int bestDistance = maxLettersOff + 1;
     for (int i = 0; i < count; ++i) {
         const int distance = editDistance(lowered(word), lowered(candidates[i]));
         // Short words are close to everything.

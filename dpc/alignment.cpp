@@ -94,7 +94,7 @@ void addMiddle(std::vector<AlignedPair>& pairs, const Texts& first, const Texts&
 
 std::vector<AlignedPair> align(const Texts& first, const Texts& second)
 {
-    constexpr std::int64_t mostCells = 9000000; // 36 MB, some milliseconds
+    constexpr std::int64_t maxCells = 9000000; // 36 MB, some milliseconds
     const Middle middle = middleOf(first, second);
     std::vector<AlignedPair> pairs;
     pairs.reserve(first.size() + second.size());
@@ -102,7 +102,7 @@ std::vector<AlignedPair> align(const Texts& first, const Texts& second)
         pairs.push_back({i, i});
     const std::int64_t cells =
         std::int64_t(middle.firstEnd - middle.begin + 1) * (middle.secondEnd - middle.begin + 1);
-    if (cells <= mostCells)
+    if (cells <= maxCells)
         addMiddle(pairs, first, second, middle);
     else
         addRuns(pairs, middle.begin, middle.firstEnd, middle.begin, middle.secondEnd);

@@ -17,9 +17,14 @@
 namespace {
 
 /// As the editor's table spells them.
-const QStringList headers = {"Config File ID", "Type",       "Method",     "Size",
-                             "Interations",    "Chunk Size", "Chunk Wait", "SysBuffer",
-                             "Source",         "Dest",       "Log"};
+QStringList headers()
+{
+    QStringList titles;
+    for (const char* title : taskCellTitles)
+        titles += QString::fromLatin1(title);
+    return titles;
+}
+
 constexpr int sourceCell = 8;
 
 struct Row
@@ -87,7 +92,7 @@ std::vector<Row> rowsOf(const SeriesFacts& facts, const std::optional<Expansion>
 
 QStringList headersFor(const std::optional<Expansion>& expansion)
 {
-    return expansion ? headers + QStringList{QStringLiteral("Csv")} : headers;
+    return expansion ? headers() + QStringList{QStringLiteral("Csv")} : headers();
 }
 
 QString shown(const QString& cell)

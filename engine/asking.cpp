@@ -14,7 +14,7 @@ namespace {
 constexpr int guardTimeoutMs = 120000;
 
 /// Each takes fio a second or two; of further files the size that they have is not told.
-constexpr size_t mostSizesAsked = 16;
+constexpr size_t maxSizesAsked = 16;
 
 /// A question to one machine.
 struct Question
@@ -220,7 +220,7 @@ std::string Asking::whatIsWrong(const Question& question)
 /// "; it has N bytes", if the machine can tell.
 std::string Asking::actualSize(const Question& question)
 {
-    if (m_sizesAsked++ >= mostSizesAsked)
+    if (m_sizesAsked++ >= maxSizesAsked)
         return {};
     std::vector<Question> bits;
     for (const GuardTest& test : sizeTests(question.test.path))

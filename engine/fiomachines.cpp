@@ -10,7 +10,7 @@
 namespace {
 
 /// Messages of one call; fio repeats some of them without end.
-constexpr qint64 longestComplaint = 64 << 10;
+constexpr qint64 maxComplaint = 64 << 10;
 
 QString outputFile(const QString& name, const char* ending)
 {
@@ -94,7 +94,7 @@ std::string FioMachines::complaint(const QString& name) const
     QFile file(m_folder.file(outputFile(name, ".err")));
     if (!file.open(QIODevice::ReadOnly))
         return {};
-    for (const QByteArray& line : file.read(longestComplaint).split('\n')) {
+    for (const QByteArray& line : file.read(maxComplaint).split('\n')) {
         if (!line.trimmed().isEmpty())
             return printable(QString::fromLocal8Bit(line.trimmed()));
     }

@@ -10,7 +10,7 @@
 namespace {
 
 /// The last line of a log is shorter than this; a log of a long run is not read whole.
-constexpr qint64 longestLogTail = 4096;
+constexpr qint64 maxLogTail = 4096;
 
 bool reads(JobKind kind)
 {
@@ -197,7 +197,7 @@ std::optional<qint64> FioLogs::lastMoment(const QByteArray& section, const QStri
     QFile file(m_folder + QLatin1Char('/') + name);
     if (name.isEmpty() || !file.open(QIODevice::ReadOnly))
         return std::nullopt;
-    file.seek(std::max<qint64>(0, file.size() - longestLogTail));
+    file.seek(std::max<qint64>(0, file.size() - maxLogTail));
     const QList<QByteArray> lines = file.readAll().trimmed().split('\n');
     bool isNumber = false;
     const qint64 moment = lines.last().split(',').first().toLongLong(&isNumber);

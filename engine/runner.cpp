@@ -17,7 +17,7 @@
 namespace {
 
 /// Beyond these a list of reasons is no longer read; results.json tells of every job.
-constexpr size_t mostReasons = 20;
+constexpr size_t maxReasons = 20;
 constexpr int versionTimeoutMs = 60000;
 
 qint64 now()
@@ -147,8 +147,8 @@ QString fioVersion(const QString& program, std::string& problem)
     QFile file(call.outputFile);
     if (!problem.empty() || !file.open(QIODevice::ReadOnly))
         return {};
-    constexpr qint64 longestVersion = 100;
-    return QString::fromLatin1(file.read(longestVersion)).trimmed();
+    constexpr qint64 maxVersionLength = 100;
+    return QString::fromLatin1(file.read(maxVersionLength)).trimmed();
 }
 
 Runner::Runner(const Plan& plan, RunFolder& folder, const RunOptions& options)
@@ -265,12 +265,12 @@ void Runner::account(const FioMachines& machines, size_t stage, const QString& o
     for (size_t i = range.begin; i < range.end; ++i) {
         JobResult& job = m_results.jobs[i];
         job = std::move(jobs[i - range.begin]);
-        if (!job.isGood && bad++ < mostReasons)
+        if (!job.isGood && bad++ < maxReasons)
             m_results.status.reasons.push_back(jobText(m_plan, m_plan.jobs[i], job.reason));
     }
-    if (bad > mostReasons)
+    if (bad > maxReasons)
         m_results.status.reasons.push_back(
-            fmt::format("and {} more jobs, as {} tells", bad - mostReasons, resultsFileName));
+            fmt::format("and {} more jobs, as {} tells", bad - maxReasons, resultsFileName));
     const std::string complaint = bad > 0 ? machines.complaint(output) : std::string();
     if (!complaint.empty())
         m_results.status.reasons.push_back("fio said: " + complaint);

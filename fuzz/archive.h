@@ -22,7 +22,7 @@
 
 namespace fuzz {
 
-constexpr int longestName = 60;
+constexpr int maxNameLength = 60;
 
 inline bool leadsElsewhere(const QString& name)
 {
@@ -63,11 +63,11 @@ private:
 
     static QList<QByteArray> entriesOf(const QByteArray& archive)
     {
-        constexpr int mostFiles = 40;
+        constexpr int maxFiles = 40;
         const QByteArray mark("\n==> ");
         QList<QByteArray> entries;
         int start = archive.indexOf(mark);
-        while (start >= 0 && entries.size() < mostFiles) {
+        while (start >= 0 && entries.size() < maxFiles) {
             const int end = archive.indexOf(mark, start + mark.size());
             entries += archive.mid(start + mark.size(), end < 0 ? -1 : end - start - mark.size());
             start = end;
@@ -77,7 +77,7 @@ private:
 
     void unpackOne(QByteArray entry) const
     {
-        QString name = latin1(takeLine(entry).left(longestName));
+        QString name = latin1(takeLine(entry).left(maxNameLength));
         const bool isFolder = name.endsWith('/');
         if (isFolder)
             name.chop(1);

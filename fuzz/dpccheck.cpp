@@ -201,7 +201,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const fuzz::ArchiveFolder folder;
     const QByteArray input = fuzz::bytesOf(data, size);
     QByteArray rest = input;
-    QString name = fuzz::latin1(fuzz::takeLine(rest).left(fuzz::longestName));
+    QString name = fuzz::latin1(fuzz::takeLine(rest).left(fuzz::maxNameLength));
     const bool warningsAreErrors = name.startsWith('!');
     name.remove(0, warningsAreErrors ? 1 : 0);
     if (fuzz::leadsElsewhere(name))

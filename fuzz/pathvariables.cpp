@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int longestHost = 499; // The 8-bit twin takes no more, which is a rule of its own.
+constexpr int maxHostLength = 499; // The 8-bit twin takes no more, which is a rule of its own.
 
 slow::NameValues valuesOf(QByteArray& input)
 {
@@ -24,7 +24,7 @@ slow::NameValues valuesOf(QByteArray& input)
     values.configId = words.value(2).toInt();
     values.keepCfgPath = words.contains("keep");
     values.configPath = fuzz::latin1(fuzz::takeLine(input).left(500));
-    values.host = fuzz::latin1(fuzz::takeLine(input).left(longestHost));
+    values.host = fuzz::latin1(fuzz::takeLine(input).left(maxHostLength));
     values.date = fuzz::latin1(fuzz::takeLine(input).left(500));
     values.temp = kvToQString(kvGetTempDir());
     return values;

@@ -32,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QString root = folder.path();
 
     QByteArray input = fuzz::bytesOf(data, size);
-    QString chosen = fuzz::latin1(input.split('\n').first().left(fuzz::longestName));
+    QString chosen = fuzz::latin1(input.split('\n').first().left(fuzz::maxNameLength));
     const QString infoText = chosen.startsWith('+') ? "info" : "";
     chosen.remove(0, infoText.isEmpty() ? 0 : 1);
     folder.unpack(input);

@@ -69,14 +69,14 @@ void checkFile(const SeriesFacts& facts, const FileFact& file, int index, Findin
     if (file.path.size() > maxFileName)
         findings.add(
             longName, index, 1, 1,
-            fmt::format(
-                "the path has {} characters: a save cuts it at 250, and writes another file",
-                file.path.size()));
+            fmt::format("the path has {} characters: a save cuts it at {}, and writes another file",
+                        file.path.size(), maxFileName));
     if (!file.isRead && index != facts.initFile) {
         findings.add(
             numberLimit, index, 1, 1,
-            "the editor does not load this file: a series has the numbers 1 to 19, without "
-            "leading zeros");
+            fmt::format("the editor does not load this file: a series has the numbers 1 to {}, "
+                        "without leading zeros",
+                        seriesFileCount - 1));
         return;
     }
     if (!file.readable)
@@ -84,7 +84,7 @@ void checkFile(const SeriesFacts& facts, const FileFact& file, int index, Findin
                      "the file can't be read: the editor skips it silently");
     else if (file.wasCut)
         findings.add(tooMuch, index, file.lineCount, 1,
-                     "only the first 64 MiB of the file are read");
+                     fmt::format("only the first {} MiB of the file are read", maxFileRead >> 20));
     else if (file.isRead && file.tasks == 0 && file.markers == 0)
         findings.add(emptyFile, index, 1, 1, "the file holds no task");
 }

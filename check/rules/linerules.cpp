@@ -94,13 +94,15 @@ void checkLength(const LineFact& line, Findings& findings)
     if (line.length > maxLine)
         findings.add(
             longLine, line, maxLine + 1,
-            fmt::format("the line has {} characters: what follows the first 1000 is not read",
-                        line.length));
+            fmt::format("the line has {} characters: what follows the first {} is not read",
+                        line.length, maxLine));
     else if (line.length == maxLine && line.kind != LineFact::Kind::Comment &&
              !line.text.endsWith(';') && !isMarker(line))
         findings.add(
             longLine, line, maxLine,
-            "the line has 1000 characters, the most that a save writes: its end was cut off");
+            fmt::format(
+                "the line has {} characters, the most that a save writes: its end was cut off",
+                maxLine));
 }
 
 constexpr Rule badLine = {
@@ -186,11 +188,12 @@ void checkFieldCount(const LineFact& line, Findings& findings)
         findings.add(
             missingFields, line, line.column + line.text.size() + 1,
             fmt::format(
-                "the line ends after {} of 14 fields: {} and what follows count as 0 or empty",
-                line.fields.count, fieldName(line.fields.count + 1)));
+                "the line ends after {} of {} fields: {} and what follows count as 0 or empty",
+                line.fields.count, taskLineFieldCount, fieldName(line.fields.count + 1)));
     if (line.fields.beyond.length > 0)
         findings.add(extraFields, line, line.column + line.fields.beyond.column + 1,
-                     "text after field 14 is not read; does a file name hold a ';'?");
+                     fmt::format("text after field {} is not read; does a file name hold a ';'?",
+                                 taskLineFieldCount));
 }
 
 constexpr Rule unknownWord = {
@@ -253,9 +256,11 @@ void checkFileSize(const FileFact& file, int index, Findings& findings)
     const bool wasCut = file.size == maxConfigFile;
     findings.add(
         longFile, index, file.lineAtLimit, file.columnAtLimit,
-        wasCut
-            ? "the file has 5000 characters, the most that a save writes: its end was cut off"
-            : fmt::format("the file has {} characters: a save cuts it here, at 5000", file.size));
+        wasCut ? fmt::format(
+                     "the file has {} characters, the most that a save writes: its end was cut off",
+                     maxConfigFile)
+               : fmt::format("the file has {} characters: a save cuts it here, at {}", file.size,
+                             maxConfigFile));
 }
 
 } // namespace

@@ -120,18 +120,18 @@ void checkPathLength(const LineFact& line, TaskPath which, NameExpander& names, 
     const QByteArray path = line.path(which);
     if (length > maxPath)
         findings.add(longPath, line, column + maxPath,
-                     fmt::format("{} has {} characters: what follows the first 500 is not read",
-                                 name, length));
+                     fmt::format("{} has {} characters: what follows the first {} is not read",
+                                 name, length, maxPath));
     else if (length == maxPath)
-        findings.add(
-            longPath, line, column + maxPath - 1,
-            fmt::format("{} has 500 characters, the most that a path can: was it cut off?", name));
+        findings.add(longPath, line, column + maxPath - 1,
+                     fmt::format("{} has {} characters, the most that a path can: was it cut off?",
+                                 name, maxPath));
     // What can't grow that long need not be tried: most of the time goes into replacing variables.
     else if (path.size() + path.count('[') * names.longestValue() >= maxPath &&
              names.resolve(line, path).size() >= maxPath)
-        findings.add(
-            longPath, line, column,
-            fmt::format("{} is cut at 500 characters when its variables are replaced", name));
+        findings.add(longPath, line, column,
+                     fmt::format("{} is cut at {} characters when its variables are replaced", name,
+                                 maxPath));
 }
 
 /// The editor writes its full path, which may hold brackets that are no variable.
@@ -143,9 +143,9 @@ void checkMarkerPath(const SeriesFacts& facts, const LineFact& line, Findings& f
     checkVariables(line, line.text.mid(known), column + known, findings);
     if (line.text.size() > maxPath)
         findings.add(longPath, line, column + maxPath,
-                     fmt::format("the marker has {} characters: what follows the first 500 is not "
+                     fmt::format("the marker has {} characters: what follows the first {} is not "
                                  "read",
-                                 line.text.size()));
+                                 line.text.size(), maxPath));
     if (isRelative(line.text) && !line.text.startsWith('['))
         findings.add(relativePath, line, column,
                      fmt::format("the marker {} is no full path (did you mean {}?)",

@@ -13,12 +13,12 @@ std::string placeOf(const SeriesFacts& facts, int line)
 
 std::string listedMachines(const FileUses& uses, const std::vector<int>& machines, int count)
 {
-    constexpr size_t mostShown = 3;
+    constexpr size_t maxShown = 3;
     std::string text;
-    for (size_t i = 0; i < machines.size() && i < mostShown; ++i)
+    for (size_t i = 0; i < machines.size() && i < maxShown; ++i)
         text += (i == 0 ? "" : ", ") + printable(uses.machines()[size_t(machines[i])].host);
-    if (count > int(mostShown))
-        text += fmt::format(" and {} more", count - int(mostShown));
+    if (count > int(maxShown))
+        text += fmt::format(" and {} more", count - int(maxShown));
     return text;
 }
 

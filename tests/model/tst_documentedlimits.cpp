@@ -43,6 +43,9 @@ private slots:
                  ".It File, as the editor writes it Ta " + number(maxConfigFile) + " characters",
                  ".It Full name of a file that is written Ta " + number(maxFileName) +
                      " characters",
+                 ".It Entries of a series that are read Ta " + number(maxSeriesEntries),
+                 ".It Comments of a series that are read Ta " + number(maxSeriesComments),
+                 ".It Digits of a number Ta " + number(maxNumberLength),
                  "at most " + QString::number(kibFromBytes(maxFileSize)) + ", which is " +
                      QString::number(maxFileSize >> 30) + " GiB",
              })
