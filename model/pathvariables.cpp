@@ -67,7 +67,7 @@ public:
 
     void replaceIn(Text& text, bool keepCfgPath) const
     {
-        unsigned held = variablesIn(text);
+        unsigned held = variablesIn(text, 0);
         for (int i = 0; i < pathVariableCount; ++i) {
             const auto variable = static_cast<PathVariable>(i);
             const bool isKept = keepCfgPath && variable == PathVariable::CfgPath;
@@ -75,29 +75,35 @@ public:
                 continue;
             text.replace(Text(pathVariables[i]), valueOf(variable));
             // A value may hold a variable, or complete one with what stands around it.
-            held = variablesIn(text);
+            held = variablesIn(text, i + 1);
         }
     }
 
 private:
-    /// One bit for each variable, found in one look at the text: most names hold few.
-    static unsigned variablesIn(const Text& text)
+    /// One bit for each variable from this one on, found in one look at the text: most names hold
+    /// few.
+    static unsigned variablesIn(const Text& text, int first)
     {
         unsigned held = 0;
-        for (int at = 0; at < text.length; ++at) {
-            for (int i = 0; text.text[at] == '[' && i < pathVariableCount; ++i) {
+        int at = kvdetail::findUnit(text.text, text.length, '[', 0);
+        while (at < text.length) {
+            for (int i = first; i < pathVariableCount; ++i) {
                 if (standsAt(text, at, pathVariables[i]))
                     held |= 1U << i;
             }
+            at = kvdetail::findUnit(text.text, text.length, '[', at + 1);
         }
         return held;
     }
 
+    /// The text's zero at its end matches no character of a variable.
     static bool standsAt(const Text& text, int position, const char* variable)
     {
-        const int length = kvdetail::textLength(variable);
-        return length <= text.length - position &&
-               kvdetail::sameText(text.text + position, variable, length);
+        int same = 1; // the bracket was found already
+        while (variable[same] != 0 &&
+               kvdetail::codeUnit(text.text[position + same]) == kvdetail::codeUnit(variable[same]))
+            ++same;
+        return variable[same] == 0;
     }
 
     Text valueOf(PathVariable variable) const

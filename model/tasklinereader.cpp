@@ -7,8 +7,10 @@
 #include "shared/kvpath.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <charconv>
+#include <limits>
 #include <optional>
+#include <system_error>
 
 namespace {
 
@@ -22,7 +24,12 @@ struct Field
 
     bool is(const char* keyword) const
     {
-        return length == kvdetail::textLength(keyword) && kvdetail::sameText(text, keyword, length);
+        // Most words differ in their first letter, so that their lengths are not asked for.
+        int same = 0;
+        while (same < length && keyword[same] != 0 &&
+               kvdetail::codeUnit(keyword[same]) == text[same])
+            ++same;
+        return same == length && keyword[same] == 0;
     }
 };
 
@@ -86,18 +93,24 @@ bool isTrue(const Field& field, const char* keyword)
     return field.is(keyword) || field.is("true") || field.is("1");
 }
 
-/// An empty field and a lone "-" count as 0.
+/// An empty field and a lone "-" count as 0. What 64 bits can't hold is the nearest that they can,
+/// before it is cut to 32.
 std::optional<std::int32_t> numberOf(const Field& field)
 {
-    char digits[maxNumberLength + 1] = {};
+    char digits[maxNumberLength];
+    const int count = std::min(field.length, maxNumberLength);
     for (int i = 0; i < field.length; ++i) {
         const unsigned short c = field.text[i];
         if (!kvIsDigit(c) && !(i == 0 && c == '-'))
             return std::nullopt;
-        if (i < maxNumberLength)
+        if (i < count)
             digits[i] = static_cast<char>(c);
     }
-    return static_cast<std::int32_t>(std::strtol(digits, nullptr, 10));
+    std::int64_t value = 0;
+    if (std::from_chars(digits, digits + count, value).ec == std::errc::result_out_of_range)
+        value = digits[0] == '-' ? std::numeric_limits<std::int64_t>::min()
+                                 : std::numeric_limits<std::int64_t>::max();
+    return static_cast<std::int32_t>(value);
 }
 
 /// Reads the six numbers; `set` gets 0 for a text that is no number, which ends the reading.
