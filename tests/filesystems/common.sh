@@ -1,0 +1,28 @@
+# What the scripts inside the machine share. Results go to /machine/results, one in a line:
+# file system|what was tried|what came of it
+
+saver=/machine/saver
+results=/machine/results
+
+result() {
+    echo "$1|$2|$3" >>"$results"
+}
+
+# What has to work before anything can be tried; the machine ends with a word about it if it does not.
+must() {
+    "$@" && return
+    echo "$*" >/machine/failed
+    exit 1
+}
+
+# disk NAME MIB: an empty image in memory as a block device; prints the device.
+disk() {
+    truncate -s "$2M" "/disks/$1"
+    losetup --find --show "/disks/$1"
+}
+
+must modprobe -a loop fuse
+mkdir -p /disks
+must mount -t tmpfs -o size=700m disks /disks
+must mount -t tmpfs srv /srv
+must mount -t tmpfs mnt /mnt
