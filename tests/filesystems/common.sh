@@ -1,8 +1,8 @@
-# What the scripts inside the machine share. Results go to /machine/results, one in a line:
+# What the scripts inside the machine share. Results go to files in /machine/results, one in a line:
 # file system|what was tried|what came of it
 
 saver=/machine/saver
-results=/machine/results
+results=/machine/results/powercuts
 
 result() {
     echo "$1|$2|$3" >>"$results"

@@ -29,6 +29,12 @@ bool isWhole(const QByteArray& text)
     return !text.isEmpty() && text == version(text.left(text.indexOf('\n')).toInt());
 }
 
+/// True for a whole text that lacks its end.
+bool isBeginning(const QByteArray& text)
+{
+    return !isWhole(text) && version(text.left(text.indexOf('\n')).toInt()).startsWith(text);
+}
+
 void overwrite(const char* file, const QByteArray& text)
 {
     const int descriptor = ::open(file, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
@@ -80,14 +86,20 @@ void poll(const char* file, const char* stop)
     int reads = 0;
     int missing = 0;
     int stale = 0;
+    int cut = 0;
     int broken = 0;
     do {
         int error = 0;
         const QByteArray text = read(file, error);
         ++reads;
-        missing += error == ENOENT ? 1 : 0;
-        stale += error == ESTALE ? 1 : 0;
-        broken += error != ENOENT && error != ESTALE && !isWhole(text) ? 1 : 0;
+        if (error == ENOENT)
+            ++missing;
+        else if (error == ESTALE)
+            ++stale;
+        else if (error == 0 && isBeginning(text))
+            ++cut;
+        else if (!isWhole(text))
+            ++broken;
         ::usleep(1000);
     } while (::access(stop, F_OK) != 0);
     std::printf("%d reads", reads);
@@ -97,6 +109,7 @@ void poll(const char* file, const char* stop)
     };
     name(missing, "not there");
     name(stale, "ESTALE");
+    name(cut, "cut");
     name(broken, "broken");
     std::puts("");
 }
