@@ -8,8 +8,7 @@ shift
 editor=$!
 trap 'kill "$editor" 2>/dev/null' EXIT
 
-# There is no window manager here that would give windows the keyboard. Keys that follow come to the
-# window after the focus, however long it takes to get to both.
+# There is no window manager here that would give windows the keyboard.
 focus() {
     window=$(xdotool search --sync --onlyvisible --name "$1" | head -1)
     xdotool windowfocus --sync "$window"
@@ -18,13 +17,15 @@ focus() {
 # The window has given its desktop an icon, in the format of the X protocol.
 focus '^twDiskProbe UI$'
 xprop -id "$window" _NET_WM_ICON | grep -q 'Icon (48 x 48)' || { echo "no icon" >&2; exit 1; }
+# "Create new task line" and "Save config files...".
 xdotool key ctrl+Return
 xdotool key ctrl+s
 focus '^Destination File'
-xdotool type --delay 20 "$file"
+xdotool type "$file"
 xdotool key Return
-# The _init file is the last one that is written. Who waits for nothing is ended by the test's limit.
+# The _init file is the last file that is written. If the editor lives and writes none, the test's
+# own time limit ends the wait.
 until [ -e "${ROOT:-}${file%.dpc}_init.dpc" ]; do
-    kill -0 "$editor" || exit 1
-    sleep 0.2
+    kill -0 "$editor" 2>/dev/null || { echo "the editor ended without a save" >&2; exit 1; }
+    sleep 0.1
 done
