@@ -168,6 +168,7 @@ void FileUses::placeNames()
             m_places.push_back(place);
             UsedFile& file = m_files[size_t(place)];
             file.isLocal = file.isLocal || name.byTemp;
+            file.path.namesFolder = file.path.namesFolder || name.text == tempVariable;
             file.isShared = file.isShared || name.text.contains(configPathVariable);
             file.ways.push_back({int(i), name.byHost ? machine : allMachines});
         }
@@ -223,7 +224,8 @@ void FileUses::addInit()
             path = expander.resolve(line, use.name).toLatin1();
         use.file = fileAt(path.contains("//") ? resolved(path) : path, true);
         UsedFile& file = m_files[size_t(use.file)];
-        if (file.init < 0 || (use.entry.isActive && !m_init[size_t(file.init)].entry.isActive))
+        // Of several spellings the last line leaves the file as it is.
+        if (file.init < 0 || use.entry.isActive)
             file.init = int(i);
     }
 }

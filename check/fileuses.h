@@ -59,11 +59,16 @@ struct UsedFile
     bool isLocal = false;  ///< below "[temp]": each machine has its own
     bool isShared = false; ///< beside the config files or on a file server: all machines see it
     bool isOwn = false;    ///< a config file of the series, or its "_init" file, by its name
-    int init = -1;         ///< the line of the "_init" file that makes it
+    int init = -1;         ///< the line of the "_init" file that makes it, the last active one
     std::vector<FileWay> ways;
 
-    /// True if something is there already.
-    bool exists() const { return path.kind != PathStatus::Kind::Nothing; }
+    /// True if something is there already that can be opened.
+    bool exists() const
+    {
+        return path.kind != PathStatus::Kind::Nothing && path.kind != PathStatus::Kind::DeadLink;
+    }
+    /// True for what holds no bytes of its own: a folder, a device.
+    bool isNoFile() const { return path.namesFolder || (exists() && !isFile()); }
     /// True if it is there already, and a regular file.
     bool isFile() const { return path.kind == PathStatus::Kind::File; }
 };
@@ -90,6 +95,9 @@ public:
     const std::vector<MachineName>& machines() const { return m_machines; }
     /// How many machines the user named, 0 if none.
     int givenMachines() const { return m_givenMachines; }
+
+    /// True if no machine but this one runs the series: its folder for temporary files is known.
+    bool isThisMachine() const { return m_isThisMachine; }
 
     /// How many names a path of a line stands for; 0 for memory and in lines that are no task.
     int useCount(int line, TaskPath role) const;

@@ -127,11 +127,26 @@ private:
         if (folder == m_folderOfKey.cend() || isKnown || m_said.contains(path.key))
             return;
         m_said.insert(path.key);
-        const int user = m_firstUser[size_t(*folder)];
-        say(use,
-            fmt::format("is a file here, and a folder in {}",
-                        roleOf(m_facts, m_uses.uses()[size_t(user)])),
-            m_uses.nameOf(use).text);
+        sayClash(use, m_uses.uses()[size_t(m_firstUser[size_t(*folder)])], path.key);
+    }
+
+    /// At the file or at what lies below it, whichever has fewer uses, or the later one.
+    void sayClash(const FileUse& file, const FileUse& below, const QByteArray& key)
+    {
+        int asFile = 0;
+        int asFolder = 0;
+        for (const FileUse& use : m_uses.uses()) {
+            const QByteArray& other = m_uses.file(use, 0).path.key;
+            asFile += other == key ? 1 : 0;
+            asFolder += other.startsWith(key + '/') ? 1 : 0;
+        }
+        const bool isBelow = asFile != asFolder ? asFolder < asFile : below.line > file.line;
+        const QByteArray name = m_uses.nameOf(file).text;
+        if (isBelow)
+            say(below, "leads through a file: it is " + roleOf(m_facts, file),
+                m_uses.nameOf(below).text);
+        else
+            say(file, "is a file here, and a folder for " + roleOf(m_facts, below), name);
     }
 
     void say(const FileUse& use, const std::string& what, const QByteArray& path)
@@ -204,7 +219,7 @@ public:
             if (m_checked.contains(folder))
                 continue;
             m_checked.insert(folder);
-            if (folder == "[temp]/" || isThere(use))
+            if (folder == "[temp]/" || m_uses.file(use, 0).isNoFile() || isThere(use))
                 continue;
             const bool isLocal = folder.contains(hostVariable) || folder.contains(tempVariable);
             say(fact, folder, isLocal && !folder.contains(dateVariable));

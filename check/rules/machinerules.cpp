@@ -100,8 +100,7 @@ private:
         Writers writers;
         for (const FileWay& way : file.ways) {
             const auto& first = m_uses.names()[size_t(way.name)].firstUse;
-            // A folder is none that a task could write.
-            if (file.isLocal || file.path.namesFolder ||
+            if (file.isLocal || file.isNoFile() ||
                 (first[DestPath] < 0 && first[LogPath] < 0 && first[CsvPath] < 0))
                 continue;
             if (way.machine == allMachines)

@@ -3,6 +3,8 @@
 #include "check/rules/usetexts.h"
 #include "check/text.h"
 
+#include <QSet>
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -39,8 +41,10 @@ public:
         , m_findings(findings)
         , m_files(uses.files().size())
     {
-        for (size_t i = 0; i < m_files.size(); ++i)
+        for (size_t i = 0; i < m_files.size(); ++i) {
             m_files[i].content = originalOf(int(i));
+            m_files[i].size = originalSize(uses.files()[i]);
+        }
         for (const UsedName& name : uses.names()) {
             const int machines = name.byHost ? int(uses.machines().size()) : 1;
             for (int machine = 0; machine < machines && name.firstUse[SourcePath] >= 0; ++machine) {
@@ -72,8 +76,11 @@ public:
     void finish()
     {
         for (const File& file : m_files) {
-            if (file.firstWriter >= 0 && !file.isOwnSize)
-                say(file.firstWriter, file.firstReader);
+            const int writer = file.firstWriter;
+            if (writer < 0 || file.isOwnSize || m_said.contains(writer))
+                continue;
+            m_said.insert(writer);
+            say(writer, file.firstReader);
         }
     }
 
@@ -81,6 +88,7 @@ private:
     struct File
     {
         int content = 0;      ///< the line that wrote it; below 0 what was there
+        qint64 size = 0;      ///< of the content, below 0 if nobody knows
         int firstReader = -1; ///< the first line that reads it
         int firstWriter = -1; ///< the first line that overwrites what nobody read
         bool isReadFirst = false;
@@ -89,6 +97,13 @@ private:
     };
 
     static int originalOf(int file) { return -1 - file; }
+
+    qint64 originalSize(const UsedFile& file) const
+    {
+        if (file.isFile())
+            return file.path.size;
+        return file.init >= 0 ? m_uses.init()[size_t(file.init)].entry.size : -1;
+    }
 
     void run(int line, int source, int dest)
     {
@@ -105,14 +120,18 @@ private:
             return;
         File& written = m_files[size_t(dest)];
         const int content = source >= 0 ? m_files[size_t(source)].content : line;
+        // A copy is as large as its source.
+        const qint64 size = source >= 0 ? m_files[size_t(source)].size
+                                        : qint64(m_facts.lines[size_t(line)].used.fileSize);
         if (written.content == originalOf(dest) && content != originalOf(dest)) {
             if (written.isReadFirst)
                 sayOnce(line, written.firstReader);
             else if (m_uses.files()[size_t(dest)].isFile() && written.firstWriter < 0)
                 written.firstWriter = line;
         }
-        written.isOwnSize = written.isOwnSize || isSizeOf(line, source, dest);
+        written.isOwnSize = written.isOwnSize || isSizeOf(dest, size);
         written.content = content;
+        written.size = size;
     }
 
     /// True unless there is nothing to be lost.
@@ -123,14 +142,11 @@ private:
         return file.exists() || isMade || !file.path.isSeen;
     }
 
-    /// True if the file on the disk is as large as what the task leaves there.
-    bool isSizeOf(int line, int source, int dest) const
+    /// True if the file on the disk may be what a task left there, or the "_init" file.
+    bool isSizeOf(int place, qint64 size) const
     {
-        const UsedFile& file = m_uses.files()[size_t(dest)];
-        qint64 size = m_facts.lines[size_t(line)].used.fileSize;
-        if (source >= 0 && m_uses.files()[size_t(source)].isFile())
-            size = m_uses.files()[size_t(source)].path.size;
-        return file.path.size == size ||
+        const UsedFile& file = m_uses.files()[size_t(place)];
+        return size < 0 || file.path.size == size ||
                (file.init >= 0 && file.path.size == m_uses.init()[size_t(file.init)].entry.size);
     }
 
@@ -155,6 +171,7 @@ private:
     Findings& m_findings;
     std::vector<File> m_files;
     bool m_isSaid = false;
+    QSet<int> m_said; ///< lines
 };
 
 constexpr Rule initOverwrites = {
@@ -163,7 +180,7 @@ constexpr Rule initOverwrites = {
     "series",
     "The _init file makes a file anew that exists in another size: its bytes are lost when the "
     "_init file is run. A load out of _wait looks for the files there, and takes them for missing.",
-    "Load the series from the folder above _wait and save it again, or make the line a comment.",
+    "Put # before the line, or name the source by its full path.",
     withExisting(
         "/data/src.dat", 3,
         series({"mytest.dpc",
@@ -204,16 +221,16 @@ void checkInitLine(const SeriesFacts& facts, const FileUses& uses, const InitUse
                    Findings& findings)
 {
     const UsedFile& file = uses.files()[size_t(made.file)];
-    const bool makesAnew =
-        made.entry.isActive && file.isFile() && file.path.size != made.entry.size;
+    const qint64 sizeAfterwards = uses.init()[size_t(file.init)].entry.size;
+    const bool makesAnew = made.entry.isActive && file.isFile() && file.path.size != sizeAfterwards;
     // A file that only keeps its folder has no bytes to lose.
     if (!makesAnew || made.name.endsWith("dummyFile") || isSizeOfTask(facts, uses, file))
         return;
     constexpr qint64 kib = 1024;
     findings.add(initOverwrites, facts.initFile, made.entry.line, 1,
                  fmt::format("makes {} anew, which exists with {} bytes, in {} KiB: what it holds "
-                             "is lost when the _init file is run; load the series from the folder "
-                             "above _wait and save it again",
+                             "is lost when the _init file is run; put # before the line, or name "
+                             "the source by its full path",
                              quoted(made.name), file.path.size, made.entry.size / kib));
 }
 

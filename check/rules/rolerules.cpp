@@ -73,6 +73,8 @@ public:
 private:
     void checkFile(const UsedFile& file)
     {
+        if (file.isNoFile())
+            return;
         const Roles roles = rolesOf(file);
         if (file.isOwn)
             sayOwn(file, roles);
@@ -92,7 +94,6 @@ private:
         for (const FileWay& way : file.ways) {
             for (const TaskPath role : {SourcePath, DestPath, LogPath, CsvPath}) {
                 const int first = m_uses.names()[size_t(way.name)].firstUse[role];
-                // What holds [date] is the same within a task at most.
                 if (first < 0)
                     continue;
                 roles.count[role] += m_counts[size_t(way.name)][role];
@@ -115,11 +116,13 @@ private:
         return m_uses.uses()[size_t(roles.first[role])];
     }
 
-    /// At the role that fewer tasks give the file: there the mistake is.
+    /// At the role that fewer uses give the file, or the later one: there the mistake is.
     void say(const Rule& rule, const Roles& roles, TaskPath one, TaskPath other,
              const char* consequence)
     {
-        const bool isOther = roles.count[other] < roles.count[one];
+        const bool isOther = roles.count[other] != roles.count[one]
+                                 ? roles.count[other] < roles.count[one]
+                                 : firstUse(roles, other).line > firstUse(roles, one).line;
         const FileUse& wrong = firstUse(roles, isOther ? other : one);
         const FileUse& right = firstUse(roles, isOther ? one : other);
         const bool isDated = m_uses.nameOf(wrong).byDate;

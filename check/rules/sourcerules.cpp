@@ -148,10 +148,12 @@ private:
         const UsedFile& file = m_uses.file(source, machine);
         if (isWrittenBefore(file, source))
             return Origin::Task;
+        // The "_init" file runs on one machine, and makes nothing in the folders of the others.
+        if (m_uses.nameOf(source).byTemp && !m_uses.isThisMachine())
+            return Origin::Unseen;
         const bool isMade = file.init >= 0 && m_uses.init()[size_t(file.init)].entry.isActive;
         if (isMade || file.exists())
-            return file.path.kind == PathStatus::Kind::DeadLink && !isMade ? Origin::Nobody
-                                                                           : Origin::Disk;
+            return Origin::Disk;
         return file.path.isSeen ? Origin::Nobody : Origin::Unseen;
     }
 

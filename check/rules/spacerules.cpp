@@ -92,7 +92,7 @@ private:
     {
         const qint64 more = need - (file.isFile() ? file.path.size : 0);
         // Only a path below "[temp]" is of this machine although it is not seen.
-        if (line < 0 || more <= 0 || (!file.path.isSeen && !file.isLocal))
+        if (line < 0 || more <= 0 || file.isNoFile() || (!file.path.isSeen && !file.isLocal))
             return;
         QByteArray folder = m_uses.folders()[size_t(file.path.folder)].shownPath;
         if (!folder.endsWith('/'))

@@ -231,7 +231,8 @@ private slots:
 
     void pathsThatNameAFolder()
     {
-        for (const char* path : {"/d/", "[cfgPath]", "[temp]/..", "C:\\e\\", "[cfgPath]\\"}) {
+        for (const char* path :
+             {"/d/", "[cfgPath]", "[temp]", "[temp]/..", "C:\\e\\", "[cfgPath]\\"}) {
             const FileUses& uses = m_fixture->uses(copying(path, "/d/x"));
             QVERIFY2(uses.file(uses.use(0, SourcePath, 0), 0).path.namesFolder, path);
         }
