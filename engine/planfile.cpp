@@ -10,13 +10,6 @@
 
 namespace {
 
-// Names of the fields.
-constexpr auto versionKey = QLatin1String("version");
-constexpr auto jobsKey = QLatin1String("jobs");
-constexpr auto stagesKey = QLatin1String("stages");
-constexpr auto machinesKey = QLatin1String("machines");
-constexpr auto lossesKey = QLatin1String("losses");
-
 constexpr JobKind kinds[] = {JobKind::Create, JobKind::Write, JobKind::Read, JobKind::Copy};
 constexpr FileState states[] = {FileState::Absent, FileState::Made, FileState::MaybeMade,
                                 FileState::Readable, FileState::ReadWritable};
@@ -112,10 +105,10 @@ public:
         m_plan.startAtMinute = object["startAtMinute"].toBool();
         for (const QJsonValue value : object["info"].toArray())
             m_plan.info.push_back(value.toString().toStdString());
-        for (const QJsonValue value : object[machinesKey].toArray())
+        for (const QJsonValue value : object["machines"].toArray())
             readMachine(value.toObject());
-        m_jobs = object[jobsKey].toArray();
-        for (const QJsonValue value : object[stagesKey].toArray())
+        m_jobs = object["jobs"].toArray();
+        for (const QJsonValue value : object["stages"].toArray())
             readStage(value.toObject());
         return m_isGood && m_plan.jobs.size() == size_t(m_jobs.size()) && !m_plan.jobs.empty();
     }
@@ -158,7 +151,7 @@ private:
             file.sections = entry["sections"].toInt();
             file.logFolder = entry["logFolder"].toString();
             file.firstJob = m_plan.jobs.size();
-            readJobs(file, entry[jobsKey].toInt());
+            readJobs(file, entry["jobs"].toInt());
             file.endJob = m_plan.jobs.size();
             stage.files.push_back(file);
         }
@@ -275,23 +268,23 @@ QByteArray planAsJson(const Plan& plan, const QJsonArray& losses)
     QJsonArray jobs;
     for (const PlanJob& job : plan.jobs)
         jobs.append(jobAsJson(plan, job));
-    const QJsonObject object{{versionKey, planFileVersion},
+    const QJsonObject object{{"version", planFileVersion},
                              {"series", plan.series},
                              {"date", plan.date},
                              {"id", plan.id},
                              {"startAtMinute", plan.startAtMinute},
                              {"info", info},
-                             {machinesKey, machinesAsJson(plan)},
-                             {stagesKey, stagesAsJson(plan)},
-                             {jobsKey, jobs},
-                             {lossesKey, losses}};
+                             {"machines", machinesAsJson(plan)},
+                             {"stages", stagesAsJson(plan)},
+                             {"jobs", jobs},
+                             {"losses", losses}};
     return QJsonDocument(object).toJson();
 }
 
 std::optional<PlanFileContent> planFromJson(const QByteArray& json, std::string& problem)
 {
     const QJsonObject object = QJsonDocument::fromJson(json).object();
-    if (object[versionKey].toInt() != planFileVersion) {
+    if (object["version"].toInt() != planFileVersion) {
         problem =
             object.isEmpty() ? "does not hold a plan" : "holds a plan of another version of dpc";
         return std::nullopt;
@@ -301,5 +294,5 @@ std::optional<PlanFileContent> planFromJson(const QByteArray& json, std::string&
         problem = "holds a plan that was changed or is not whole";
         return std::nullopt;
     }
-    return PlanFileContent{reader.take(), object[lossesKey].toArray()};
+    return PlanFileContent{reader.take(), object["losses"].toArray()};
 }
