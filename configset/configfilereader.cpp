@@ -21,7 +21,7 @@ const char* findByte(const char* start, const char* end, char byte)
 ConfigLine takeConfigLine(_kvString<maxLine>& line)
 {
     constexpr unsigned short commentMark = '#';
-    // Before trimming: a "#" after blanks is no comment.
+    // Before trimming: a "#" after blanks does not begin a comment.
     const bool isComment = line.startsWith(commentMark);
     if (isComment)
         line.remove(0, 1);

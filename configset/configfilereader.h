@@ -33,7 +33,7 @@ public:
     /// Opens the file; the name is Latin-1 like every text of a task.
     explicit ConfigFileReader(const _kvString8_allSize<maxPath>& path);
 
-    /// False where there is no regular file that this user may read.
+    /// False if there is no regular file that this user may read.
     bool isOpen() const { return m_file.isOpen(); }
 
     /// Reads up to the next "\n" or the end of the file; false where nothing is left.

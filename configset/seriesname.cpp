@@ -48,7 +48,7 @@ SeriesName seriesNameForLoading(const QString& chosenFile)
     const QString names[] = {kvGetFileNameBase(withoutWait, '/'), afterLastSeparator(withoutWait),
                              kvGetFileNameBase(ownName, '/'), ownName};
     for (const QString& name : names) {
-        const SeriesName series{folder, name};
+        SeriesName series{folder, name};
         if (candidateFiles(series).contains(chosenFile))
             return series;
     }

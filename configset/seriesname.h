@@ -45,5 +45,5 @@ QString seriesFile(const QString& folder, const QString& baseName, int number);
 /// The _init file, which creates what the series needs.
 QString initFile(const SeriesName& name);
 
-/// Every file that belongs to the series where it exists, in the order of loading.
+/// Every file that belongs to the series if it exists, in the order of loading.
 QStringList candidateFiles(const SeriesName& name);

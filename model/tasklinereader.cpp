@@ -113,7 +113,7 @@ std::optional<std::int32_t> numberOf(const Field& field)
     return static_cast<std::int32_t>(value);
 }
 
-/// Reads the six numbers; `set` gets 0 for a text that is no number, which ends the reading.
+/// Reads the six numbers; `set` gets 0 for a text that is not a number, which ends the reading.
 template <class Set>
 bool readNumber(FieldReader& fields, const Set& set)
 {

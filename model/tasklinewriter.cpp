@@ -106,7 +106,7 @@ void addSettings(UncutLine& line, const TestTask& task)
     line.addNumber(io.chunkWait, 2);
     line.add(";");
     line.addNumber(kibFromBytes(io.chunkSize), 5);
-    // A blank where the number has no sign: the field is two characters wide.
+    // A blank in place of a missing sign: the field is two characters wide.
     line.add(io.sysBufferMode >= 0 ? ";  " : "; ");
     line.addNumber(io.sysBufferMode);
     line.add("; ");

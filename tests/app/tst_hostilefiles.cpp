@@ -1,3 +1,4 @@
+#include "configset/infotext.h"
 #include "tests/app/editor.h"
 #include "tests/app/messages.h"
 #include "tests/support/files.h"
@@ -122,6 +123,20 @@ private slots:
         Editor editor;
         editor.load(file);
         QCOMPARE(editor.infoText(), "<b>a</b>\n&lt;%1");
+    }
+
+    void infoTextWithoutAWindowIsThatOfTheWindow()
+    {
+        const QString file = m_folder.path() + "/same.dpc";
+        test::put(file, "#\n#   \n# first\xA0"
+                        "line \n#\n# a\rb\xFC\n# \t.\x1B\x85\n#\n#\n");
+        Editor editor;
+        editor.load(file);
+        InfoText info;
+        TaskList tasks;
+        loadSeries(seriesNameForLoading(file), tasks, silentListener(info));
+        QVERIFY(info.text().startsWith("first line"));
+        QCOMPARE(info.text(), editor.infoText());
     }
 
     void pathsBecomePlainCells()

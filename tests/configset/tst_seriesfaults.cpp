@@ -20,7 +20,7 @@ namespace {
 
 using Contents = QMap<QString, QByteArray>;
 
-/// Three files and a companion that has something to create. The mark makes every file differ.
+/// Three files and an _init file that has something to create. The mark makes every file differ.
 TaskList seriesMarked(const QByteArray& mark)
 {
     TestTask first = taskTo("/t/" + mark + "/a");

@@ -52,7 +52,7 @@ private slots:
         QCOMPARE(load(m_root + "_wait/a1.dpc"), (QStringList{"/2", "/4"}));
     }
 
-    void companionIsItsOwnSeries()
+    void initFileIsItsOwnSeries()
     {
         write("a_init.dpc", "# " + lineTo("/there") + lineTo("/missing"));
         QCOMPARE(load(m_root + "a_init.dpc"), QStringList{"/missing"});

@@ -127,7 +127,7 @@ private slots:
                                                "/x/_wait/mytest1.dpc"}));
     }
 
-    void companionLiesInTheFolderItself()
+    void initFileLiesInTheFolderItself()
     {
         QCOMPARE(initFile({"/x/", "mytest"}), QStringLiteral("/x/mytest_init.dpc"));
         QCOMPARE(initFile({"/x/", "bench7_"}), QStringLiteral("/x/bench7__init.dpc"));

@@ -44,13 +44,13 @@ QString narrow(const TestTask& task, const QString& name, int taskNumber = 0, in
         replaceFileVariables8(task, text, taskNumber, iteration, keepCfgPath, values));
 }
 
-/// Both twins must agree; what they agree on is returned.
+/// Both widths must agree; what they agree on is returned.
 QString expanded(const TestTask& task, const QString& name, int taskNumber = 0, int iteration = 0,
                  bool keepCfgPath = false)
 {
     const QString text = wide(task, name, taskNumber, iteration, keepCfgPath);
-    const QString twin = narrow(task, name, taskNumber, iteration, keepCfgPath);
-    return text == twin ? text : QStringLiteral("twins differ: %1 and %2").arg(text, twin);
+    const QString eightBit = narrow(task, name, taskNumber, iteration, keepCfgPath);
+    return text == eightBit ? text : QStringLiteral("widths differ: %1 and %2").arg(text, eightBit);
 }
 
 } // namespace
@@ -200,18 +200,18 @@ private slots:
                                      << ""
                                      << "12"
                                      << "_12_log";
-        QTest::newRow("companion") << "/x/mytest_init.dpc"
-                                   << "mytest"
-                                   << "mytest_init"
-                                   << "_mytest_init_log";
-        QTest::newRow("numbered companion") << "/x/mytest2_init.dpc"
-                                            << "mytest2"
-                                            << "mytest2_init"
-                                            << "_mytest2_init_log";
-        QTest::newRow("companion numbered") << "/x/mytest_init2.dpc"
-                                            << "mytest"
-                                            << "mytest_init2"
-                                            << "_mytest_init2_log";
+        QTest::newRow("_init file") << "/x/mytest_init.dpc"
+                                    << "mytest"
+                                    << "mytest_init"
+                                    << "_mytest_init_log";
+        QTest::newRow("numbered _init file") << "/x/mytest2_init.dpc"
+                                             << "mytest2"
+                                             << "mytest2_init"
+                                             << "_mytest2_init_log";
+        QTest::newRow("_init file numbered") << "/x/mytest_init2.dpc"
+                                             << "mytest"
+                                             << "mytest_init2"
+                                             << "_mytest_init2_log";
         QTest::newRow("_init twice") << "/x/a_initb_init.dpc"
                                      << "ab"
                                      << "a_initb_init"
@@ -293,7 +293,7 @@ private slots:
         QCOMPARE(kvToQString(replaceFileVariables8(task, text8, 0, 0, false)), parts.value(0));
     }
 
-    void latin1LettersSurviveInBothTwins()
+    void latin1LettersSurviveInBothWidths()
     {
         const TestTask task = taskIn(QString::fromUtf8("/Prüfung/größe1.dpc"));
         QCOMPARE(expanded(task, QString::fromUtf8("[cfgPath]/[cfgName]/ä")),
