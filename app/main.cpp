@@ -1,3 +1,4 @@
+#include "app/startup.h"
 #include "app/twdiskprobe.h"
 
 #include <QApplication>
@@ -18,6 +19,7 @@ QIcon programIcon()
 
 int main(int argc, char* argv[])
 {
+    prepareApplication();
     QApplication application(argc, argv);
     QApplication::setWindowIcon(programIcon());
     // Under Wayland the desktop finds icon and name of a window by this.

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <set>
 #include <string>
 
 /// The largest memory of this process so far, in KiB, as the system counts it.
@@ -21,8 +22,22 @@ inline int peakMemoryKib()
     return 0;
 }
 
-/// Ends the program when the window has been painted for the first time, and prints its peak memory
-/// and how much it had to paint. Nothing is torn down: what is measured is the start.
+/// How many OpenGL drivers this process has loaded.
+inline int openGlDrivers()
+{
+    std::ifstream maps("/proc/self/maps");
+    std::set<std::string> drivers;
+    for (std::string line; std::getline(maps, line);) {
+        const auto name = line.rfind('/');
+        if (name != std::string::npos && line.find("_dri.so", name) != std::string::npos)
+            drivers.insert(line.substr(name));
+    }
+    return static_cast<int>(drivers.size());
+}
+
+/// Ends the program when the window has been painted for the first time, and prints its peak
+/// memory, its size and the OpenGL drivers that it has loaded. Nothing is torn down: what is
+/// measured is the start.
 class FirstPaint : public QObject
 {
 public:
@@ -45,8 +60,9 @@ public:
 private:
     void end() const
     {
-        std::printf("memory\t%d\npixels\t%d\n", peakMemoryKib(),
-                    m_window.width() * m_window.height());
+        std::printf("memory\t%d\npixels\t%d\nwidth\t%d\nheight\t%d\ndrivers\t%d\n", peakMemoryKib(),
+                    m_window.width() * m_window.height(), m_window.width(), m_window.height(),
+                    openGlDrivers());
         std::fflush(stdout);
         std::_Exit(EXIT_SUCCESS);
     }

@@ -3,19 +3,21 @@
 
 #include <QLayout>
 
-#include <cstring>
+#include <cstdlib>
 
 // The bare form up to its first paint: the same description, shown without any behaviour. Its
-// layout makes the window larger than the form says. With "small" it is kept from that, so that it
-// paints as much as the editor does, which fits itself to the screen.
+// layout makes the window larger than the form says. With a width and a height it has that size, so
+// that it paints as much as the editor does, which fits itself to the screen.
 int main(int argc, char* argv[])
 {
     QApplication application(argc, argv);
     auto* window = new QMainWindow;
     Ui::twDiskProbeClass form;
     form.setupUi(window);
-    if (argc > 1 && std::strcmp(argv[1], "small") == 0)
+    if (argc > 2) {
         window->layout()->setSizeConstraint(QLayout::SetNoConstraint);
+        window->resize(std::atoi(argv[1]), std::atoi(argv[2]));
+    }
     new FirstPaint(*window);
     window->show();
     return QApplication::exec();

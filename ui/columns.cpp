@@ -62,11 +62,13 @@ Columns::Columns(QBoxLayout& row)
     : m_row(row)
 {}
 
-int Columns::leastWidth() const
+int Columns::enoughWidth(int width) const
 {
+    if (width >= preferredWidth())
+        return width;
     QHBoxLayout measured;
     measure(measured);
-    return measured.minimumSize().width();
+    return std::max(width, measured.minimumSize().width());
 }
 
 int Columns::preferredWidth() const

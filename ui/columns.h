@@ -11,8 +11,8 @@ public:
     /// @param row the horizontal layout of a widget, which must outlive this object
     explicit Columns(QBoxLayout& row);
 
-    /// The width below which texts that cannot wrap are cut.
-    int leastWidth() const;
+    /// @p width, or the least width in which no text is cut that cannot wrap.
+    int enoughWidth(int width) const;
     /// The width that the row itself asks for.
     int preferredWidth() const;
     /// The height below which texts are cut if the row is @p width wide.

@@ -29,7 +29,7 @@ private:
     void shrinkIntoScreen();
     void moveIntoScreen();
     void follow();
-    void arrange();
+    void arrange(QSize window);
 
     int leastWindowHeight(int width) const;
     int scrollBarExtent() const;
@@ -65,10 +65,14 @@ bool TextFitter::eventFilter(QObject* watched, QEvent* event)
     const QEvent::Type type = event->type();
     const bool changesSizes = type == QEvent::Resize || type == QEvent::LayoutRequest;
     if (watched != &m_window) {
-        if (changesSizes)
+        if (m_open && changesSizes)
             m_columns.layOut();
     } else if (!m_open) {
-        if (type == QEvent::Show)
+        // A window is polished with a native window only on its way to the screen; what happens now
+        // spares it a first layout in a size that nobody sees.
+        const bool isComing =
+            type == QEvent::Polish && m_window.testAttribute(Qt::WA_WState_Created);
+        if (isComing || type == QEvent::Show)
             open();
     } else {
         if (type == QEvent::Resize || type == QEvent::Move)
@@ -79,13 +83,14 @@ bool TextFitter::eventFilter(QObject* watched, QEvent* event)
     return QObject::eventFilter(watched, event);
 }
 
-// The show event comes before the window is on the screen, so nobody sees it grow.
+// Before the window is on the screen, so nobody sees it grow.
 void TextFitter::open()
 {
     m_open = true;
     const QWindow* handle = m_window.windowHandle();
     connect(handle, &QWindow::screenChanged, this, &TextFitter::watchScreen);
     m_firstSize = m_window.size();
+    m_frame = handle->frameMargins(); // what is known of it so far
     resizeToOpen();
     watchScreen(handle->screen());
 }
@@ -99,6 +104,8 @@ void TextFitter::resizeToOpen()
     const int width = openingWidth(std::max(m_firstSize.width(), preferred), most);
     const int height = std::max(m_firstSize.height(), leastWindowHeight(width));
     m_openingSize = QSize(width, height).boundedTo(most);
+    // First what it will show: the form is laid out once, and not for the window's size as well.
+    arrange(m_openingSize);
     m_window.resize(m_openingSize);
 }
 
@@ -170,20 +177,21 @@ void TextFitter::moveIntoScreen()
 void TextFitter::follow()
 {
     m_window.setMinimumHeight(std::min(leastWindowHeight(m_window.width()), available().height()));
-    arrange();
+    arrange(m_window.size());
 }
 
 // The scroll bar of one direction takes from the other, which may then need one as well.
-void TextFitter::arrange()
+void TextFitter::arrange(QSize window)
 {
+    const int bar = scrollBarExtent();
     QSize view;
     QSize content;
-    for (const int taken : {0, scrollBarExtent()}) {
-        view = m_window.size() - QSize(taken, 0);
-        if (view.width() < m_columns.leastWidth())
-            view.rheight() -= scrollBarExtent();
+    for (const int taken : {0, bar}) {
+        view = window - QSize(taken, 0);
+        content.setWidth(m_columns.enoughWidth(view.width()));
+        if (view.width() < content.width())
+            view.rheight() -= bar;
         view = view.expandedTo({0, 0});
-        content.setWidth(std::max(view.width(), m_columns.leastWidth()));
         content.setHeight(std::max(view.height(), m_columns.leastHeight(content.width())));
         if (content.height() == view.height())
             break;
@@ -193,8 +201,8 @@ void TextFitter::arrange()
 
 int TextFitter::leastWindowHeight(int width) const
 {
-    const int bar = width < m_columns.leastWidth() ? scrollBarExtent() : 0;
-    return m_columns.leastHeight(std::max(width, m_columns.leastWidth())) + bar;
+    const int enough = m_columns.enoughWidth(width);
+    return m_columns.leastHeight(enough) + (enough > width ? scrollBarExtent() : 0);
 }
 
 int TextFitter::scrollBarExtent() const
