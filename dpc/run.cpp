@@ -111,8 +111,7 @@ public:
         if (m_isDrawn)
             m_err << "\r\x1B[K" << std::flush;
     }
-    ProgressLine(const ProgressLine&) = delete;
-    ProgressLine& operator=(const ProgressLine&) = delete;
+    Q_DISABLE_COPY_MOVE(ProgressLine)
 
     void draw(const RunProgress& progress)
     {

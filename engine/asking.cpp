@@ -99,6 +99,7 @@ void Asking::askRound(const std::vector<const GuardCall*>& calls, std::vector<Qu
     output.name = QStringLiteral("guard-%1").arg(m_rounds++);
     output.timeoutMs = guardTimeoutMs;
     std::vector<FioMachines::JobFile> files;
+    files.reserve(calls.size());
     for (const GuardCall* call : calls)
         files.push_back({call->machine, call->file});
     const FioExit exit = m_machines.call(files, output);

@@ -52,8 +52,7 @@ public:
         if (m_number >= 0)
             ::close(m_number);
     }
-    Attempt(const Attempt&) = delete;
-    Attempt& operator=(const Attempt&) = delete;
+    Q_DISABLE_COPY_MOVE(Attempt)
 
     bool isOpen() const { return m_isOpen; }
     int number() const { return m_number; }

@@ -45,8 +45,7 @@ class SignalGuard
 public:
     SignalGuard();
     ~SignalGuard();
-    SignalGuard(const SignalGuard&) = delete;
-    SignalGuard& operator=(const SignalGuard&) = delete;
+    Q_DISABLE_COPY_MOVE(SignalGuard)
 
     /// Takes one that has arrived, without waiting.
     StopReason pending() const;

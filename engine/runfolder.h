@@ -49,8 +49,7 @@ class RunFolder
 public:
     RunFolder() = default;
     ~RunFolder();
-    RunFolder(const RunFolder&) = delete;
-    RunFolder& operator=(const RunFolder&) = delete;
+    Q_DISABLE_COPY_MOVE(RunFolder)
 
     /// Why nothing can be run into a path, as one sentence: it is there already, and then how that
     /// run ended, or in which stage it was killed. Empty if nothing is there.

@@ -143,7 +143,9 @@ QString fioVersion(const QString& program, std::string& problem)
     call.outputFile = folder.filePath(QStringLiteral("out"));
     call.errorFile = folder.filePath(QStringLiteral("err"));
     call.timeoutMs = versionTimeoutMs;
-    problem = heldSignals.run(call).problem.toStdString();
+    const FioExit exit = heldSignals.run(call);
+    problem =
+        exit.stopped == StopReason::None ? exit.problem.toStdString() : stopText(exit.stopped);
     QFile file(call.outputFile);
     if (!problem.empty() || !file.open(QIODevice::ReadOnly))
         return {};
@@ -312,9 +314,9 @@ void Runner::finish()
     if (status.state == RunState::Running) {
         bool isComplete = true;
         bool isWhole = true;
-        for (size_t i = 0; i < m_results.stages.size(); ++i) {
-            isComplete = isComplete && m_results.stages[i].state == StageState::Complete;
-            isWhole = isWhole && m_results.stages[i].state != StageState::NotRun;
+        for (const StageResult& stage : m_results.stages) {
+            isComplete = isComplete && stage.state == StageState::Complete;
+            isWhole = isWhole && stage.state != StageState::NotRun;
         }
         status.state =
             isComplete ? RunState::Complete : (isWhole ? RunState::Incomplete : RunState::Failed);

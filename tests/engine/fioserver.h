@@ -20,8 +20,7 @@ public:
     /// tmpfs. Returns once it can be connected to.
     FioServer(QByteArray address, QString folder, const QByteArray& options = "size=64m");
     ~FioServer();
-    FioServer(const FioServer&) = delete;
-    FioServer& operator=(const FioServer&) = delete;
+    Q_DISABLE_COPY_MOVE(FioServer)
 
     /// A path in the folder as this program can reach it, while the server lives.
     QString seen(const QString& name) const;

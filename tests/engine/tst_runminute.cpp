@@ -42,8 +42,8 @@ void TestRunMinute::allMachinesBeginAtTheMinute()
     const qint64 stageBegan = qint64(stages[0].toObject()["startedMs"].toDouble());
     const qint64 minute = (stageBegan / msPerMinute + 1) * msPerMinute;
     for (const QJsonValue& job : jobs) {
-        // The start is what the end and fio's runtime make it, to about a chunk: it would lie before
-        // the minute if the runtime held the wait.
+        // The start is what the end and fio's runtime make it, to about a chunk: it would lie
+        // before the minute if the runtime held the wait.
         constexpr qint64 chunkMs = 5;
         QVERIFY(qint64(job["startMs"].toDouble()) >= minute - chunkMs);
     }
