@@ -1,5 +1,6 @@
 #include "check/environment.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -33,6 +34,14 @@ std::string whyUnreadable(const PathStatus& status, mode_t mode)
     return status.isReadable ? std::string() : "you have no right to read it";
 }
 
+/// What would be made by writing to a dead link.
+QString targetOf(const QString& deadLink)
+{
+    const QFileInfo target(QFileInfo(deadLink).symLinkTarget());
+    const QString folder = QFileInfo(target.path()).canonicalFilePath();
+    return folder.isEmpty() ? target.filePath() : QDir(folder).filePath(target.fileName());
+}
+
 /// Of a path that can't be followed to its end.
 PathStatus statusOfNothing(const QByteArray& path, int error)
 {
@@ -40,6 +49,7 @@ PathStatus statusOfNothing(const QByteArray& path, int error)
     struct stat link = {};
     if (::lstat(path.constData(), &link) == 0 && S_ISLNK(link.st_mode)) {
         status.kind = PathStatus::Kind::DeadLink;
+        status.canonical = targetOf(QFile::decodeName(path));
         status.whyUnreadable = error == ELOOP ? "it is a link that leads back to itself"
                                               : "it is a link that leads nowhere";
     } else if (error == EACCES) {
@@ -64,6 +74,9 @@ PathStatus look(const QString& path)
     status.isReadable = ::access(name.constData(), R_OK) == 0;
     status.isWritable = ::access(name.constData(), W_OK) == 0;
     status.canonical = QFileInfo(path).canonicalFilePath();
+    status.fileSystem = info.st_dev;
+    status.node = info.st_ino;
+    status.hasOtherNames = status.isFile() && info.st_nlink > 1;
     status.whyUnreadable = whyUnreadable(status, info.st_mode);
     return status;
 }

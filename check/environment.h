@@ -23,7 +23,12 @@ struct PathStatus
     qint64 size = 0;           ///< bytes of a file
     bool isReadable = false;   ///< by this user
     bool isWritable = false;   ///< by this user
-    QString canonical;         ///< without links and dots; empty if there is nothing
+    /// Without links and dots; empty if there is nothing. Of a dead link where it leads, as far as
+    /// that exists.
+    QString canonical;
+    quint64 fileSystem = 0; ///< together with `node` the same for all names of a file
+    quint64 node = 0;
+    bool hasOtherNames = false; ///< a file with several hard links
     std::string whyUnreadable; ///< half a sentence, empty for a file that can be read
 
     /// True if something is there that can be opened.

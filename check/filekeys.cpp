@@ -126,6 +126,12 @@ KeyedPath FileKeys::find(const QByteArray& path, bool isHere)
     found.size = status.size;
     if (!status.canonical.isEmpty())
         found.key = status.canonical.toUtf8();
+    if (status.hasOtherNames) {
+        QByteArray& first = m_keyOfNode[{status.fileSystem, status.node}];
+        if (first.isEmpty())
+            first = found.key;
+        found.key = first;
+    }
     return found;
 }
 

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QHash>
+#include <QPair>
 
 #include <vector>
 
@@ -33,7 +34,7 @@ struct KeyedFolder
 /// What a path leads to.
 struct KeyedPath
 {
-    QByteArray key; ///< the same for all spellings, links followed as far as they exist
+    QByteArray key; ///< the same for all spellings and hard links, links followed as they exist
     PathStatus::Kind kind = PathStatus::Kind::Nothing;
     qint64 size = 0;          ///< bytes of a file that exists
     int folder = -1;          ///< its place among the folders
@@ -65,4 +66,5 @@ private:
     const Environment& m_environment;
     QHash<QByteArray, int> m_folderOfPath;
     std::vector<KeyedFolder> m_folders;
+    QHash<QPair<quint64, quint64>, QByteArray> m_keyOfNode; ///< of files with several names
 };

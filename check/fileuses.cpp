@@ -43,7 +43,7 @@ FileUses::FileUses(const SeriesFacts& facts, const QStringList& hosts,
                    const Environment& environment, const MachineValues& here)
     : m_facts(facts)
     , m_here(here)
-    , m_expander(facts, noMachine())
+    , m_templates(facts)
     , m_keys(environment)
     , m_runFolder(facts.runFolder.toLatin1())
     , m_temp(here.tempFolder->text, here.tempFolder->length)
@@ -77,6 +77,9 @@ void FileUses::takeMachines(const QStringList& hosts)
     if (hosts.isEmpty())
         m_machines.push_back({QString::fromLatin1(own), own});
     m_isThisMachine = m_machines.size() == 1 && m_machines.front().inPath == own;
+    m_longestValue = NameExpander(m_facts, m_here).longestValue();
+    for (const MachineName& machine : m_machines)
+        m_longestValue = std::max(m_longestValue, machine.inPath.size());
 }
 
 void FileUses::addUses(int line, TaskPath role)
@@ -99,10 +102,10 @@ int FileUses::nameFor(const LineFact& line, const QByteArray& path, int iteratio
 {
     UsedName name;
     const QByteArray full = isRelative(path) ? QByteArray(configPathVariable) + '/' + path : path;
-    name.text = m_expander.initName(line, full, iteration).toLatin1();
+    name.text = m_templates.expand(line, full, iteration);
     // What is cut differs from machine to machine, and ".." can't be followed past a variable.
     name.mustExpandAnew =
-        path.contains("..") || full.size() + full.count('[') * m_expander.longestValue() >= maxPath;
+        path.contains("..") || full.size() + full.count('[') * m_longestValue >= maxPath;
     const QByteArray key = name.mustExpandAnew
                                ? name.text + '\n' + QByteArray::number(qulonglong(m_uses.size()))
                                : name.text;

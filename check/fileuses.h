@@ -1,7 +1,7 @@
 #pragma once
 
 #include "check/filekeys.h"
-#include "check/nameexpander.h"
+#include "check/nametemplates.h"
 #include "check/seriesfacts.h"
 
 #include <QHash>
@@ -144,13 +144,14 @@ private:
 
     const SeriesFacts& m_facts;
     MachineValues m_here;
-    NameExpander m_expander;
+    NameTemplates m_templates;
     FileKeys m_keys;
     QByteArray m_runFolder;
     QByteArray m_runFolderKey; ///< with "/" at the end
     QByteArray m_temp;
     std::vector<MachineName> m_machines;
     int m_givenMachines = 0;
+    int m_longestValue = 0;      ///< characters, at least, of what a variable stands for
     bool m_isThisMachine = true; ///< the only one
 
     std::vector<FileUse> m_uses;

@@ -7,6 +7,7 @@
 #include <QtTest>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 class TestEnvironment : public QObject
 {
@@ -44,9 +45,24 @@ private slots:
         QVERIFY(QFile::link("nowhere", m_root + "dead"));
         QCOMPARE(look("dead").kind, PathStatus::Kind::DeadLink);
         QVERIFY(!look("dead").exists());
+        QCOMPARE(look("dead").canonical, QFileInfo(m_root).canonicalFilePath() + "/nowhere");
         QCOMPARE(look("dead").whyUnreadable, std::string("it is a link that leads nowhere"));
         QVERIFY(QFile::link("loop", m_root + "loop"));
         QCOMPARE(look("loop").whyUnreadable, std::string("it is a link that leads back to itself"));
+    }
+
+    void hardLinksAreOneFile()
+    {
+        put("file", "123");
+        QVERIFY(!look("file").hasOtherNames);
+        QCOMPARE(::link(QFile::encodeName(m_root + "file").constData(),
+                        QFile::encodeName(m_root + "other").constData()),
+                 0);
+        QVERIFY(look("file").hasOtherNames);
+        QCOMPARE(look("file").node, look("other").node);
+        QCOMPARE(look("file").fileSystem, look("other").fileSystem);
+        put("third", "123");
+        QVERIFY(look("third").node != look("file").node);
     }
 
     void pipesAreNotOpened()

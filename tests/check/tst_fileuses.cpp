@@ -37,6 +37,7 @@ public:
 
     QByteArray root() const { return m_root.toLatin1(); }
     int looks() const { return m_looks; }
+    const SeriesFacts& facts() const { return m_facts; }
 
     void put(const QString& name, const QByteArray& content) { test::put(m_root + name, content); }
 
@@ -63,6 +64,13 @@ public:
         status.kind = PathStatus::Kind::Folder;
         status.canonical = target;
         m_disk.insert(folder, status);
+    }
+
+    void setHardLink(const QString& path, quint64 node)
+    {
+        setFile(path, 1);
+        m_disk[path].hasOtherNames = true;
+        m_disk[path].node = node;
     }
 
     const FileUses& uses(const QByteArray& lines, const QStringList& hosts = {})
@@ -179,6 +187,16 @@ private slots:
         m_fixture->setFile("/d/y", 1, "/d/x");
         QVERIFY(m_fixture->areSame("/l/x", "/d/x"));
         QVERIFY(m_fixture->areSame("/l/x", "/d/y"));
+    }
+
+    void hardLinksAreOneFile()
+    {
+        m_fixture->setFolder("/d");
+        m_fixture->setHardLink("/d/x", 7);
+        m_fixture->setHardLink("/d/y", 7);
+        m_fixture->setHardLink("/d/z", 8);
+        QVERIFY(m_fixture->areSame("/d/x", "/d/y"));
+        QVERIFY(!m_fixture->areSame("/d/x", "/d/z"));
     }
 
     void tempOfAnotherMachineIsNotLookedAt()
@@ -305,6 +323,24 @@ private slots:
         QCOMPARE(dest.init, 1);
         QVERIFY(!uses.init()[1].entry.isActive);
         QCOMPARE(&uses.files()[size_t(uses.init()[1].file)], &dest);
+    }
+
+    void namesAreThoseThatTheEditorExpands()
+    {
+        QByteArray lines;
+        for (const char* path : {"/d/[iter]", "[cfgPath]/[cfgTaskID]-[cfgline]_[iter][iter].dat",
+                                 "[cfgPath]//[cfgName]/./[cfgID]", "/d/[iter]/../[cfgTaskID]",
+                                 "/d/\x01[iter]\x02[cfgTaskID]", "[temp]/[host]_[date]_[iter]",
+                                 "/d/[[iter]]", "/d/[cfgLogName]/[cfgNameID]"})
+            lines += copying(path, "MEMORY", 12);
+        const FileUses& uses = m_fixture->uses(lines + lines);
+        NameExpander expander(m_fixture->facts(), noMachine());
+        for (const FileUse& use : uses.uses()) {
+            const LineFact& line = m_fixture->facts().lines[size_t(use.line)];
+            QCOMPARE(uses.nameOf(use).text,
+                     expander.initName(line, line.path(use.role), use.iteration).toLatin1());
+        }
+        QCOMPARE(uses.uses().size(), size_t(2 * (6 * 12 + 2)));
     }
 
     void variablesOfMachinesStayInNames()

@@ -1,0 +1,54 @@
+#include "check/nametemplates.h"
+
+#include <algorithm>
+
+namespace {
+
+// In the place of numbers. A path that holds them itself is expanded as it is.
+constexpr char iterationMark = '\x01';
+constexpr char taskMark = '\x02';
+
+bool holdsMark(const QByteArray& path)
+{
+    return std::any_of(path.begin(), path.end(),
+                       [](char c) { return c == iterationMark || c == taskMark; });
+}
+
+QByteArray withMarks(QByteArray path)
+{
+    return path.replace(iterVariable, QByteArray(1, iterationMark))
+        .replace(spellingOf(PathVariable::CfgLine), QByteArray(1, taskMark))
+        .replace(spellingOf(PathVariable::CfgTaskId), QByteArray(1, taskMark));
+}
+
+QByteArray filled(const QByteArray& text, int iteration, int taskNumber)
+{
+    if (!holdsMark(text))
+        return text;
+    QByteArray name;
+    name.reserve(text.size() + 10);
+    for (const char c : text) {
+        if (c == iterationMark)
+            name += QByteArray::number(iteration);
+        else if (c == taskMark)
+            name += QByteArray::number(taskNumber);
+        else
+            name += c;
+    }
+    return name;
+}
+
+} // namespace
+
+QByteArray NameTemplates::expand(const LineFact& line, const QByteArray& path, int iteration)
+{
+    if (holdsMark(path))
+        return m_expander.initName(line, path, iteration).toLatin1();
+    if (line.file != m_file)
+        m_templates.clear();
+    m_file = line.file;
+    auto known = m_templates.constFind(path);
+    if (known == m_templates.cend())
+        known = m_templates.insert(path, m_expander.initName(line, withMarks(path), 0).toLatin1());
+    return filled(*known, iteration, line.taskNumber);
+}
