@@ -107,13 +107,15 @@ private:
     /// The part of the window that reaches from one widget to another.
     QPixmap between(const char* first, const char* last)
     {
+        // Not of the window, which shows no more than the screen has space for.
+        QWidget* central = m_editor.window.centralWidget();
         QRect part;
         for (const char* name : {first, last}) {
             const auto* widget = m_editor.find<QWidget>(name);
-            part |= QRect(widget->mapTo(&m_editor.window, QPoint()), widget->size());
+            part |= QRect(widget->mapTo(central, QPoint()), widget->size());
         }
         constexpr int margin = 4;
-        return m_editor.window.grab(part.adjusted(-margin, -margin, margin, margin));
+        return central->grab(part.adjusted(-margin, -margin, margin, margin));
     }
 
     QString m_root;

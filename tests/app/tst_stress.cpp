@@ -2,6 +2,7 @@
 #include "tests/app/messages.h"
 #include "tests/support/files.h"
 #include "tests/support/tasks.h"
+#include "tests/ui/cuttexts.h"
 
 #include <QTemporaryDir>
 
@@ -80,6 +81,9 @@ private slots:
         Editor editor;
         editor.addWriteTask("/t/a");
         auto* button = editor.find<QPushButton>("buttonSave");
+        // On a small screen a person would scroll to it.
+        if (QScrollBar* down = scrollBar(editor.window, Qt::Vertical))
+            down->setValue(down->maximum());
         const auto clickThroughTheSystem = [&] {
             // As the window system delivers it, which a modal dialog blocks.
             QWindow* window = editor.window.windowHandle();
