@@ -2,6 +2,7 @@
 
 #include "check/findings.h"
 #include "check/rules/families.h"
+#include "check/rulesfile.h"
 #include "check/seriesfinder.h"
 #include "check/text.h"
 
@@ -34,11 +35,44 @@ void addSearch(SeriesSearch& all, const QString& path, CheckResult& result)
     all.notLoaded += search.notLoaded;
 }
 
-void append(std::vector<Finding>& all, std::vector<Finding> more)
+template <typename T>
+void append(std::vector<T>& all, std::vector<T> more)
 {
     all.insert(all.end(), std::make_move_iterator(more.begin()),
                std::make_move_iterator(more.end()));
 }
+
+/// The rules that are turned off in each folder. Its file is read once.
+class FolderRules
+{
+public:
+    FolderRules(const CheckOptions& options, std::vector<std::string>& problems)
+        : m_options(options)
+        , m_problems(problems)
+    {}
+
+    const std::set<const Rule*>& rulesOff(const SeriesFacts& facts)
+    {
+        if (!m_folders.contains(facts.runFolder)) {
+            const QString path = facts.runFolder + rulesFileName;
+            RulesFile file = readRulesFile(path, shownPath(facts, path));
+            append(m_problems, file.problems);
+            file.rulesOff.insert(m_options.rulesOff.begin(), m_options.rulesOff.end());
+            m_folders.insert(facts.runFolder, file.rulesOff);
+        }
+        return *m_folders.find(facts.runFolder);
+    }
+
+private:
+    static QString shownPath(const SeriesFacts& facts, const QString& path)
+    {
+        return facts.runFolder == facts.name.folder ? facts.shownFolder + rulesFileName : path;
+    }
+
+    const CheckOptions& m_options;
+    std::vector<std::string>& m_problems;
+    QHash<QString, std::set<const Rule*>> m_folders;
+};
 
 } // namespace
 
@@ -72,10 +106,17 @@ CheckResult checkAll(const QStringList& paths, const CheckOptions& options)
     SeriesSearch all;
     for (const QString& path : paths)
         addSearch(all, path, result);
+    FolderRules rules(options, result.problems);
+    FolderNames names;
+    ExtentCounter extent;
     for (const FoundSeries& found : withoutDuplicates(all.series)) {
-        const SeriesFacts facts = readSeries(found.name, found.shownFolder, options.limits);
-        append(result.findings, checkSeries(facts, options));
+        const SeriesFacts facts = readSeries(found.name, found.shownFolder, options.limits, &names);
+        CheckOptions own = options;
+        own.rulesOff = rules.rulesOff(facts);
+        append(result.findings, checkSeries(facts, own));
+        extent.add(facts, own.rulesOff);
     }
+    result.extent = extent.extent(options);
     append(result.findings, checkNotLoaded(all.notLoaded, options));
     return result;
 }

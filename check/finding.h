@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <string>
+#include <vector>
 
 /// A diagnostic: rule, location, message.
 struct Finding
@@ -15,4 +16,5 @@ struct Finding
     int line;   ///< from 1
     int column; ///< from 1
     std::string text;
+    std::vector<std::string> names{}; ///< all that the text counts: "'a' and 5 more"; for programs
 };

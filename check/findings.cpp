@@ -5,12 +5,13 @@
 #include <algorithm>
 #include <tuple>
 
-void Findings::add(const Rule& rule, int file, int line, int column, std::string text)
+void Findings::add(const Rule& rule, int file, int line, int column, std::string text,
+                   std::vector<std::string> names)
 {
     if (m_rulesOff.count(&rule) > 0)
         return;
     const QString& shown = m_facts.files[size_t(file)].shown;
-    m_findings.push_back({&rule, file, shown, line, column, std::move(text)});
+    m_findings.push_back({&rule, file, shown, line, column, std::move(text), std::move(names)});
 }
 
 std::vector<Finding> Findings::takeSorted()

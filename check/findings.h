@@ -17,12 +17,15 @@ public:
         , m_rulesOff(rulesOff)
     {}
 
-    /// At a column of a line of a file, all but the file from 1.
-    void add(const Rule& rule, int file, int line, int column, std::string text);
+    /// At a column of a line of a file, all but the file from 1. If the text shortens a list of
+    /// names, `names` has all of them.
+    void add(const Rule& rule, int file, int line, int column, std::string text,
+             std::vector<std::string> names = {});
     /// At a column of a line that holds something.
-    void add(const Rule& rule, const LineFact& line, int column, std::string text)
+    void add(const Rule& rule, const LineFact& line, int column, std::string text,
+             std::vector<std::string> names = {})
     {
-        add(rule, line.file, line.line, column, std::move(text));
+        add(rule, line.file, line.line, column, std::move(text), std::move(names));
     }
 
     /// In the order of files, lines, columns and rules.

@@ -121,12 +121,6 @@ int firstBlank(const QString& text)
     return int(blank - text.begin());
 }
 
-QString withoutComment(const QString& line)
-{
-    static const QRegularExpression comment("(^|[ \t])#.*$");
-    return line.left(line.indexOf(comment) < 0 ? line.size() : line.indexOf(comment)).trimmed();
-}
-
 /// Half a sentence about a line, or nothing.
 std::string takeLine(Collector& collector, const QString& line)
 {

@@ -182,7 +182,7 @@ void addFile(SeriesFacts& facts, const QString& path, int number, bool waits, bo
     facts.files.push_back(file);
 }
 
-void findFiles(SeriesFacts& facts)
+void findFiles(SeriesFacts& facts, FolderNames& folderNames)
 {
     const QString folders[] = {facts.name.folder, facts.name.folder + waitFolder()};
     for (int number = 0; number < seriesFileCount; ++number) {
@@ -194,12 +194,9 @@ void findFiles(SeriesFacts& facts)
         }
     }
     for (const QString& folder : folders) {
-        const QStringList names =
-            QDir(folder).entryList({QString("*") + configFileExtension}, QDir::Files, QDir::Name);
-        for (const QString& name : names) {
-            if (isBeyondSeries(name, facts.name.baseName))
-                addFile(facts, folder + name, seriesFileCount, folder != folders[0], false);
-        }
+        const QStringList names = folderNames.beyondSeries(folder, facts.name.baseName);
+        for (const QString& name : names)
+            addFile(facts, folder + name, seriesFileCount, folder != folders[0], false);
     }
 }
 
@@ -259,7 +256,8 @@ int LineFact::columnOf(int number) const
     return column + fields.fields[size_t(number - 1)].column + 1;
 }
 
-SeriesFacts readSeries(const SeriesName& name, const QString& shownFolder, const ReadLimits& limits)
+SeriesFacts readSeries(const SeriesName& name, const QString& shownFolder, const ReadLimits& limits,
+                       FolderNames* names)
 {
     SeriesFacts facts;
     facts.name = name;
@@ -268,7 +266,8 @@ SeriesFacts readSeries(const SeriesName& name, const QString& shownFolder, const
                           ? name.folder.left(name.folder.size() - waitFolder().size())
                           : name.folder;
     facts.isInit = name.baseName.endsWith(QLatin1String(initFileSuffix));
-    findFiles(facts);
+    FolderNames ownNames;
+    findFiles(facts, names == nullptr ? ownNames : *names);
     for (size_t i = 0; i < facts.files.size(); ++i) {
         if (facts.files[i].isRead)
             FileScanner(facts, facts.files[i], int(i), limits.entries).scan();

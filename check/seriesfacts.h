@@ -1,5 +1,6 @@
 #pragma once
 
+#include "check/foldernames.h"
 #include "configset/seriesname.h"
 #include "model/tasklinereader.h"
 
@@ -167,5 +168,6 @@ struct ReadLimits
 };
 
 /// Reads all files of a series that exist. Never fails: what can't be read is a fact as well.
+/// Whoever reads several series of a folder keeps the `names`, so that the folder is listed once.
 SeriesFacts readSeries(const SeriesName& name, const QString& shownFolder,
-                       const ReadLimits& limits = {});
+                       const ReadLimits& limits = {}, FolderNames* names = nullptr);

@@ -3,6 +3,7 @@
 #include "check/environment.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QTextCodec>
 
 namespace {
@@ -42,4 +43,10 @@ TextFile readTextFile(const QString& path)
             line.chop(1);
     }
     return {lines, {}};
+}
+
+QString withoutComment(const QString& line)
+{
+    static const QRegularExpression comment("(^|[ \t])#.*$");
+    return line.left(line.indexOf(comment) < 0 ? line.size() : line.indexOf(comment)).trimmed();
 }

@@ -16,3 +16,7 @@ struct TextFile
 /// path, it never blocks: pipes and devices are not opened. A file of more than 16 MiB, and one
 /// that holds other bytes than text, is a problem.
 TextFile readTextFile(const QString& path);
+
+/// A line without its comment, which "#" begins at the start of the line and after a blank, and
+/// without blanks at its ends.
+QString withoutComment(const QString& line);

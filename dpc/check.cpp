@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr const char* formats[] = {"text", "json"};
+constexpr const char* formats[] = {"text", "json", "github"};
 constexpr Option format{"--format", "FORMAT", ValueKind::Choice, "how to print the findings",
                         formats};
 constexpr Option quiet{"-q,--quiet", nullptr, ValueKind::Flag,
@@ -22,17 +22,21 @@ constexpr Option noRule{
     "--no-rule",
     "NAMES",
     ValueKind::Rule,
-    "leave out the findings of these rules, with commas between; may be repeated",
+    "leave out the findings of these rules, with commas between; may be repeated; a file dpc.rules "
+    "beside a series does the same for it",
     {},
     true};
 constexpr Option warningsAsErrors{"--werror", nullptr, ValueKind::Flag,
                                   "count warnings as errors for the exit status"};
+constexpr Option summary{"--summary", nullptr, ValueKind::Flag,
+                         "tell at the end, on the error stream, how much was checked and what was "
+                         "not; a terminal is always told"};
 constexpr Option listRules{
     "--list-rules", nullptr, ValueKind::Flag, "print all rules, and end", {}, false, nullptr, true};
 
-constexpr const Option* options[] = {&format,           &quiet,       &noRule,
-                                     &warningsAsErrors, &hostsOption, &machinesOption,
-                                     &hostsFileOption,  &listRules};
+constexpr const Option* options[] = {
+    &format,         &quiet,           &noRule,  &warningsAsErrors, &hostsOption,
+    &machinesOption, &hostsFileOption, &summary, &colorOption,      &listRules};
 constexpr Operand operands[] = {{"PATH", ValueKind::ConfigFile, true}};
 
 constexpr const char* description =
@@ -41,6 +45,10 @@ constexpr const char* description =
     file:line:column: error|warning|note: text [rule]
 
 An error means that the series does not run, or not as it was meant; a warning that there is probably a mistake; a note is good to know. The counts follow on the error stream.
+
+Silence means that nothing was found in what was looked at. With --summary, and on a terminal, one line tells how many files, tasks and machines that are, and what was not checked.
+
+A line "RULE: reason" in a file dpc.rules, in the folder of a series outside _wait, turns a rule off for all series of the folder. "#" begins a comment.
 
 Findings about several machines need their names: --hosts or --hosts-file. If the names do not matter, --machines tells how many there are.)";
 
@@ -70,23 +78,47 @@ bool isFailure(const std::vector<Finding>& findings, bool warningsAreErrors)
            (warningsAreErrors && countOf(findings, Severity::Warning) > 0);
 }
 
+/// Does not let a single name pass for a list of machines.
+bool needsRemark(const CheckRequest& request)
+{
+    return request.options.hosts.size() == 1;
+}
+
+void printSummary(const CheckRequest& request, const CheckExtent& extent, const Output& output)
+{
+    if (request.summary || output.isErrTerminal)
+        output.err << extentAsText(extent) << '\n';
+    else if (needsRemark(request))
+        output.err << "dpc: " << extent.notChecked.front().text << '\n';
+}
+
 void print(const CheckRequest& request, const CheckResult& result, const Output& output)
 {
     if (request.quiet)
         return;
     if (request.format == "json") {
-        output.out << findingsAsJson(result.findings, {result.problems, {}});
+        output.out << checkAsJson(result);
         return;
     }
-    output.out << findingsAsText(result.findings, output.colour);
+    output.out << (request.format == "github" ? findingsForGithub(result.findings)
+                                              : findingsAsText(result.findings, output.colour));
     if (!result.findings.empty())
         output.err << summaryOf(result.findings) << '\n';
+    printSummary(request, result.extent, output);
+}
+
+Output withColor(const Arguments& arguments, const Output& output)
+{
+    const std::string when = arguments.value(colorOption);
+    Output result = output;
+    result.colour = when == "always" || (when == "auto" && output.colour);
+    return result;
 }
 
 int run(const Arguments& arguments, const Output& output)
 {
     if (arguments.has(listRules)) {
-        output.out << rulesAsText();
+        output.out << (arguments.value(format) == "json" ? rulesAsJson() : rulesAsText());
         return exitClean;
     }
     CheckRequest request;
@@ -95,8 +127,9 @@ int run(const Arguments& arguments, const Output& output)
     request.options.rulesOff = rulesOff(arguments);
     request.format = arguments.value(format);
     request.quiet = arguments.has(quiet);
+    request.summary = arguments.has(summary);
     request.warningsAreErrors = arguments.has(warningsAsErrors);
-    return runCheck(request, output);
+    return runCheck(request, withColor(arguments, output));
 }
 
 } // namespace

@@ -10,6 +10,7 @@ struct CheckRequest
     CheckOptions options;
     std::string format = "text"; ///< a choice of --format
     bool quiet = false;
+    bool summary = false;           ///< also if no terminal reads it
     bool warningsAreErrors = false; ///< for the exit status
 };
 

@@ -58,7 +58,7 @@ struct Option
     ListOf<const char*> choices{}; ///< the first is the default
     bool repeats = false;          ///< may be given several times
     const Option* needs = nullptr; ///< makes sense only beside this one
-    bool replacesOperands = false; ///< the command then needs no operand, and takes no other option
+    bool replacesOperands = false; ///< the command then needs no operand
 
     /// The long name: "--quiet".
     std::string longName() const;

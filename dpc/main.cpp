@@ -41,7 +41,8 @@ int main(int count, char** arguments)
     setLocale();
     std::ios::sync_with_stdio(false);
     const std::vector<std::string> typed(arguments + 1, arguments + count);
-    Output output{std::cout, std::cerr, wantsColour()};
+    Output output{std::cout, std::cerr, wantsColour(), ::isatty(STDOUT_FILENO) == 1,
+                  ::isatty(STDERR_FILENO) == 1};
     output.width = lineWidth();
     const int code = runDpc(typed, output);
     std::cout.flush();

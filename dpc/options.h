@@ -24,6 +24,11 @@ inline constexpr Option machinesOption{
     "--machines", "NUMBER", ValueKind::Number,
     "so many machines, with the names machine01 and so on; not beside --hosts and --hosts-file"};
 
+inline constexpr const char* colorChoices[] = {"auto", "always", "never"};
+inline constexpr Option colorOption{
+    "--color", "WHEN", ValueKind::Choice,
+    "when to print in color; auto: on a terminal, unless NO_COLOR is set", colorChoices};
+
 /// The machines that the three options give, each name once; none if no option is given. Throws
 /// UsageError for options that name no machine.
 std::vector<Machine> machinesOf(const Arguments& arguments);

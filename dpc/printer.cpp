@@ -1,5 +1,6 @@
 #include "dpc/printer.h"
 
+#include "check/rules/catalogue.h"
 #include "check/ruletexts.h"
 #include "check/text.h"
 #include "dpc/json.h"
@@ -11,6 +12,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
@@ -37,6 +39,54 @@ std::string placeOf(const Finding& finding)
     return fmt::format("{}:{}:{}:", printable(finding.path), finding.line, finding.column);
 }
 
+QJsonObject jsonOf(const Finding& finding)
+{
+    const Rule& rule = *finding.rule;
+    QJsonObject object{{"file", finding.path},     {"line", finding.line},
+                       {"column", finding.column}, {"severity", severityName(rule.severity)},
+                       {"rule", rule.name},        {"text", QString::fromStdString(finding.text)}};
+    QJsonArray names;
+    for (const std::string& name : finding.names)
+        names.append(QString::fromStdString(name));
+    if (!names.isEmpty())
+        object.insert("names", names);
+    return object;
+}
+
+QJsonObject jsonOf(const std::vector<Finding>& findings, const Remarks& remarks)
+{
+    QJsonArray list;
+    for (const Finding& finding : findings)
+        list.append(jsonOf(finding));
+    QJsonObject all = jsonOutput(remarks);
+    all.insert("findings", list);
+    all.insert("errors", countOf(findings, Severity::Error));
+    all.insert("warnings", countOf(findings, Severity::Warning));
+    all.insert("notes", countOf(findings, Severity::Note));
+    return all;
+}
+
+/// With the characters that end a part of a workflow command in its own notation.
+std::string githubEscaped(const std::string& text, const char* characters)
+{
+    std::string result;
+    for (const char c : text)
+        result += std::strchr(characters, c) == nullptr
+                      ? std::string(1, c)
+                      : fmt::format("%{:02X}", static_cast<unsigned char>(c));
+    return result;
+}
+
+std::string githubText(const std::string& text)
+{
+    return githubEscaped(text, "%\r\n");
+}
+
+std::string githubProperty(const std::string& text)
+{
+    return githubEscaped(text, "%\r\n:,");
+}
+
 } // namespace
 
 std::string findingsAsText(const std::vector<Finding>& findings, bool colour)
@@ -57,22 +107,60 @@ std::string findingsAsText(const std::vector<Finding>& findings, bool colour)
 
 std::string findingsAsJson(const std::vector<Finding>& findings, const Remarks& remarks)
 {
-    QJsonArray list;
-    for (const Finding& finding : findings) {
-        const Rule& rule = *finding.rule;
-        list.append(QJsonObject{{"file", finding.path},
-                                {"line", finding.line},
-                                {"column", finding.column},
-                                {"severity", severityName(rule.severity)},
-                                {"rule", rule.name},
-                                {"text", QString::fromStdString(finding.text)}});
-    }
-    QJsonObject all = jsonOutput(remarks);
-    all.insert("findings", list);
-    all.insert("errors", countOf(findings, Severity::Error));
-    all.insert("warnings", countOf(findings, Severity::Warning));
-    all.insert("notes", countOf(findings, Severity::Note));
+    return jsonText(jsonOf(findings, remarks));
+}
+
+std::string checkAsJson(const CheckResult& result)
+{
+    QJsonObject all = jsonOf(result.findings, {result.problems, result.extent.notChecked});
+    all.insert("files", result.extent.files);
+    all.insert("tasks", result.extent.tasks);
+    all.insert("machines", result.extent.machines);
     return jsonText(all);
+}
+
+std::string findingsForGithub(const std::vector<Finding>& findings)
+{
+    std::string text;
+    for (const Finding& finding : findings) {
+        const Severity severity = severityOf(finding);
+        text += fmt::format("::{} file={},line={},col={},title={}::{}\n",
+                            severity == Severity::Note ? "notice" : severityName(severity),
+                            githubProperty(printable(finding.path)), finding.line, finding.column,
+                            finding.rule->name, githubText(finding.text));
+    }
+    return text;
+}
+
+std::string rulesAsJson()
+{
+    QJsonArray list;
+    for (const Rule* rule : allRules())
+        list.append(QJsonObject{{"rule", rule->name},
+                                {"severity", severityName(rule->severity)},
+                                {"category", rule->category},
+                                {"meaning", rule->meaning},
+                                {"advice", rule->advice}});
+    QJsonObject all = jsonOutput({});
+    all.insert("rules", list);
+    return jsonText(all);
+}
+
+std::string extentAsText(const CheckExtent& extent)
+{
+    std::string text =
+        fmt::format("{}, {}", counted(extent.files, "file"), counted(extent.tasks, "task"));
+    if (extent.machines > 1)
+        text += ", " + counted(extent.machines, "machine");
+    std::vector<std::string> rest;
+    for (const NotChecked& item : extent.notChecked) {
+        // A sentence by itself.
+        if (item.what == "collisions")
+            text += "; " + item.text;
+        else
+            rest.push_back(item.text);
+    }
+    return rest.empty() ? text : fmt::format("{}; not checked: {}", text, fmt::join(rest, ", "));
 }
 
 std::string summaryOf(const std::vector<Finding>& findings)

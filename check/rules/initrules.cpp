@@ -33,6 +33,14 @@ public:
 
     bool needsAnything() const { return !m_needed.files().isEmpty(); }
     int lacking() const { return int(m_lacks.size()); }
+    /// All names that the series needs and the file does not make.
+    std::vector<std::string> lackingNames() const
+    {
+        std::vector<std::string> names;
+        for (const Lack& lack : m_lacks)
+            names.push_back(utf8(lack.name));
+        return names;
+    }
 
     std::string firstLack;      ///< a name that the series needs and the file does not make
     std::string firstWrongSize; ///< a name that it makes in another size
@@ -223,7 +231,8 @@ void checkInit(const SeriesFacts& facts, Findings& findings)
     }
     const std::string text = differences(comparison);
     if (!text.empty())
-        findings.add(initOutdated, facts.initFile, 1, 1, text + ": load and save the series again");
+        findings.add(initOutdated, facts.initFile, 1, 1, text + ": load and save the series again",
+                     comparison.lackingNames());
 }
 
 RuleList initRules()

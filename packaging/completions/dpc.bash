@@ -15,11 +15,12 @@ _dpc() {
         [[ $word == @(check|explain|show|diff|roundtrip|init|export|run|report) ]] && { command=$word; break; }
     done
     case $command:$prev in
-        check:--format) COMPREPLY=($(compgen -W 'text json' -- "$cur")); return ;;
+        check:--format) COMPREPLY=($(compgen -W 'text json github' -- "$cur")); return ;;
         check:--no-rule) _dpc_rules; return ;;
         check:--hosts) _known_hosts_real -- "$cur"; return ;;
         check:--machines) :; return ;;
         check:--hosts-file) _filedir; return ;;
+        check:--color) COMPREPLY=($(compgen -W 'auto always never' -- "$cur")); return ;;
         show:--format) COMPREPLY=($(compgen -W 'text csv json' -- "$cur")); return ;;
         show:--host) _known_hosts_real -- "$cur"; return ;;
         show:--date) :; return ;;
@@ -49,7 +50,7 @@ _dpc() {
     case $command in
         '') COMPREPLY=($(compgen -W "check explain show diff roundtrip init export run report $options --version" -- "$cur"))
             return ;;
-        check) options+=' --format -q --quiet --no-rule --werror --hosts --machines --hosts-file --list-rules' operand='_filedir dpc' ;;
+        check) options+=' --format -q --quiet --no-rule --werror --hosts --machines --hosts-file --summary --color --list-rules' operand='_filedir dpc' ;;
         explain) options+='' operand='_dpc_rules' ;;
         show) options+=' --format --expand --host --date --iteration' operand='_filedir dpc' ;;
         diff) options+=' --format' operand='_filedir dpc' ;;

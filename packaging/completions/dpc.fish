@@ -17,13 +17,15 @@ complete -c dpc -n $none -a run -d 'run a series on fio, and account for every j
 complete -c dpc -n $none -a report -d 'show the results of runs'
 
 complete -c dpc -n '__fish_seen_subcommand_from check' -x -k -a '(__fish_complete_suffix .dpc)'
-complete -c dpc -n '__fish_seen_subcommand_from check' -l format -x -a 'text json' -d 'how to print the findings'
+complete -c dpc -n '__fish_seen_subcommand_from check' -l format -x -a 'text json github' -d 'how to print the findings'
 complete -c dpc -n '__fish_seen_subcommand_from check' -s q -l quiet -d 'print nothing'
 complete -c dpc -n '__fish_seen_subcommand_from check' -l no-rule -x -a '(dpc check --list-rules 2>/dev/null | string match -rg "^([^ ]+) \(")' -d 'leave out the findings of these rules, with commas between'
 complete -c dpc -n '__fish_seen_subcommand_from check' -l werror -d 'count warnings as errors for the exit status'
 complete -c dpc -n '__fish_seen_subcommand_from check' -l hosts -x -a '(__fish_print_hostnames)' -d 'the machines that run the series, with commas between'
 complete -c dpc -n '__fish_seen_subcommand_from check' -l machines -x -d 'so many machines, with the names machine01 and so on'
 complete -c dpc -n '__fish_seen_subcommand_from check' -l hosts-file -r -F -d 'the same from a file, one name or range per line'
+complete -c dpc -n '__fish_seen_subcommand_from check' -l summary -d 'tell at the end, on the error stream, how much was checked and what was not'
+complete -c dpc -n '__fish_seen_subcommand_from check' -l color -x -a 'auto always never' -d 'when to print in color'
 complete -c dpc -n '__fish_seen_subcommand_from check' -l list-rules -d 'print all rules, and end'
 
 complete -c dpc -n '__fish_seen_subcommand_from explain' -x -a '(dpc check --list-rules 2>/dev/null | string match -rg "^([^ ]+) \(")'

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+
+/// The config files in folders, each folder listed once: a folder of many series is asked for the
+/// files of each of them.
+class FolderNames
+{
+public:
+    /// Names of files that belong to a series by its name and that no load looks for, in their
+    /// order; see isBeyondSeries(). The folder ends in "/".
+    QStringList beyondSeries(const QString& folder, const QString& baseName);
+
+private:
+    /// Names that end in digits, by what comes before the digits.
+    using Index = QHash<QString, QStringList>;
+
+    static Index indexOf(const QString& folder);
+
+    QHash<QString, Index> m_folders;
+};
