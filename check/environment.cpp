@@ -53,6 +53,7 @@ PathStatus statusOfNothing(const QByteArray& path, int error)
         status.whyUnreadable = error == ELOOP ? "it is a link that leads back to itself"
                                               : "it is a link that leads nowhere";
     } else if (error == EACCES) {
+        status.isHidden = true;
         status.whyUnreadable = "you have no right to look into its folder";
     } else if (error == ENOENT || error == ENOTDIR) {
         status.whyUnreadable = "it does not exist";

@@ -2,7 +2,12 @@
 
 #include "configset/seriesname.h"
 
-#include <QDir>
+#include <QFile>
+
+#include <algorithm>
+#include <dirent.h>
+#include <memory>
+#include <sys/stat.h>
 
 namespace {
 
@@ -17,7 +22,40 @@ QString withoutDigits(const QString& baseName)
     return baseName.left(end);
 }
 
+mode_t modeOf(const QByteArray& path)
+{
+    struct stat info = {};
+    return ::stat(path.constData(), &info) == 0 ? info.st_mode : 0;
+}
+
+struct CloseFolder
+{
+    void operator()(DIR* folder) const { ::closedir(folder); }
+};
+
 } // namespace
+
+// Not by QDir, which leaves out names that are not UTF-8.
+std::vector<FolderEntry> configFilesIn(const QString& folder)
+{
+    std::vector<FolderEntry> entries;
+    const QByteArray path = QFile::encodeName(folder);
+    const std::unique_ptr<DIR, CloseFolder> stream(::opendir(path.constData()));
+    if (stream == nullptr)
+        return entries;
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): one thread
+    while (const dirent* const entry = ::readdir(stream.get())) {
+        const QString name = QFile::decodeName(entry->d_name);
+        if (name.startsWith('.') || !name.endsWith(extension, Qt::CaseInsensitive))
+            continue;
+        const mode_t mode = entry->d_type == DT_REG ? S_IFREG : modeOf(path + '/' + entry->d_name);
+        if (!S_ISDIR(mode))
+            entries.push_back({name, S_ISREG(mode)});
+    }
+    std::sort(entries.begin(), entries.end(),
+              [](const FolderEntry& a, const FolderEntry& b) { return a.name < b.name; });
+    return entries;
+}
 
 QStringList FolderNames::beyondSeries(const QString& folder, const QString& baseName)
 {
@@ -34,8 +72,10 @@ QStringList FolderNames::beyondSeries(const QString& folder, const QString& base
 FolderNames::Index FolderNames::indexOf(const QString& folder)
 {
     Index index;
-    const QStringList names = QDir(folder).entryList({"*" + extension}, QDir::Files, QDir::Name);
-    for (const QString& name : names) {
+    for (const FolderEntry& entry : configFilesIn(folder)) {
+        const QString& name = entry.name;
+        if (!entry.isRegular)
+            continue;
         const QString baseName = name.left(name.size() - extension.size());
         const QString key = withoutDigits(baseName);
         if (key.size() < baseName.size())

@@ -4,6 +4,19 @@
 #include <QString>
 #include <QStringList>
 
+#include <vector>
+
+/// A file in a folder.
+struct FolderEntry
+{
+    QString name;
+    bool isRegular = false; ///< not a pipe, and not a link that leads nowhere
+};
+
+/// All that could be a config file by its name, in capitals as well, sorted; no folders and nothing
+/// hidden. Names that are not UTF-8 are among them if keepForeignBytesInFileNames() was called.
+std::vector<FolderEntry> configFilesIn(const QString& folder);
+
 /// The config files in folders, each folder listed once: a folder of many series is asked for the
 /// files of each of them.
 class FolderNames

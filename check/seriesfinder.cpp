@@ -1,5 +1,7 @@
 #include "check/seriesfinder.h"
 
+#include "check/environment.h"
+#include "check/foldernames.h"
 #include "check/seriesfacts.h"
 #include "check/text.h"
 
@@ -44,6 +46,15 @@ bool anyExists(const SeriesName& name)
                        [](const QString& file) { return QFileInfo::exists(file); });
 }
 
+/// Why a folder can't be listed; empty if it can, or if there is none.
+std::string whyUnreadable(const QString& path)
+{
+    const PathStatus status = realEnvironment().look(path);
+    const bool isClosed = status.isFolder() && !QFileInfo(path).isReadable();
+    return isClosed ? fmt::format("{} can't be read: you have no right to read it", quoted(path))
+                    : std::string();
+}
+
 SeriesSearch searchFolder(const QString& path)
 {
     const QString shown = withSeparator(path);
@@ -51,9 +62,8 @@ SeriesSearch searchFolder(const QString& path)
     SeriesSearch search;
     std::set<QString> names;
     for (const QString& place : {QString(), waitFolder()}) {
-        // In capitals as well: such a file was meant to be one.
-        for (const QString& file :
-             QDir(folder + place).entryList({'*' + extension}, QDir::Files | QDir::System)) {
+        for (const FolderEntry& entry : configFilesIn(folder + place)) {
+            const QString& file = entry.name;
             const SeriesName name = seriesNameForLoading(folder + file);
             if (belongsTo(name, file))
                 names.insert(name.baseName);
@@ -64,7 +74,11 @@ SeriesSearch searchFolder(const QString& path)
     for (const QString& name : names)
         search.series.push_back({{folder, name}, shown});
     search.series = withoutDuplicates(search.series);
-    if (search.series.empty() && search.notLoaded.isEmpty())
+    if (!search.series.empty() || !search.notLoaded.isEmpty())
+        return search;
+    const std::string why = whyUnreadable(path);
+    search.problem = why.empty() ? whyUnreadable(shown + waitFolder().chopped(1)) : why;
+    if (search.problem.empty())
         search.problem = fmt::format("there are no config files in {}", quoted(path));
     return search;
 }
@@ -72,9 +86,12 @@ SeriesSearch searchFolder(const QString& path)
 SeriesSearch searchFile(const QString& path)
 {
     const QString file = absolute(path);
-    const bool exists = QFileInfo::exists(file);
+    const PathStatus status = realEnvironment().look(file);
+    const bool exists = status.exists();
+    if (status.isHidden)
+        return problem(fmt::format("{} can't be read: {}", quoted(path), status.whyUnreadable));
     if (!file.endsWith(extension))
-        return problem(exists ? fmt::format("{} is no config file: its name does not end in {}",
+        return problem(exists ? fmt::format("{} is not a config file: its name does not end in {}",
                                             quoted(path), configFileExtension)
                               : fmt::format("there is no file or folder {}", quoted(path)));
     const SeriesName name = seriesNameForLoading(file);

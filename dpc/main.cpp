@@ -1,10 +1,14 @@
 #include "dpc/commandline.h"
+#include "dpc/filenames.h"
 
+#include <array>
+#include <cerrno>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <iostream>
-#include <sys/ioctl.h>
+#include <streambuf>
 #include <unistd.h>
 
 namespace {
@@ -15,6 +19,16 @@ void setLocale()
     const char* const name = std::setlocale(LC_CTYPE, "");
     if (name == nullptr || std::strcmp(name, "C") == 0 || std::strcmp(name, "POSIX") == 0)
         std::setlocale(LC_CTYPE, "C.UTF-8");
+    keepForeignBytesInFileNames();
+}
+
+/// A file that is opened must not get the place of a standard stream that is closed.
+void occupyClosedStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(stream, F_GETFD) < 0 && ::open("/dev/null", O_RDONLY) != stream)
+            std::_Exit(exitUsage);
+    }
 }
 
 bool wantsColour()
@@ -26,26 +40,61 @@ bool wantsColour()
     return ::isatty(STDOUT_FILENO) == 1 && !refused && !isDumb;
 }
 
-/// Of the terminal that is written to; 0 if it is none.
-int lineWidth()
+/// Writes to standard output and remembers why it could not.
+class OutputBuffer : public std::streambuf
 {
-    winsize size{};
-    const bool isKnown = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0;
-    return ::isatty(STDOUT_FILENO) == 1 && isKnown ? size.ws_col : 0;
-}
+public:
+    OutputBuffer() { setp(m_bytes.data(), m_bytes.data() + m_bytes.size()); }
+
+    /// The first error of the system, 0 for none.
+    int error() const { return m_error; }
+
+protected:
+    int overflow(int character) override
+    {
+        if (sync() != 0)
+            return traits_type::eof();
+        if (!traits_type::eq_int_type(character, traits_type::eof()))
+            sputc(static_cast<char>(character));
+        return traits_type::not_eof(character);
+    }
+
+    int sync() override
+    {
+        const char* from = pbase();
+        while (from < pptr() && m_error == 0) {
+            const ssize_t written = ::write(STDOUT_FILENO, from, size_t(pptr() - from));
+            if (written >= 0)
+                from += written;
+            else if (errno != EINTR)
+                m_error = errno;
+        }
+        setp(m_bytes.data(), m_bytes.data() + m_bytes.size());
+        return m_error == 0 ? 0 : -1;
+    }
+
+private:
+    std::array<char, 65536> m_bytes{};
+    int m_error = 0;
+};
 
 } // namespace
 
 int main(int count, char** arguments)
 {
+    occupyClosedStreams();
     setLocale();
-    std::ios::sync_with_stdio(false);
+    OutputBuffer buffer;
+    std::ostream out(&buffer);
     const std::vector<std::string> typed(arguments + 1, arguments + count);
-    Output output{std::cout, std::cerr, wantsColour(), ::isatty(STDOUT_FILENO) == 1,
-                  ::isatty(STDERR_FILENO) == 1};
-    output.width = lineWidth();
+    const Output output{out, std::cerr, wantsColour(), ::isatty(STDOUT_FILENO) == 1,
+                        ::isatty(STDERR_FILENO) == 1};
     const int code = runDpc(typed, output);
-    std::cout.flush();
+    out.flush();
     // A full disk must not look like a clean series.
-    return std::cout.good() ? code : int(exitUsage);
+    if (buffer.error() == 0)
+        return code;
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): one thread
+    return fail(output,
+                std::string("standard output can't be written: ") + std::strerror(buffer.error()));
 }

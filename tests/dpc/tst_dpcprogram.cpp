@@ -1,0 +1,135 @@
+#include "tests/check/seriesfolder.h"
+#include "tests/support/files.h"
+
+#include <QProcess>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+/// The program itself, as a shell starts it.
+class TestDpcProgram : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_series.reset(new SeriesFolder);
+        m_series->put("a.dpc", goodLine({{1, "x"}}));
+    }
+
+    void saysWhyItCannotWrite_data()
+    {
+        QTest::addColumn<QByteArray>("redirection");
+        QTest::addColumn<QByteArray>("reason");
+        QTest::newRow("full") << QByteArray(">/dev/full") << QByteArray("No space left on device");
+        QTest::newRow("closed") << QByteArray(">&-") << QByteArray("Bad file descriptor");
+    }
+
+    void saysWhyItCannotWrite()
+    {
+        QFETCH(QByteArray, redirection);
+        QFETCH(QByteArray, reason);
+        const QByteArrayList commands = {"check a.dpc", "check --format=json a.dpc", "--help",
+                                         "show a.dpc", "init a.dpc"};
+        m_series->put("a.dpc", goodLine() + goodLine({{5, "1000"}}));
+        for (const QByteArray& command : commands) {
+            const Result result = shell("\"$dpc\" " + command + ' ' + redirection);
+            QCOMPARE(result.code, 2);
+            QVERIFY2(result.err.endsWith("dpc: standard output can't be written: " + reason + '\n'),
+                     result.err);
+        }
+    }
+
+    void nothingIsWrittenIntoFilesInPlaceOfClosedStreams()
+    {
+        const QByteArray before = test::contentOf(m_series->root() + "a.dpc");
+        shell("\"$dpc\" init --write a.dpc >&- 2>&- <&-");
+        shell("\"$dpc\" check a.dpc >&- 2>&- <&-");
+        QCOMPARE(test::contentOf(m_series->root() + "a.dpc"), before);
+    }
+
+    void namesThatAreNotUtf8CanBeGiven()
+    {
+        // A folder of letters in Latin-1, as old systems leave behind.
+        const QByteArray make = "d=$(printf 'pr\\374fung'); mkdir \"$d\"; cp a.dpc \"$d/a.dpc\"; ";
+        for (const char* locale : {"C.UTF-8", "C"}) {
+            const QByteArray set = QByteArray("rm -rf pr*; export LC_ALL=") + locale + "; ";
+            Result result = shell(set + make + "\"$dpc\" check \"$d\"");
+            QCOMPARE(result.code, 1);
+            QVERIFY2(result.out.startsWith("pr\\xFCfung/a.dpc:1:1: error: "), result.out);
+            QCOMPARE(result.out.count('\n'), 1);
+            result = shell(set + make + "\"$dpc\" check \"$d/b.dpc\"");
+            QCOMPARE(result.code, 2);
+            QVERIFY2(result.err.contains("'pr\\xFCfung/b.dpc'"), result.err);
+            // The same from inside of a folder, with a name of a file.
+            result = shell(set + "cp a.dpc \"$(printf '\\374.dpc')\"; \"$dpc\" check .");
+            QVERIFY2(result.out.contains("./\\xFC.dpc:1:1: error: "), result.out);
+            QVERIFY2(result.out.contains("./a.dpc:1:1: error: "), result.out);
+            shell("rm \"$(printf '\\374.dpc')\"");
+        }
+    }
+
+    void namesInUtf8StayAsTheyAre()
+    {
+        const Result result = shell("mkdir Pr\xC3\xBC"
+                                    "fung; cp a.dpc Pr*; \"$dpc\" check Pr*");
+        QVERIFY2(result.out.startsWith("Pr\xC3\xBC"
+                                       "fung/a.dpc:1:1: error: "),
+                 result.out);
+    }
+
+    void folderWithoutRightsSaysSo()
+    {
+        const Result folder = shell("mkdir secret; cp a.dpc secret; chmod 000 secret; " +
+                                    asNobody() + "\"$dpc\" check secret");
+        const Result file = shell(asNobody() + "\"$dpc\" check secret/a.dpc");
+        shell("chmod 700 secret");
+        QCOMPARE(folder.code, 2);
+        QCOMPARE(folder.err, QByteArray("dpc: 'secret' can't be read: you have no right to read "
+                                        "it\n"));
+        QCOMPARE(file.code, 2);
+        QCOMPARE(file.err,
+                 QByteArray("dpc: 'secret/a.dpc' can't be read: you have no right to look "
+                            "into its folder\n"));
+    }
+
+private:
+    struct Result
+    {
+        QByteArray out;
+        QByteArray err;
+        int code;
+    };
+
+    /// Root has every right.
+    QByteArray asNobody() const
+    {
+        if (::geteuid() != 0)
+            return {};
+        ::chmod(qPrintable(m_series->root()), 0755);
+        return "setpriv --reuid=65534 --regid=65534 --clear-groups ";
+    }
+
+    /// A command line in the folder of the series; "$dpc" is the program.
+    Result shell(const QByteArray& line) const
+    {
+        QProcess process;
+        process.setWorkingDirectory(m_series->root());
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("dpc", TWDP_DPC);
+        process.setProcessEnvironment(environment);
+        const QString script = m_folder.filePath("script");
+        test::put(script, line);
+        process.start("sh", {script});
+        process.waitForFinished(-1);
+        return {process.readAllStandardOutput(), process.readAllStandardError(),
+                process.exitCode()};
+    }
+
+    QTemporaryDir m_folder;
+    QScopedPointer<SeriesFolder> m_series;
+};
+
+QTEST_APPLESS_MAIN(TestDpcProgram)
+#include "tst_dpcprogram.moc"
