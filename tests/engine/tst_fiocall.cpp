@@ -154,8 +154,8 @@ void TestFioCall::stopsAtTheTimeout()
 void TestFioCall::killsAtTheSecondSignal()
 {
     const SignalGuard guard;
-    const FioExit exit = guard.run(
-        shell("trap 'kill -TERM $PPID' INT; kill -INT $PPID; while :; do sleep 0.05; done"));
+    const FioExit exit = guard.run(shell(
+        "trap 'kill -TERM $PPID' INT; kill -INT $PPID; while kill -0 $PPID; do sleep 0.05; done"));
     QCOMPARE(exit.stopped, StopReason::Interrupt);
     QVERIFY(exit.wasKilled);
 }
@@ -182,7 +182,7 @@ void TestFioCall::endsWithItsParent()
     const pid_t parent = test::startChild([&] {
         const SignalGuard guard;
         guard.run(shell("trap 'echo told > told; exit 0' INT; kill -KILL $PPID; "
-                        "while :; do sleep 0.05; done"));
+                        "while kill -0 $PPID; do sleep 0.05; done"));
     });
     ::close(pipe[1]);
     QVERIFY(!test::endedWell(parent));
