@@ -115,7 +115,11 @@ private:
             part |= QRect(widget->mapTo(central, QPoint()), widget->size());
         }
         constexpr int margin = 4;
-        return central->grab(part.adjusted(-margin, -margin, margin, margin));
+        part.adjust(-margin, -margin, margin, margin);
+        QPixmap picture(part.size());
+        picture.fill(central->palette().color(QPalette::Window));
+        central->render(&picture, QPoint(), part, QWidget::DrawChildren);
+        return picture;
     }
 
     QString m_root;
