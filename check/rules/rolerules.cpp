@@ -3,7 +3,7 @@
 #include "check/rules/usetexts.h"
 #include "check/text.h"
 
-#include <QHash>
+#include <QSet>
 
 #include <fmt/format.h>
 
@@ -46,6 +46,19 @@ constexpr Rule overwritesSeries = {
             "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
 
+constexpr Rule doneName = {
+    "done-name",
+    Severity::Warning,
+    "paths",
+    "A task writes a file that is named like the ones by which machines tell that they are done "
+    "with "
+    "a config file: it looks as if they were.",
+    "Name another file.",
+    oneFile(
+        "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/done_[host];  "
+        "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile(plainTask)};
+
 /// The roles of one file: how many uses each has, and the first.
 struct Roles
 {
@@ -78,6 +91,7 @@ private:
         const Roles roles = rolesOf(file);
         if (file.isOwn)
             sayOwn(file, roles);
+        sayDone(file, roles);
         const std::optional<TaskPath> results = either(roles, LogPath, CsvPath);
         const std::optional<TaskPath> data = either(roles, DestPath, SourcePath);
         if (results && data)
@@ -130,7 +144,7 @@ private:
         // One finding for all iterations; with [date] a later task has another file.
         if (m_said.contains(place) || (isDated && wrong.line != right.line))
             return;
-        m_said.insert(place, true);
+        m_said.insert(place);
         add(rule, wrong,
             fmt::format("{} is also {}: {}", quoted(m_uses.nameOf(wrong).text),
                         roleOf(m_facts, right), consequence));
@@ -149,6 +163,22 @@ private:
         }
     }
 
+    void sayDone(const UsedFile& file, const Roles& roles)
+    {
+        const UsedName& name = m_uses.names()[size_t(file.ways.empty() ? 0 : file.ways[0].name)];
+        if (file.ways.empty() || !name.text.endsWith("/done_[host]"))
+            return;
+        for (const TaskPath role : {DestPath, LogPath, CsvPath}) {
+            if (roles.first[role] < 0 || m_saidDone.contains(roles.first[role]))
+                continue;
+            m_saidDone.insert(roles.first[role]);
+            add(doneName, firstUse(roles, role),
+                fmt::format("{} is named like the file by which a machine tells that it is done "
+                            "with a config file; name another file",
+                            quoted(name.text)));
+        }
+    }
+
     void add(const Rule& rule, const FileUse& use, std::string text)
     {
         const LineFact& line = m_facts.lines[size_t(use.line)];
@@ -159,7 +189,8 @@ private:
     const FileUses& m_uses;
     Findings& m_findings;
     std::vector<std::array<int, taskPathCount>> m_counts{m_uses.names().size()}; ///< of each name
-    QHash<int, bool> m_said; ///< by line and role
+    QSet<int> m_said;     ///< by line and role
+    QSet<int> m_saidDone; ///< uses
 };
 
 constexpr Rule namesMeet = {
@@ -300,5 +331,5 @@ void checkRoles(const SeriesFacts& facts, const FileUses& uses, Findings& findin
 
 RuleList roleRules()
 {
-    return {&resultsOverData, &logIsCsv, &overwritesSeries, &namesMeet, &csvAcrossFiles};
+    return {&resultsOverData, &logIsCsv, &overwritesSeries, &doneName, &namesMeet, &csvAcrossFiles};
 }
