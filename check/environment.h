@@ -20,17 +20,17 @@ struct PathStatus
     };
 
     Kind kind = Kind::Nothing;
-    qint64 size = 0;           ///< bytes of a file
-    bool isHidden = false;     ///< nothing can be told: its folder may not be looked into
-    bool isReadable = false;   ///< by this user
-    bool isWritable = false;   ///< by this user
+    qint64 size = 0;         ///< bytes of a file
+    bool isHidden = false;   ///< nothing can be told: its folder may not be looked into
+    bool isReadable = false; ///< by this user
+    bool isWritable = false; ///< by this user
     /// Without links and dots; empty if there is nothing. Of a dead link where it leads, as far as
     /// that exists.
     QString canonical;
     quint64 fileSystem = 0; ///< together with `node` the same for all names of a file
     quint64 node = 0;
     bool hasOtherNames = false; ///< a file with several hard links
-    std::string whyUnreadable; ///< half a sentence, empty for a file that can be read
+    std::string whyUnreadable;  ///< half a sentence, empty for a file that can be read
 
     /// True if something is there that can be opened.
     bool exists() const { return kind != Kind::Nothing && kind != Kind::DeadLink; }

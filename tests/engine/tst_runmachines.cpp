@@ -233,7 +233,8 @@ void TestRunMachines::leavesTheFolderOfTheServerAsItIs()
     startServers();
     // Names that fio would give to files of its own.
     for (const char* name : {"s0-l1-i0.prerun.txt", "s0-l2-i0.prerun.txt", "guard-0.prerun.txt",
-                             "s0-logs-0.prerun.txt", "s0-l1-i0_bw.1.log", "local-0-verify.state"})
+                             "s0-logs-0.prerun.txt", "s0-l1-i0_bw.1.log", "local-0-verify.state",
+                             "output", "stage-0.txt", "stage-0.fio", "results.json"})
         test::put(m_servers[0]->seen(name), "canary");
     const test::Snapshot before = test::snapshotOf(m_servers[0]->seen("."));
     m_series->putSeries({{SeriesRun::line("", "[cfgPath]/[host].dat", 128),
