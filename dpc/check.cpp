@@ -48,8 +48,6 @@ An error means that the series does not run, or not as it was meant; a warning t
 
 Silence means that nothing was found in what was looked at. With --summary, and on a terminal, one line tells how many files, tasks and machines that are, and what was not checked.
 
-A line "RULE: reason" in a file dpc.rules, in the folder of a series outside _wait, turns a rule off for all series of the folder. "#" begins a comment.
-
 Findings about several machines need their names: --hosts or --hosts-file. If the names do not matter, --machines tells how many there are.)";
 
 constexpr const char* examples[] = {

@@ -1,5 +1,6 @@
 #include "dpc/help.h"
 
+#include "check/rulesfile.h"
 #include "dpc/commands.h"
 #include "dpc/options.h"
 
@@ -119,6 +120,8 @@ std::string mainHelp()
         text += fmt::format("    {:<10} {}\n", command->name, command->title);
     text += "\nOPTIONS\n" + optionText(versionOption) + optionText(helpOption) +
             statusText(mainSuccess, mainFindings);
+    text += fmt::format("\nFILES\n    {}\n", rulesFileName) +
+            wrapped(rulesFileMeaning, std::string(8, ' '));
     return text + fmt::format("\nENVIRONMENT\n    NO_COLOR   {}\n\nEXAMPLES\n", noColorMeaning) +
            "    dpc check mytest.dpc\n    dpc show --expand --host pc07 mytest.dpc\n"
            "    dpc check --help\n";

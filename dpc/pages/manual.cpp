@@ -1,3 +1,4 @@
+#include "check/rulesfile.h"
 #include "dpc/commands.h"
 #include "dpc/help.h"
 #include "dpc/options.h"
@@ -189,6 +190,8 @@ std::string manualPage()
     }
     text += fmt::format(".Sh ENVIRONMENT\n.Bl -tag -width NO_COLOR\n.It Ev NO_COLOR\n{}.El\n",
                         asSentence(noColorMeaning));
+    text += fmt::format(".Sh FILES\n.Bl -tag -width {0}\n.It Pa {0}\n{1}.El\n", rulesFileName,
+                        asSentence(rulesFileMeaning));
     text += ".Sh EXIT STATUS\n" + statuses() + ".Sh EXAMPLES\n";
     for (const Command* command : allCommands())
         text += literal({command->examples.begin(), command->examples.end()});
