@@ -142,7 +142,7 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
         if (event->type() == QEvent::FocusOut &&
-            static_cast<QFocusEvent*>(event)->reason() != Qt::OtherFocusReason)
+            dynamic_cast<QFocusEvent&>(*event).reason() != Qt::OtherFocusReason)
             set();
         return QObject::eventFilter(watched, event);
     }

@@ -29,9 +29,9 @@ QString firstLocalFile(const QMimeData& data)
 
 } // namespace
 
-QString toOsPath(const QString& file)
+QString toOsPath(const QString& path)
 {
-    return kvConvertPDToOS(file);
+    return kvConvertPDToOS(path);
 }
 
 QString pathOfLogFile(const QString& file)
@@ -95,9 +95,9 @@ bool PathField::eventFilter(QObject* watched, QEvent* event)
     case QEvent::DragEnter:
     case QEvent::DragMove:
     case QEvent::Drop: // the class of which all drags are
-        return dropFile(*static_cast<QDropEvent*>(event));
+        return dropFile(dynamic_cast<QDropEvent&>(*event));
     case QEvent::InputMethod:
-        return commit(*static_cast<QInputMethodEvent*>(event));
+        return commit(dynamic_cast<QInputMethodEvent&>(*event));
     default:
         return QObject::eventFilter(watched, event);
     }

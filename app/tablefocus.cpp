@@ -54,7 +54,7 @@ public:
             m_frame.setGeometry(m_table.viewport()->geometry());
             m_frame.show();
             m_frame.raise();
-            return enter(*static_cast<QFocusEvent*>(event));
+            return enter(dynamic_cast<QFocusEvent&>(*event));
         }
         return QObject::eventFilter(watched, event);
     }

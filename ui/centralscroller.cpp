@@ -100,13 +100,13 @@ void CentralScroller::place()
 bool CentralScroller::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::FocusIn && watched->isWidgetType()) {
-        follow(*static_cast<QFocusEvent*>(event), *static_cast<QWidget*>(watched));
+        follow(dynamic_cast<QFocusEvent&>(*event), dynamic_cast<QWidget&>(*watched));
     } else if (event->type() == QEvent::Move && watched == m_window.centralWidget()) {
         place(); // The window's own layout has put it back to where it would be without scroll
                  // bars.
     } else if (event->type() == QEvent::Wheel &&
-               isForForm(*watched, *static_cast<QWheelEvent*>(event))) {
-        scroll(*static_cast<QWheelEvent*>(event));
+               isForForm(*watched, dynamic_cast<QWheelEvent&>(*event))) {
+        scroll(dynamic_cast<QWheelEvent&>(*event));
         return true;
     }
     return QObject::eventFilter(watched, event);

@@ -9,12 +9,12 @@ namespace {
 
 // Does not believe minimum widths: a group box that has one of its own hides there what the texts
 // in it need.
-int leastWidth(const QLayoutItem& item)
+int leastWidth(QLayoutItem& item)
 {
     int width = item.minimumSize().width();
-    if (const QWidget* widget = const_cast<QLayoutItem&>(item).widget())
+    if (const QWidget* widget = item.widget())
         return std::max(width, widget->minimumSizeHint().width());
-    const auto* column = qobject_cast<const QVBoxLayout*>(const_cast<QLayoutItem&>(item).layout());
+    const auto* column = qobject_cast<const QVBoxLayout*>(item.layout());
     if (column != nullptr) {
         const QMargins margins = column->contentsMargins();
         for (int i = 0; i < column->count(); ++i)
@@ -36,7 +36,7 @@ int leastHeight(const QLayoutItem& column, int width)
 class MeasuredColumn final : public QLayoutItem
 {
 public:
-    explicit MeasuredColumn(const QLayoutItem& column)
+    explicit MeasuredColumn(QLayoutItem& column)
         : m_column(column)
     {}
 
@@ -52,7 +52,7 @@ public:
     void setGeometry(const QRect& geometry) override { m_geometry = geometry; }
 
 private:
-    const QLayoutItem& m_column;
+    QLayoutItem& m_column;
     QRect m_geometry;
 };
 
