@@ -10,16 +10,19 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <iterator>
+#include <optional>
 
 namespace {
 
-/// Why a path that leads to a series is no good; empty where it is.
+/// Why a path that leads to a series can't be used; empty if it can.
 std::string problemWith(const QString& chosen)
 {
-    const QFileInfo file(chosen);
-    const bool isBad = file.exists() && !file.isDir() && !(file.isFile() && file.isReadable());
-    return isBad ? fmt::format("{} can't be read", quoted(chosen)) : std::string();
+    const PathStatus status = realEnvironment().look(chosen);
+    const bool isBad = status.exists() && !status.isFolder() && !status.whyUnreadable.empty();
+    return isBad ? fmt::format("{} can't be read: {}", quoted(chosen), status.whyUnreadable)
+                 : std::string();
 }
 
 /// Adds what a path leads to.
@@ -33,6 +36,12 @@ void addSearch(SeriesSearch& all, const QString& path, CheckResult& result)
     }
     all.series.insert(all.series.end(), search.series.begin(), search.series.end());
     all.notLoaded += search.notLoaded;
+}
+
+bool hasCopies(const SeriesFacts& facts)
+{
+    return std::any_of(facts.files.begin(), facts.files.end(),
+                       [](const FileFact& file) { return file.isCopy; });
 }
 
 template <typename T>
@@ -84,19 +93,24 @@ std::vector<Finding> checkSeries(const SeriesFacts& facts, const CheckOptions& o
     Findings findings(facts, options.rulesOff);
     if (checkFolderLetters(facts, findings))
         return findings.takeSorted();
-    checkLines(facts, findings);
-    checkNumbers(facts, findings);
-    const FileUses uses(facts, options.hosts, options.environment);
-    checkPaths(facts, findings);
-    checkFolders(facts, uses, findings);
-    checkSources(facts, uses, findings);
-    checkOverwrites(facts, uses, findings);
-    checkRoles(facts, uses, findings);
     checkFiles(facts, findings);
-    checkMarkers(facts, findings);
-    checkInit(facts, findings);
-    checkMachines(facts, uses, findings);
-    checkSpace(facts, uses, options.environment, findings);
+    checkMarkers(facts, options, findings);
+    std::optional<SeriesFacts> reduced;
+    if (hasCopies(facts))
+        reduced = withoutCopies(facts);
+    const SeriesFacts& once = reduced ? *reduced : facts;
+    const FileUses uses(once, options.hosts, options.environment);
+    checkLines(once, findings);
+    checkNumbers(once, findings);
+    checkPaths(once, options, findings);
+    checkVariables(once, options, findings);
+    checkFolders(once, uses, findings);
+    checkSources(once, uses, findings);
+    checkOverwrites(once, uses, findings);
+    checkRoles(once, uses, findings);
+    checkInit(once, uses, options.environment, findings);
+    checkMachines(once, uses, findings);
+    checkSpace(once, uses, options.environment, findings);
     return findings.takeSorted();
 }
 

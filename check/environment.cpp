@@ -72,7 +72,7 @@ PathStatus look(const QString& path)
     PathStatus status;
     status.kind = kindOf(info.st_mode);
     status.size = S_ISREG(info.st_mode) ? info.st_size : 0;
-    status.isReadable = ::access(name.constData(), R_OK) == 0;
+    status.isReadable = ::access(name.constData(), status.isFolder() ? R_OK | X_OK : R_OK) == 0;
     status.isWritable = ::access(name.constData(), W_OK) == 0;
     status.canonical = QFileInfo(path).canonicalFilePath();
     status.fileSystem = info.st_dev;

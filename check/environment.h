@@ -22,7 +22,7 @@ struct PathStatus
     Kind kind = Kind::Nothing;
     qint64 size = 0;         ///< bytes of a file
     bool isHidden = false;   ///< nothing can be told: its folder may not be looked into
-    bool isReadable = false; ///< by this user
+    bool isReadable = false; ///< by this user; a folder can be listed and entered
     bool isWritable = false; ///< by this user
     /// Without links and dots; empty if there is nothing. Of a dead link where it leads, as far as
     /// that exists.

@@ -75,13 +75,15 @@ constexpr RuleExample withSpace(std::int64_t mib, RuleExample example)
 /// function that checks it, and is known by its address.
 struct Rule
 {
-    const char* name; ///< lowercase words with "-" between; scripts turn rules off by it
-    Severity severity;
+    const char* name;     ///< lowercase words with "-" between; scripts turn rules off by it
+    Severity severity;    ///< of most findings, and the worst of all
     const char* category; ///< lines, paths, series or machines
     const char* meaning;  ///< one or two sentences
-    const char* advice;   ///< what to do about a finding, one sentence
-    RuleExample hit;      ///< a series in which the rule finds something
-    RuleExample miss;     ///< a series in which it finds nothing
+    /// What to do about a finding: a clause in the imperative, without a capital and a full stop.
+    /// It ends messages that have no advice of their own.
+    const char* advice;
+    RuleExample hit;  ///< a series in which the rule finds something
+    RuleExample miss; ///< a series in which it finds nothing
 };
 
 /// Rules in the order in which they are listed.

@@ -60,10 +60,16 @@ std::string indented(const std::string& text)
     return result;
 }
 
+std::string sentence(std::string clause)
+{
+    clause[0] = clause[0] >= 'a' && clause[0] <= 'z' ? char(clause[0] - 32) : clause[0];
+    return clause + '.';
+}
+
 std::string head(const Rule& rule)
 {
     return fmt::format("{} ({}, {})\n    {}\n    {}\n", rule.name, severityName(rule.severity),
-                       rule.category, rule.meaning, rule.advice);
+                       rule.category, rule.meaning, sentence(rule.advice));
 }
 
 std::string anchorTable()
@@ -114,7 +120,7 @@ std::string rulesAsMarkdown()
     for (const Rule* rule : allRules())
         text += fmt::format("\n## {}\n\n{} {}\n\nThe rule finds something in\n\n```text\n{}```\n\n"
                             "and nothing in\n\n```text\n{}```\n",
-                            rule->name, rule->meaning, rule->advice, exampleAsText(rule->hit),
-                            exampleAsText(rule->miss));
+                            rule->name, rule->meaning, sentence(rule->advice),
+                            exampleAsText(rule->hit), exampleAsText(rule->miss));
     return text;
 }

@@ -1,11 +1,14 @@
 #include "check/seriesfacts.h"
 
+#include "check/environment.h"
 #include "configset/configfilereader.h"
+#include "model/methods.h"
 #include "model/pathvariables.h"
 #include "shared/kvpath.h"
 #include "shared/kvtext.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -36,17 +39,53 @@ void noteLine(FileFact& file, const ConfigFileReader& reader, qint64& offset)
     file.lineCount = reader.lineNumber();
 }
 
+/// True for the beginning of a task line that lacks fields.
+bool isPartOfTask(const QByteArray& text)
+{
+    const QByteArray method = text.left(text.indexOf(';')).trimmed();
+    return text.count(';') < taskLineFieldCount - 1 &&
+           std::any_of(std::begin(ioMethods), std::end(ioMethods),
+                       [&](const MethodInfo& known) { return method == known.name; });
+}
+
+/// Marks the lines of a task that stands in several, because a path was pasted with its line end.
+void markSplitTasks(std::vector<LineFact>& lines)
+{
+    for (size_t first = 0; first < lines.size(); ++first) {
+        if (!isPartOfTask(lines[first].text))
+            continue;
+        int separators = lines[first].text.count(';');
+        size_t next = first + 1;
+        while (next < lines.size() && lines[next].file == lines[first].file &&
+               lines[next].kind == LineFact::Kind::Rejected && separators < taskLineFieldCount - 1)
+            separators += lines[next++].text.count(';');
+        const bool isWhole =
+            separators == taskLineFieldCount ||
+            (separators == taskLineFieldCount - 1 && !lines[next - 1].text.endsWith(';'));
+        if (!isWhole || next == first + 1)
+            continue;
+        lines[first].splitEnd = lines[next - 1].line;
+        for (size_t rest = first + 1; rest < next; ++rest)
+            lines[rest].isRest = true;
+        first = next - 1;
+    }
+}
+
 /// Reads the lines of one file into the facts.
 class FileScanner
 {
 public:
-    FileScanner(SeriesFacts& facts, FileFact& file, int index, int entryLimit)
+    /// Into the given lines.
+    FileScanner(SeriesFacts& facts, std::vector<LineFact>& lines, FileFact& file, int index,
+                int entryLimit)
         : m_facts(facts)
+        , m_lines(lines)
         , m_file(file)
         , m_index(index)
         , m_entryLimit(entryLimit)
         , m_path(kvToString8<maxPath>(file.path))
-        , m_takesInfo(std::all_of(facts.info.begin(), facts.info.end(),
+        , m_takesInfo(!file.isInit() &&
+                      std::all_of(facts.info.begin(), facts.info.end(),
                                   [](const std::string& text) { return text.empty(); }))
     {}
 
@@ -54,7 +93,9 @@ public:
     {
         ConfigFileReader reader(m_path);
         m_file.readable = reader.isOpen();
-        m_file.firstEntry = m_file.endEntry = int(m_facts.lines.size());
+        if (!m_file.readable)
+            m_file.whyUnreadable = realEnvironment().look(m_file.path).whyUnreadable;
+        m_file.firstEntry = m_file.endEntry = int(m_lines.size());
         _kvString<maxLine> line;
         qint64 offset = 0;
         while (!m_facts.limitReached && reader.readLine(line)) {
@@ -62,7 +103,7 @@ public:
             scanLine(line, reader.lineLength(), reader.lineNumber());
         }
         m_file.wasCut = reader.fileWasCut();
-        m_file.endEntry = int(m_facts.lines.size());
+        m_file.endEntry = int(m_lines.size());
     }
 
 private:
@@ -87,11 +128,11 @@ private:
             m_facts.info.push_back(kvToQString(line).toStdString());
         else if (m_takesInfo && m_facts.infoCut.line == 0)
             m_facts.infoCut = {m_index, fact.line};
-        const bool isWhole = fact.length < maxLine && !fact.hasZero;
+        fact.text = latin1(line);
+        const bool isWhole = fact.length < maxLine && !fact.hasZero && !isPartOfTask(fact.text);
         if (isWhole || ++m_facts.brokenComments > maxSeriesComments)
             return;
-        fact.text = latin1(line);
-        m_facts.lines.push_back(fact);
+        m_lines.push_back(fact);
     }
 
     void scanEntry(LineFact& fact, const _kvString<maxLine>& line)
@@ -112,7 +153,7 @@ private:
         } else {
             takeTask(fact, line);
         }
-        m_facts.lines.push_back(fact);
+        m_lines.push_back(fact);
     }
 
     void takeTask(LineFact& fact, const _kvString<maxLine>& line)
@@ -128,6 +169,7 @@ private:
     }
 
     SeriesFacts& m_facts;
+    std::vector<LineFact>& m_lines;
     FileFact& m_file;
     int m_index;
     int m_entryLimit;
@@ -136,17 +178,14 @@ private:
     TestTask m_task;
 };
 
-/// Reads an "_init" file: what its lines create, those that are commented out included.
-void readInit(SeriesFacts& facts, FileFact& file, int entryLimit)
+/// Reads what the lines of an "_init" file create, those that are commented out included.
+void readInit(SeriesFacts& facts, const FileFact& file, int entryLimit)
 {
     const auto path = kvToString8<maxPath>(file.path);
     ConfigFileReader reader(path);
-    file.readable = reader.isOpen();
     _kvString<maxLine> line;
     TestTask task;
-    qint64 offset = 0;
     while (facts.init.size() < entryLimit && reader.readLine(line)) {
-        noteLine(file, reader, offset);
         const ConfigLine kind = takeConfigLine(line);
         if (kind == ConfigLine::Blank || !readTaskLineAsIs(task, line, path) ||
             task.waitForNextConfig || task.destPath.isEmpty())
@@ -159,7 +198,7 @@ void readInit(SeriesFacts& facts, FileFact& file, int entryLimit)
     }
 }
 
-/// With the folder as the user spells it; the companion may lie one folder above that.
+/// With the folder as the user spells it; the _init file may lie one folder above that.
 QString shownPath(const SeriesFacts& facts, const QString& path)
 {
     if (path.startsWith(facts.name.folder))
@@ -170,16 +209,22 @@ QString shownPath(const SeriesFacts& facts, const QString& path)
                : facts.shownFolder + "../" + name;
 }
 
-void addFile(SeriesFacts& facts, const QString& path, int number, bool waits, bool isRead)
+void addFile(SeriesFacts& facts, const QString& path, int number, bool waits, FileRole role)
 {
     FileFact file;
+    file.role = role;
     file.path = path;
     file.shown = shownPath(facts, path);
     file.number = number;
     file.waits = waits;
-    file.isRead = isRead;
     file.size = QFileInfo(path).size();
     facts.files.push_back(file);
+}
+
+/// A link that leads nowhere is there as well, and can't be read.
+bool isThere(const QString& path)
+{
+    return QFileInfo::exists(path) || QFileInfo(path).isSymLink();
 }
 
 void findFiles(SeriesFacts& facts, FolderNames& folderNames)
@@ -188,28 +233,69 @@ void findFiles(SeriesFacts& facts, FolderNames& folderNames)
     for (int number = 0; number < seriesFileCount; ++number) {
         for (const QString& folder : folders) {
             const QString path = seriesFile(folder, facts.name.baseName, number);
-            // A link that leads nowhere is there as well, and can't be read.
-            if (QFileInfo::exists(path) || QFileInfo(path).isSymLink())
-                addFile(facts, path, number, folder != folders[0], true);
+            if (isThere(path))
+                addFile(facts, path, number, folder != folders[0], FileRole::Series);
         }
     }
     for (const QString& folder : folders) {
         const QStringList names = folderNames.beyondSeries(folder, facts.name.baseName);
         for (const QString& name : names)
-            addFile(facts, folder + name, seriesFileCount, folder != folders[0], false);
+            addFile(facts, folder + name, seriesFileCount, folder != folders[0], FileRole::Beyond);
     }
 }
 
-/// A series that was opened inside "_wait" has its companion beside that folder.
+/// The "_init" file lies beside "_wait", also if the series was opened inside of it.
 void findInit(SeriesFacts& facts)
 {
-    for (const QString& folder : {facts.name.folder, facts.runFolder}) {
-        const QString path = initFile({folder, facts.name.baseName});
-        if (facts.initFile < 0 && QFileInfo(path).isFile()) {
-            facts.initFile = int(facts.files.size());
-            addFile(facts, path, seriesFileCount, false, false);
-        }
+    const QString path = initFile({facts.runFolder, facts.name.baseName});
+    if (isThere(path)) {
+        facts.initFile = int(facts.files.size());
+        addFile(facts, path, seriesFileCount, false, FileRole::Init);
     }
+    const QString other = initFile({facts.runFolder + waitFolder(), facts.name.baseName});
+    if (isThere(other))
+        addFile(facts, other, seriesFileCount, true, FileRole::OtherInit);
+}
+
+void findClosedWaitFolder(SeriesFacts& facts)
+{
+    const PathStatus status = realEnvironment().look(facts.name.folder + waitFolder().chopped(1));
+    if (!status.isFolder() || status.isReadable)
+        return;
+    addFile(facts, facts.name.folder + waitFolder(), seriesFileCount, false, FileRole::WaitFolder);
+    facts.files.back().whyUnreadable = "you have no right to look into it";
+}
+
+bool haveSameBytes(const QString& first, const QString& second)
+{
+    QFile a(first);
+    QFile b(second);
+    if (!a.open(QIODevice::ReadOnly) || !b.open(QIODevice::ReadOnly) || a.size() != b.size())
+        return false;
+    constexpr qint64 piece = 1 << 16;
+    while (!a.atEnd()) {
+        if (a.read(piece) != b.read(piece))
+            return false;
+    }
+    return true;
+}
+
+/// A run starts a file by copying it out of "_wait".
+void noteCopies(SeriesFacts& facts)
+{
+    for (size_t i = 1; i < facts.files.size(); ++i) {
+        FileFact& file = facts.files[i];
+        const FileFact& before = facts.files[i - 1];
+        file.isCopy = file.isRead() && before.isRead() && file.number == before.number &&
+                      file.readable && before.readable && haveSameBytes(before.path, file.path);
+    }
+}
+
+/// With a limit of its own: it is not part of what a load reads.
+void scanInit(SeriesFacts& facts, FileFact& file, int entryLimit)
+{
+    SeriesFacts own;
+    FileScanner(own, facts.initLines, file, facts.initFile, entryLimit).scan();
 }
 
 long long namesOf(const SeriesFacts& facts)
@@ -268,15 +354,47 @@ SeriesFacts readSeries(const SeriesName& name, const QString& shownFolder, const
     facts.isInit = name.baseName.endsWith(QLatin1String(initFileSuffix));
     FolderNames ownNames;
     findFiles(facts, names == nullptr ? ownNames : *names);
-    for (size_t i = 0; i < facts.files.size(); ++i) {
-        if (facts.files[i].isRead)
-            FileScanner(facts, facts.files[i], int(i), limits.entries).scan();
-    }
     if (!facts.isInit)
         findInit(facts);
-    if (facts.initFile >= 0)
-        readInit(facts, facts.files[size_t(facts.initFile)], limits.entries);
+    findClosedWaitFolder(facts);
+    for (size_t i = 0; i < facts.files.size(); ++i) {
+        FileFact& file = facts.files[i];
+        if (file.isRead())
+            FileScanner(facts, facts.lines, file, int(i), limits.entries).scan();
+    }
+    if (facts.initFile >= 0) {
+        FileFact& file = facts.files[size_t(facts.initFile)];
+        scanInit(facts, file, limits.entries);
+        readInit(facts, file, limits.entries);
+    }
+    noteCopies(facts);
+    markSplitTasks(facts.lines);
+    markSplitTasks(facts.initLines);
     facts.nameCount = namesOf(facts);
     facts.iterationLimit = facts.nameCount > limits.names ? 1 : INT32_MAX;
     return facts;
+}
+
+const FileFact* SeriesFacts::closedWaitFolder() const
+{
+    const auto found = std::find_if(files.begin(), files.end(), [](const FileFact& file) {
+        return file.role == FileRole::WaitFolder;
+    });
+    return found == files.end() ? nullptr : &*found;
+}
+
+SeriesFacts withoutCopies(const SeriesFacts& facts)
+{
+    SeriesFacts result = facts;
+    result.lines.clear();
+    for (FileFact& file : result.files) {
+        if (!file.isRead())
+            continue;
+        const auto begin = facts.lines.begin() + file.firstEntry;
+        const auto end = file.isCopy ? begin : facts.lines.begin() + file.endEntry;
+        file.firstEntry = int(result.lines.size());
+        result.lines.insert(result.lines.end(), begin, end);
+        file.endEntry = int(result.lines.size());
+    }
+    return result;
 }

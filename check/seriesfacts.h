@@ -45,7 +45,7 @@ enum TaskPath
 constexpr int firstPathField = SourceField;
 
 /// A line that holds something: a task, a marker, a line that the reader rejects, or a comment that
-/// was cut.
+/// was cut or begins like a task.
 struct LineFact
 {
     /// What the line is.
@@ -65,6 +65,8 @@ struct LineFact
     bool hasZero = false;
     QByteArray text; ///< as the reader was given it: trimmed, cut
     int taskNumber = 0;
+    int splitEnd = 0;    ///< the last line of a task that line ends split, in its first one
+    bool isRest = false; ///< belongs to such a task, and is not its first line
 
     // Of tasks and rejected lines only.
     TaskLineFields fields;
@@ -96,17 +98,29 @@ inline bool isTask(const LineFact& line)
     return line.kind == LineFact::Kind::Task;
 }
 
+/// What a file is to the series.
+enum class FileRole
+{
+    Series,    ///< a config file that a load reads
+    Beyond,    ///< a config file with a number that no load looks for
+    Init,      ///< the "_init" file
+    OtherInit, ///< an "_init" file inside of "_wait", which nobody runs
+    WaitFolder ///< the folder "_wait", if it can't be looked into
+};
+
 /// A file of the series, whether a load reads it or not.
 struct FileFact
 {
+    FileRole role = FileRole::Series;
     QString path;       ///< absolute
     QString shown;      ///< as the user spells the folder
     int number = 0;     ///< in the series, from 0
     bool waits = false; ///< lies in "_wait"
-    bool isRead = true; ///< false for a number that no load looks for, and for the "_init" file
     bool readable = false;
-    qint64 size = 0;     ///< bytes
-    bool wasCut = false; ///< the reader's limit came first
+    std::string whyUnreadable; ///< half a sentence, empty for a file that was read
+    bool isCopy = false;       ///< has the bytes of the file of its number outside of "_wait"
+    qint64 size = 0;           ///< bytes
+    bool wasCut = false;       ///< the reader's limit came first
     int lineAtLimit = 0; ///< the line that holds the last character of a saved file, 0 if none
     int columnAtLimit = 0;
     int lineCount = 0;
@@ -114,6 +128,11 @@ struct FileFact
     int endEntry = 0;   ///< one after its last
     int tasks = 0;
     int markers = 0;
+
+    /// True for a config file that a load reads.
+    bool isRead() const { return role == FileRole::Series; }
+    /// True for an "_init" file.
+    bool isInit() const { return role == FileRole::Init || role == FileRole::OtherInit; }
 };
 
 /// One line of the "_init" file.
@@ -137,13 +156,14 @@ struct SeriesFacts
     SeriesName name;     ///< with an absolute folder
     QString shownFolder; ///< as the user spells it
     QString runFolder;   ///< where the files lie when they run: outside "_wait"
-    bool isInit = false; ///< the companion was chosen itself
+    bool isInit = false; ///< the _init file was chosen itself
     std::vector<FileFact> files;
-    std::vector<LineFact> lines;
-    std::vector<std::string> info; ///< comments that a load shows as the info text
-    LinePlace infoCut;             ///< the first comment that a load leaves out of it
-    int brokenComments = 0;        ///< that are cut or hold a zero byte; not all are kept
-    int initFile = -1;             ///< its place among the files, -1 if there is none
+    std::vector<LineFact> lines;     ///< of config files
+    std::vector<LineFact> initLines; ///< of the _init file
+    std::vector<std::string> info;   ///< comments that a load shows as the info text
+    LinePlace infoCut;               ///< the first comment that a load leaves out of it
+    int brokenComments = 0;          ///< that are cut or hold a zero byte; not all are kept
+    int initFile = -1;               ///< its place among the files, -1 if there is none
     QHash<QByteArray, InitEntry> init;
     int entryCount = 0;        ///< tasks, markers and rejected lines
     bool limitReached = false; ///< there are more entries than a load takes
@@ -155,6 +175,10 @@ struct SeriesFacts
 
     /// The file that holds a line.
     const FileFact& fileOf(const LineFact& line) const { return files[size_t(line.file)]; }
+    /// True for a line of an "_init" file, which is not made in the form.
+    bool isOfInit(const LineFact& line) const { return isInit || fileOf(line).isInit(); }
+    /// The "_wait" folder that can't be looked into, or null.
+    const FileFact* closedWaitFolder() const;
 };
 
 /// How many names a path stands for.
@@ -171,3 +195,6 @@ struct ReadLimits
 /// Whoever reads several series of a folder keeps the `names`, so that the folder is listed once.
 SeriesFacts readSeries(const SeriesName& name, const QString& shownFolder,
                        const ReadLimits& limits = {}, FolderNames* names = nullptr);
+
+/// The same series without the lines of files that are copies of others: what a run has to do once.
+SeriesFacts withoutCopies(const SeriesFacts& facts);

@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <utility>
 
@@ -46,13 +47,24 @@ bool anyExists(const SeriesName& name)
                        [](const QString& file) { return QFileInfo::exists(file); });
 }
 
-/// Why a folder can't be listed; empty if it can, or if there is none.
-std::string whyUnreadable(const QString& path)
+/// Why a path can't be looked at; empty if it can.
+std::string obstacleAt(const QString& path)
 {
     const PathStatus status = realEnvironment().look(path);
-    const bool isClosed = status.isFolder() && !QFileInfo(path).isReadable();
-    return isClosed ? fmt::format("{} can't be read: you have no right to read it", quoted(path))
-                    : std::string();
+    return status.isFolder() && !status.isReadable ? "you have no right to look into it"
+                                                   : std::string();
+}
+
+std::string whyEmpty(const QString& shown, const QString& folder)
+{
+    for (const QString& place : {QString(), waitFolder()}) {
+        const std::string obstacle = obstacleAt(folder + place);
+        if (!obstacle.empty())
+            return fmt::format("{} can't be read: {}",
+                               quoted(place.isEmpty() ? shown : withSeparator(shown) + place),
+                               obstacle);
+    }
+    return fmt::format("there are no config files in {}", quoted(shown));
 }
 
 SeriesSearch searchFolder(const QString& path)
@@ -74,13 +86,18 @@ SeriesSearch searchFolder(const QString& path)
     for (const QString& name : names)
         search.series.push_back({{folder, name}, shown});
     search.series = withoutDuplicates(search.series);
-    if (!search.series.empty() || !search.notLoaded.isEmpty())
-        return search;
-    const std::string why = whyUnreadable(path);
-    search.problem = why.empty() ? whyUnreadable(shown + waitFolder().chopped(1)) : why;
-    if (search.problem.empty())
-        search.problem = fmt::format("there are no config files in {}", quoted(path));
+    if (search.series.empty() && search.notLoaded.isEmpty())
+        search.problem = whyEmpty(path, folder);
     return search;
+}
+
+/// That a file is not there, or why that can't be told.
+std::string whyMissing(const QString& path, const char* sentence)
+{
+    const PathStatus status = realEnvironment().look(path);
+    if (status.isHidden)
+        return fmt::format("{} can't be read: {}", quoted(path), status.whyUnreadable);
+    return fmt::format(fmt::runtime(sentence), quoted(path));
 }
 
 SeriesSearch searchFile(const QString& path)
@@ -93,14 +110,14 @@ SeriesSearch searchFile(const QString& path)
     if (!file.endsWith(extension))
         return problem(exists ? fmt::format("{} is not a config file: its name does not end in {}",
                                             quoted(path), configFileExtension)
-                              : fmt::format("there is no file or folder {}", quoted(path)));
+                              : whyMissing(path, "there is no file or folder {}"));
     const SeriesName name = seriesNameForLoading(file);
     if (exists && !belongsTo(name, file.mid(file.lastIndexOf('/') + 1)))
         return problem(fmt::format("the editor would not load {}: by its name it looks for {}",
                                    quoted(path), quoted(name.baseName + extension)));
     if (!exists && !anyExists(name))
         return problem(
-            fmt::format("there is no file {}, and no file of a series of that name", quoted(path)));
+            whyMissing(path, "there is no file {}, and no file of a series of that name"));
     return {{{name, path.left(path.lastIndexOf('/') + 1)}}, {}, {}};
 }
 
@@ -124,19 +141,41 @@ SeriesSearch findOneSeries(const QString& path)
                                search.series.size(), quoted(path)));
 }
 
+namespace {
+
+/// What tells series apart: one that was opened in "_wait" is that of the folder above.
+std::pair<QString, QString> identityOf(const SeriesName& name)
+{
+    const QString folder = name.folder.endsWith('/' + waitFolder())
+                               ? name.folder.chopped(waitFolder().size())
+                               : name.folder;
+    const QString canonical = QFileInfo(folder).canonicalFilePath();
+    return {canonical.isEmpty() ? folder : canonical, name.baseName};
+}
+
+bool isInWaitFolder(const SeriesName& name)
+{
+    return name.folder.endsWith('/' + waitFolder());
+}
+
+} // namespace
+
 std::vector<FoundSeries> withoutDuplicates(const std::vector<FoundSeries>& series)
 {
     const QString initEnd = QString::fromLatin1(initFileSuffix);
-    std::set<std::pair<QString, QString>> left;
-    for (const FoundSeries& found : series)
-        left.insert({found.name.folder, found.name.baseName});
-    std::vector<FoundSeries> result;
-    const std::set<std::pair<QString, QString>> all = left;
+    // The folder above reads the files in "_wait" as well, and not the other way round.
+    std::map<std::pair<QString, QString>, const FoundSeries*> best;
     for (const FoundSeries& found : series) {
-        const auto& [folder, name] = found.name;
+        const FoundSeries*& known = best[identityOf(found.name)];
+        if (known == nullptr || (isInWaitFolder(known->name) && !isInWaitFolder(found.name)))
+            known = &found;
+    }
+    std::vector<FoundSeries> result;
+    for (const FoundSeries& found : series) {
+        const auto [folder, name] = identityOf(found.name);
         const bool isInit =
-            name.endsWith(initEnd) && all.count({folder, name.chopped(initEnd.size())}) > 0;
-        if (!isInit && left.erase({folder, name}) > 0)
+            name.endsWith(initEnd) && best.count({folder, name.chopped(initEnd.size())}) > 0;
+        if (!isInit && best[{folder, name}] == &found)
             result.push_back(found);
     }
     return result;

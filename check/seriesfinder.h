@@ -19,16 +19,17 @@ struct FoundSeries
 struct SeriesSearch
 {
     std::vector<FoundSeries> series;
-    QStringList notLoaded; ///< config files, as the user spells them, that are of no series
-    std::string problem;   ///< one sentence where nothing was found
+    QStringList notLoaded; ///< config files, as the user spells them, that belong to no series
+    std::string problem;   ///< one sentence if nothing was found
 };
 
 /// The series that a path leads to: a file to the one that the editor would load for it, a folder
-/// to all that have a file in it or in its "_wait". Companion files belong to their series.
+/// to all that have a file in it or in its "_wait". "_init" files belong to their series.
 SeriesSearch findSeries(const QString& path);
 
-/// The same where exactly one is wanted.
+/// The same if exactly one is wanted.
 SeriesSearch findOneSeries(const QString& path);
 
-/// The first of those that are the same, and no companions of others.
+/// Removes duplicates, and "_init" files of other series in the list. A series that was also opened
+/// in its "_wait" is kept as that of the folder above, which holds all its files.
 std::vector<FoundSeries> withoutDuplicates(const std::vector<FoundSeries>& series);

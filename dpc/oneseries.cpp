@@ -14,7 +14,7 @@ namespace {
 bool anythingReadable(const SeriesFacts& facts)
 {
     return std::any_of(facts.files.begin(), facts.files.end(),
-                       [](const FileFact& file) { return file.isRead && file.readable; });
+                       [](const FileFact& file) { return file.isRead() && file.readable; });
 }
 
 void addLostLines(const SeriesFacts& facts, Remarks& remarks)

@@ -18,7 +18,7 @@ namespace {
 
 Severity severityOf(const Finding& finding)
 {
-    return finding.rule->severity;
+    return finding.severity;
 }
 
 fmt::text_style styleOf(Severity severity)
@@ -43,7 +43,7 @@ QJsonObject jsonOf(const Finding& finding)
 {
     const Rule& rule = *finding.rule;
     QJsonObject object{{"file", finding.path},     {"line", finding.line},
-                       {"column", finding.column}, {"severity", severityName(rule.severity)},
+                       {"column", finding.column}, {"severity", severityName(finding.severity)},
                        {"rule", rule.name},        {"text", QString::fromStdString(finding.text)}};
     QJsonArray names;
     for (const std::string& name : finding.names)
@@ -94,10 +94,10 @@ std::string findingsAsText(const std::vector<Finding>& findings, bool colour)
     std::string text;
     for (const Finding& finding : findings) {
         const Rule& rule = *finding.rule;
-        const std::string severity = fmt::format("{}:", severityName(rule.severity));
+        const std::string severity = fmt::format("{}:", severityName(finding.severity));
         if (colour)
             text += fmt::format(fmt::emphasis::bold, "{}", placeOf(finding)) + ' ' +
-                    fmt::format(styleOf(rule.severity), "{}", severity);
+                    fmt::format(styleOf(finding.severity), "{}", severity);
         else
             text += placeOf(finding) + ' ' + severity;
         text += fmt::format(" {} [{}]\n", finding.text, rule.name);

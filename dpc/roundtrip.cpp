@@ -90,7 +90,7 @@ FileChange changeOf(const SeriesFacts& facts, const ResavedFile& file)
 void addKept(const SeriesFacts& facts, const QSet<QString>& written, RoundTrip& result)
 {
     for (const FileFact& file : facts.files) {
-        if (!file.isRead || written.contains(file.path))
+        if (!file.isRead() || written.contains(file.path))
             continue;
         FileChange change;
         change.kind = FileChange::Kind::Kept;

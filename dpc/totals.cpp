@@ -64,7 +64,7 @@ Totals totalsOf(const SeriesFacts& facts)
     Totals totals;
     totals.files =
         int(std::count_if(facts.files.begin(), facts.files.end(),
-                          [](const FileFact& file) { return file.isRead && file.readable; }));
+                          [](const FileFact& file) { return file.isRead() && file.readable; }));
     for (const LineFact& line : facts.lines) {
         if (isTask(line))
             addTask(totals, line);

@@ -52,7 +52,7 @@ private:
     {
         int number = seriesFileCount;
         for (const FileFact& file : m_facts.files) {
-            if (file.isRead)
+            if (file.isRead())
                 number = std::min(number, file.number);
         }
         return number;
@@ -64,7 +64,7 @@ private:
         int found = -1;
         for (size_t i = 0; i < m_facts.files.size(); ++i) {
             const FileFact& file = m_facts.files[i];
-            if (!file.isRead || file.number != number)
+            if (!file.isRead() || file.number != number)
                 continue;
             m_isUsed[i] = true;
             if (found < 0)
@@ -131,7 +131,7 @@ private:
     {
         for (size_t i = 0; i < m_facts.files.size(); ++i) {
             const FileFact& file = m_facts.files[i];
-            if (file.isRead && !m_isUsed[i])
+            if (file.isRead() && !m_isUsed[i])
                 m_losses.add(fioNotRun, m_facts, int(i), 1, 1,
                              "no marker leads to the file: it does not run");
         }

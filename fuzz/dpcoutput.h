@@ -1,7 +1,6 @@
 #pragma once
 
 #include "check/rules/catalogue.h"
-#include "check/ruletexts.h"
 #include "fuzz/check.h"
 
 #include <QDirIterator>
@@ -93,8 +92,9 @@ inline void checkFinding(const QJsonObject& finding)
 {
     const Rule* const rule = ruleNamed(finding["rule"].toString().toStdString());
     fuzz::same("a finding has a rule of the catalogue", rule != nullptr, true);
-    fuzz::same("the rule tells the severity", finding["severity"].toString(),
-               QString(severityName(rule->severity)));
+    const QStringList severities{"error", "warning", "note"};
+    const int severity = severities.indexOf(finding["severity"].toString());
+    fuzz::same("no finding is worse than its rule", severity >= int(rule->severity), true);
     const QString file = finding["file"].toString();
     fuzz::same("a finding is of a file that is there", QFileInfo::exists(file), true);
     const QList<QByteArray> lines = linesOf(file);

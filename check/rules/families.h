@@ -10,6 +10,7 @@
 RuleList lineRules();
 RuleList numberRules();
 RuleList pathRules();
+RuleList variableRules();
 RuleList folderRules();
 RuleList sourceRules();
 RuleList overwriteRules();
@@ -26,8 +27,10 @@ bool checkFolderLetters(const SeriesFacts& facts, Findings& findings);
 void checkLines(const SeriesFacts& facts, Findings& findings);
 /// The rules about numbers and settings of tasks.
 void checkNumbers(const SeriesFacts& facts, Findings& findings);
-/// The rules about a path by itself: its variables and its form.
-void checkPaths(const SeriesFacts& facts, Findings& findings);
+/// The rules about a path by itself: its form and its length.
+void checkPaths(const SeriesFacts& facts, const CheckOptions& options, Findings& findings);
+/// The rules about variables in paths.
+void checkVariables(const SeriesFacts& facts, const CheckOptions& options, Findings& findings);
 /// The rules about folders where files are needed, and the other way round.
 void checkFolders(const SeriesFacts& facts, const FileUses& uses, Findings& findings);
 /// The rules about who makes what a task reads.
@@ -39,9 +42,10 @@ void checkRoles(const SeriesFacts& facts, const FileUses& uses, Findings& findin
 /// The rules about which files there are, and which are read.
 void checkFiles(const SeriesFacts& facts, Findings& findings);
 /// The rules about the markers that lead from file to file.
-void checkMarkers(const SeriesFacts& facts, Findings& findings);
+void checkMarkers(const SeriesFacts& facts, const CheckOptions& options, Findings& findings);
 /// The rules about the "_init" file.
-void checkInit(const SeriesFacts& facts, Findings& findings);
+void checkInit(const SeriesFacts& facts, const FileUses& uses, const Environment& environment,
+               Findings& findings);
 /// The rules about what goes wrong only because several machines run the series.
 void checkMachines(const SeriesFacts& facts, const FileUses& uses, Findings& findings);
 /// The rules about space on the disks.

@@ -24,7 +24,7 @@ constexpr Rule longName = {"long-name",
                            Severity::Error,
                            "series",
                            "The path of a config file is cut at 250 characters when it is saved.",
-                           "Choose a shorter folder or name.",
+                           "choose a shorter folder or name",
                            series({"x{245}.dpc", plainTask}),
                            oneFile(plainTask)};
 
@@ -33,7 +33,7 @@ constexpr Rule unreadable = {
     Severity::Error,
     "series",
     "A file of the series can't be read, or is not a regular file; the editor skips it silently.",
-    "Put a file that you may read in its place.",
+    "put a file that you may read in its place",
     series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc/", ""}),
     series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
 
@@ -42,7 +42,7 @@ constexpr Rule tooMuch = {
     Severity::Error,
     "series",
     "The files hold more than can be checked: 50,000 lines a series, 64 MiB a file.",
-    "Divide the series; the editor saves about 20 lines into a file.",
+    "divide the series; the editor saves about 20 lines into a file",
     oneFile("x\n", 50001),
     oneFile(plainTask)};
 
@@ -51,7 +51,7 @@ constexpr Rule emptyFile = {
     Severity::Warning,
     "series",
     "A file holds neither a task nor a marker.",
-    "Add a task, or remove the file and the marker that leads to it.",
+    "add a task, or remove the file and the marker that leads to it",
     series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", "# no tasks yet\n"}),
     series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
 
@@ -60,47 +60,77 @@ constexpr Rule numberLimit = {
     Severity::Error,
     "series",
     "The editor loads numbers up to 19, without leading zeros.",
-    "Use at most 20 files, numbered without leading zeros.",
+    "use at most 20 files, numbered without leading zeros",
     series({"mytest.dpc", plainTaskAndMarker}, {"mytest01.dpc", plainTask}),
     series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
 
-void checkFile(const SeriesFacts& facts, const FileFact& file, int index, Findings& findings)
+constexpr Rule initPlace = {
+    "init-place",
+    Severity::Warning,
+    "series",
+    "An _init file lies in _wait. The one of the series lies beside _wait, and is the only one "
+    "that "
+    "counts.",
+    "move the file, or remove it",
+    series({"_wait/mytest.dpc", plainTask}, {"_wait/mytest_init.dpc", plainInit.content}),
+    series({"_wait/mytest.dpc", plainTask}, plainInit)};
+
+/// Says why a file is not read; true if there is a reason.
+bool checkUnread(const FileFact& file, int index, Findings& findings)
+{
+    if (file.role == FileRole::Beyond) {
+        findings.add(numberLimit, index, 1, 1,
+                     fmt::format("the editor does not load this file: a series has the numbers 1 "
+                                 "to {}, without leading zeros",
+                                 seriesFileCount - 1));
+    } else if (file.role == FileRole::OtherInit) {
+        findings.add(initPlace, index, 1, 1,
+                     "this is not the _init file of the series, which lies beside _wait");
+    } else if (file.role == FileRole::WaitFolder) {
+        findings.add(unreadable, index, 1, 1,
+                     fmt::format("the folder can't be read: {}. The files in it are not checked",
+                                 file.whyUnreadable));
+    } else if (!file.readable) {
+        const char* result = file.isInit() ? "nothing that the series needs is made"
+                                           : "the editor skips it without a message";
+        findings.add(unreadable, index, 1, 1,
+                     fmt::format("the file can't be read: {}. {}", file.whyUnreadable, result));
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void checkFile(const FileFact& file, int index, Findings& findings)
 {
     if (file.path.size() > maxFileName)
-        findings.add(
-            longName, index, 1, 1,
-            fmt::format("the path has {} characters: a save cuts it at {}, and writes another file",
-                        file.path.size(), maxFileName));
-    if (!file.isRead && index != facts.initFile) {
-        findings.add(
-            numberLimit, index, 1, 1,
-            fmt::format("the editor does not load this file: a series has the numbers 1 to {}, "
-                        "without leading zeros",
-                        seriesFileCount - 1));
+        findings.add(longName, index, 1, 1,
+                     fmt::format("the path has {} characters: a save cuts it at {}, and writes "
+                                 "another file",
+                                 file.path.size(), maxFileName));
+    if (checkUnread(file, index, findings))
         return;
-    }
-    if (!file.readable)
-        findings.add(unreadable, index, 1, 1,
-                     "the file can't be read: the editor skips it silently");
-    else if (file.wasCut)
+    if (file.wasCut)
         findings.add(tooMuch, index, file.lineCount, 1,
                      fmt::format("only the first {} MiB of the file are read", maxFileRead >> 20));
-    else if (file.isRead && file.tasks == 0 && file.markers == 0)
-        findings.add(emptyFile, index, 1, 1, "the file holds no task");
+    else if (file.isRead() && file.tasks == 0 && file.markers == 0 && !file.isCopy)
+        findings.add(emptyFile, index, 1, 1,
+                     "the file holds neither a task nor a marker: machines that start it do "
+                     "nothing");
 }
 
 constexpr Rule numberGap = {"number-gap",
                             Severity::Warning,
                             "series",
                             "A number is missing in the series.",
-                            "Rename the files, so that their numbers follow each other.",
+                            "rename the files, so that their numbers follow each other",
                             series({"mytest.dpc", plainTaskAndMarker}, {"mytest2.dpc", plainTask}),
                             series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
 
 void checkGap(const SeriesFacts& facts, Findings& findings)
 {
     int expected = 0;
-    for (size_t i = 0; i < facts.files.size() && facts.files[i].isRead; ++i) {
+    for (size_t i = 0; i < facts.files.size() && facts.files[i].isRead(); ++i) {
         const int number = facts.files[i].number;
         if (number > expected)
             findings.add(
@@ -118,20 +148,34 @@ constexpr Rule bothFolders = {
     "both-folders",
     Severity::Warning,
     "series",
-    "The same file lies in the folder and in _wait: a load has its tasks twice.",
-    "Remove one of the two files.",
-    series({"mytest.dpc", plainTask}, {"_wait/mytest.dpc", plainTask}),
+    "A file of the same number lies in the folder and in _wait: a load has the tasks of both. A "
+    "note "
+    "if the two have the same content, as after a start.",
+    "keep the one that is meant",
+    series({"mytest.dpc", plainTask}, {"_wait/mytest.dpc", plainTaskAndMarker}),
     series({"_wait/mytest.dpc", plainTask})};
 
+/// A start copies a file out of "_wait", so two with the same bytes are what a run leaves.
 void checkBothFolders(const SeriesFacts& facts, Findings& findings)
 {
     for (size_t i = 1; i < facts.files.size(); ++i) {
         const FileFact& file = facts.files[i];
         const FileFact& before = facts.files[i - 1];
-        if (file.isRead && before.isRead && file.number == before.number)
+        if (!file.isRead() || !before.isRead() || file.number != before.number)
+            continue;
+        const std::string other = printable(before.shown);
+        if (file.isCopy)
             findings.add(bothFolders, int(i), 1, 1,
-                         fmt::format("{} is there as well: a load has the tasks of both",
-                                     printable(before.shown)));
+                         Message(fmt::format("{} has the same content, as after a start; a load "
+                                             "in the editor has its tasks twice",
+                                             other),
+                                 fmt::format("remove {} before you load the series", other))
+                             .as(Severity::Note));
+        else
+            findings.add(bothFolders, int(i), 1, 1,
+                         fmt::format("{} has the same number and another content: a load in the "
+                                     "editor has the tasks of both",
+                                     other));
     }
 }
 
@@ -140,17 +184,18 @@ constexpr Rule notLoaded = {
     Severity::Error,
     "series",
     "By its name, a config file of the folder is one that the editor does not look for.",
-    "Rename the file.",
+    "rename the file",
     series({"mytest.dpc", plainTask}, {"old.dpc.dpc", plainTask}),
     series({"mytest.dpc", plainTask}, {"old.dpc", plainTask})};
 
 std::string whyNotLoaded(const QString& file)
 {
-    if (!file.endsWith(QLatin1String(configFileExtension)))
-        return "the editor does not load this file: its name does not end in .dpc, in small "
-               "letters";
-    return fmt::format("the editor does not load this file: by its name it looks for {}",
-                       quoted(seriesNameForLoading(file).baseName + configFileExtension));
+    const std::string reason =
+        file.endsWith(QLatin1String(configFileExtension))
+            ? fmt::format("by its name it looks for {}",
+                          quoted(seriesNameForLoading(file).baseName + configFileExtension))
+            : fmt::format("its name does not end in {}, in small letters", configFileExtension);
+    return fmt::format("the editor does not load this file: {}; {}", reason, notLoaded.advice);
 }
 
 constexpr Rule folderLetters = {
@@ -158,7 +203,7 @@ constexpr Rule folderLetters = {
     Severity::Error,
     "series",
     "The name of the folder or the file has letters outside Latin-1: the editor can't open it.",
-    "Rename the folder or the file.",
+    "rename the folder or the file",
     series({"\u03B4\u03BF\u03BA.dpc", plainTask}),
     series({"Pr\u00FCfung.dpc", plainTask})};
 
@@ -173,8 +218,9 @@ bool hasForeignLetters(const SeriesName& name)
 void checkFiles(const SeriesFacts& facts, Findings& findings)
 {
     for (size_t i = 0; i < facts.files.size(); ++i)
-        checkFile(facts, facts.files[i], int(i), findings);
-    checkGap(facts, findings);
+        checkFile(facts.files[i], int(i), findings);
+    if (facts.closedWaitFolder() == nullptr)
+        checkGap(facts, findings);
     checkBothFolders(facts, findings);
     if (facts.infoCut.line > 0)
         findings.add(tooMuch, facts.infoCut.file, facts.infoCut.line, 1,
@@ -192,7 +238,7 @@ bool checkFolderLetters(const SeriesFacts& facts, Findings& findings)
         return false;
     findings.add(folderLetters, 0, 1, 1,
                  "the folder or the name has letters outside Latin-1: the editor can't open the "
-                 "file");
+                 "file, and nothing in it is checked");
     return true;
 }
 
@@ -214,6 +260,6 @@ std::vector<Finding> checkNotLoaded(const QStringList& files, const CheckOptions
 
 RuleList fileRules()
 {
-    return {&folderLetters, &longName,    &unreadable, &tooMuch,    &emptyFile,
-            &numberGap,     &numberLimit, &notLoaded,  &bothFolders};
+    return {&folderLetters, &longName,    &unreadable, &tooMuch,     &emptyFile,
+            &numberGap,     &numberLimit, &notLoaded,  &bothFolders, &initPlace};
 }

@@ -20,7 +20,7 @@ constexpr Rule fileIsFolder = {
     "paths",
     "The source or destination names a folder: by a separator at its end, by [cfgPath] or [temp] "
     "alone, or because a folder of that name exists.",
-    "Name a file.",
+    "name a file",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/out/;  "
             "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
@@ -30,7 +30,7 @@ constexpr Rule logIsFolder = {
     Severity::Warning,
     "paths",
     "The log or .csv field names a folder: an empty field does after a load and a save.",
-    "Name a file.",
+    "name a file",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
@@ -48,8 +48,8 @@ void checkNamedFolder(const SeriesFacts& facts, const FileUses& uses, int line, 
         const LineFact& fact = facts.lines[size_t(line)];
         findings.add(role == SourcePath || role == DestPath ? fileIsFolder : logIsFolder, fact,
                      fact.columnOf(role),
-                     fmt::format("the {} {} {}; name a file", fieldName(firstPathField + role),
-                                 quoted(uses.nameOf(use).text),
+                     fmt::format("the {} {} {}, and a file is needed",
+                                 fieldName(firstPathField + role), quoted(uses.nameOf(use).text),
                                  isThere ? "is a folder" : "names a folder"));
         return;
     }
@@ -60,7 +60,7 @@ constexpr Rule folderIsFile = {
     Severity::Error,
     "paths",
     "A path leads through a file as if it were a folder: the file exists, or a task makes it.",
-    "Name another folder, or another file.",
+    "name another folder, or another file",
     withExisting("/data/out", 1,
                  oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
                          "/data/out/[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  "
@@ -153,7 +153,7 @@ private:
     {
         const LineFact& line = m_facts.lines[size_t(use.line)];
         m_findings.add(folderIsFile, line, line.columnOf(use.role),
-                       fmt::format("{} {}; name another one", quoted(path), what));
+                       fmt::format("{} {}", quoted(path), what));
     }
 
     const SeriesFacts& m_facts;
@@ -169,7 +169,7 @@ constexpr Rule destFolder = {
     Severity::Warning,
     "paths",
     "The folder of the destination does not exist, and the _init file does not make it.",
-    "Make the folder, or correct the name.",
+    "make the folder, or correct the name",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  /data/out/[host].dat;  "
             "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     withExisting(
@@ -183,7 +183,7 @@ constexpr Rule destFolderLocal = {
     "paths",
     "The folder of the destination must be there on each machine; the _init file makes folders "
     "below [cfgPath] only.",
-    "Make the folder on each machine, or write into [temp] itself.",
+    "make the folder on each machine, or write into [temp] itself",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[temp]/[cfgName]/out.dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [temp]/out.dat;  "
@@ -250,13 +250,12 @@ private:
             m_findings.add(
                 destFolderLocal, line, line.columnOf(DestPath),
                 fmt::format("the folder {} must be there on each machine: the _init file does "
-                            "not make it; make it there, or write into [temp] itself",
+                            "not make it",
                             quoted(folder)));
         else
-            m_findings.add(destFolder, line, line.columnOf(DestPath),
-                           fmt::format("the folder {} does not exist, and nothing makes it; make "
-                                       "it, or correct the name",
-                                       quoted(folder)));
+            m_findings.add(
+                destFolder, line, line.columnOf(DestPath),
+                fmt::format("the folder {} does not exist, and nothing makes it", quoted(folder)));
     }
 
     const SeriesFacts& m_facts;

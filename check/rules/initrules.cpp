@@ -1,147 +1,281 @@
+#include "check/filekeys.h"
+#include "check/fileuses.h"
 #include "check/nameexpander.h"
 #include "check/rules/exampletasks.h"
 #include "check/rules/families.h"
+#include "check/savelosses.h"
 #include "check/text.h"
 #include "configset/filestocreate.h"
+#include "shared/kvpath.h"
+#include "shared/kvtext.h"
 
+#include <QHash>
+#include <QRegularExpression>
 #include <QSet>
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <optional>
 
 // Whether the "_init" file makes what the series needs.
 
 namespace {
 
-/// Compares what the series needs with what the "_init" file makes. Names that are others on each
-/// machine, or at each save, can't be compared.
-class InitComparison
+QString folderOf(const QString& path)
+{
+    return kvGetDirName(path, '/');
+}
+
+/// A file or folder that a task needs before it can run.
+struct Need
+{
+    const LineFact* line;
+    TaskPath which;
+    FileToCreate file;
+};
+
+/// What a series needs, by its paths, each name once.
+class Needs
 {
 public:
-    explicit InitComparison(const SeriesFacts& facts)
-        : m_facts(facts)
-        , m_names(facts, noMachine())
+    explicit Needs(const SeriesFacts& facts)
+        : m_names(facts, noMachine())
     {
         for (const LineFact& line : facts.lines) {
             if (isTask(line))
-                compareTask(line);
+                addTask(line);
         }
-        lookForNameless();
-        findUnneeded();
     }
 
-    bool needsAnything() const { return !m_needed.files().isEmpty(); }
-    int lacking() const { return int(m_lacks.size()); }
-    /// All names that the series needs and the file does not make.
-    std::vector<std::string> lackingNames() const
+    const std::vector<Need>& all() const { return m_needs; }
+
+    /// As a task without a config file would name it: the _init file of a first save does. Empty if
+    /// that is the same.
+    QString namelessText(const Need& need)
     {
-        std::vector<std::string> names;
-        for (const Lack& lack : m_lacks)
-            names.push_back(utf8(lack.name));
-        return names;
+        TestTask task = withPath(m_names.record(*need.line), need.which);
+        const QStringList names = textsOf(task, need.line->taskNumber);
+        task.configPath.clear();
+        const QStringList nameless = textsOf(task, need.line->taskNumber);
+        const int place = names.indexOf(need.file.text);
+        const bool differs =
+            place >= 0 && place < nameless.size() && nameless[place] != names[place];
+        return differs ? nameless[place] : QString();
     }
-
-    std::string firstLack;      ///< a name that the series needs and the file does not make
-    std::string firstWrongSize; ///< a name that it makes in another size
-    std::string firstUnneeded;  ///< a name that it makes for nobody
-    std::string firstNameless;  ///< a name without the name of the series
-    std::string nameInstead;    ///< what the series looks for instead
 
 private:
-    struct Lack
+    static TestTask withPath(const TestTask& all, TaskPath which)
     {
-        const LineFact* line;
-        QString name;
-    };
-
-    void compareTask(const LineFact& line)
-    {
-        const int known = m_needed.files().size();
-        collectFilesOfTask(m_needed, m_names.record(line), line.taskNumber, m_noMachine);
-        const QVector<FileToCreate>& files = m_needed.files();
-        for (int i = known; i < files.size(); ++i)
-            compareFile(files[i], line);
+        TestTask task = all;
+        if (which != SourcePath)
+            task.sourcePath.clear();
+        if (which != DestPath)
+            task.destPath.clear();
+        if (which != LogPath)
+            task.logPath.clear();
+        if (which != CsvPath)
+            task.csvPath.clear();
+        return task;
     }
 
-    void compareFile(const FileToCreate& file, const LineFact& line)
+    QStringList textsOf(const TestTask& task, int taskNumber) const
     {
-        const QByteArray name = file.text.toLatin1().left(maxPath);
-        m_neededNames.insert(name);
-        if (dependsOnMachine(file.text)) {
-            m_dependsOnMachine = true;
-            return;
-        }
-        const auto made = m_facts.init.constFind(name);
-        if (made == m_facts.init.cend()) {
-            m_lacks.push_back({&line, file.text});
-            keepFirst(firstLack, file.text);
-        } else if (made->size / 1024 != std::min<qint64>(file.size, largestSavedFile) / 1024) {
-            keepFirst(firstWrongSize, file.text);
-        }
+        FileToCreateList list;
+        collectFilesOfTask(list, task, taskNumber, m_noMachine);
+        QStringList texts;
+        for (const FileToCreate& file : list.files())
+            texts += file.text;
+        return texts;
     }
 
-    /// Whether the file makes what a task without a config file would need. What any task needs by
-    /// its full name is known by now.
-    void lookForNameless()
+    void addTask(const LineFact& line)
     {
-        const LineFact* last = nullptr;
-        for (const Lack& lack : m_lacks) {
-            // All names of a task are compared at once, and it may lack one for each iteration.
-            if (lack.line == last)
-                continue;
-            last = lack.line;
-            TestTask task = m_names.record(*lack.line);
-            task.configPath.clear();
-            FileToCreateList nameless;
-            collectFilesOfTask(nameless, task, lack.line->taskNumber, m_noMachine);
-            for (const FileToCreate& file : nameless.files()) {
-                const QByteArray name = file.text.toLatin1().left(maxPath);
-                if (!m_facts.init.contains(name) || m_neededNames.contains(name))
-                    continue;
-                firstNameless = quoted(file.text);
-                nameInstead = quoted(lack.name);
-                return;
-            }
+        const TestTask& task = m_names.record(line);
+        for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath}) {
+            const int known = m_known.files().size();
+            collectFilesOfTask(m_known, withPath(task, which), line.taskNumber, m_noMachine);
+            for (int i = known; i < m_known.files().size(); ++i)
+                m_needs.push_back({&line, which, m_known.files()[i]});
         }
     }
 
-    void findUnneeded()
-    {
-        int firstLine = INT32_MAX;
-        for (auto it = m_facts.init.cbegin(); it != m_facts.init.cend() && !m_dependsOnMachine;
-             ++it) {
-            if (m_neededNames.contains(it.key()) || it->line >= firstLine)
-                continue;
-            firstLine = it->line;
-            firstUnneeded = quoted(it.key());
-        }
-    }
-
-    static void keepFirst(std::string& first, const QString& name)
-    {
-        if (first.empty())
-            first = quoted(name);
-    }
-
-    static constexpr qint64 largestSavedFile =
-        1073741824; // 1 GiB: what a line of a save can ask for
-
-    const SeriesFacts& m_facts;
     const MachineValues m_noMachine = noMachine();
     NameExpander m_names;
-    FileToCreateList m_needed;
-    QSet<QByteArray> m_neededNames;
-    std::vector<Lack> m_lacks;
-    bool m_dependsOnMachine = false;
+    FileToCreateList m_known;
+    std::vector<Need> m_needs;
 };
+
+/// What the active lines of the "_init" file make, by full names.
+class InitFile
+{
+public:
+    explicit InitFile(const SeriesFacts& facts)
+    {
+        if (facts.initFile < 0)
+            return;
+        NameExpander names(facts, thisMachine());
+        LineFact line;
+        line.file = facts.initFile;
+        for (auto it = facts.init.cbegin(); it != facts.init.cend(); ++it) {
+            const QString path = names.resolve(line, it.key());
+            if (!m_entries.contains(path) || it->isActive)
+                m_entries.insert(path, *it);
+            if (it->isActive)
+                addFolders(path);
+        }
+    }
+
+    /// The line that names a file, or null.
+    const InitEntry* entryOf(const QString& path) const
+    {
+        const auto found = m_entries.constFind(path);
+        return found == m_entries.cend() ? nullptr : &*found;
+    }
+
+    /// True if a line makes a file in the folder or below it.
+    bool makesFolder(const QString& folder) const { return m_folders.contains(folder); }
+
+    const QHash<QString, InitEntry>& entries() const { return m_entries; }
+
+private:
+    void addFolders(QString path)
+    {
+        for (QString folder = folderOf(path); !folder.isEmpty() && !m_folders.contains(folder);
+             folder = folderOf(folder.chopped(1)))
+            m_folders.insert(folder);
+    }
+
+    QHash<QString, InitEntry> m_entries;
+    QSet<QString> m_folders;
+};
+
+/// A need that nothing meets.
+struct Lack
+{
+    const Need* need;
+    const InitEntry* entry; ///< the line that would make it if it were not commented out, or null
+};
+
+/// Compares what a series needs with what the "_init" file makes and with what is on the disk.
+/// Names that are others on each machine or at each save, and those of another system, can't be
+/// compared.
+class InitComparison
+{
+public:
+    InitComparison(const SeriesFacts& facts, const FileUses& uses, const Environment& environment,
+                   Findings& findings)
+        : m_facts(facts)
+        , m_uses(uses)
+        , m_environment(environment)
+        , m_findings(findings)
+        , m_needs(facts)
+        , m_init(facts)
+    {
+        for (const Need& need : m_needs.all())
+            compare(need);
+    }
+
+    void report();
+
+private:
+    void compare(const Need& need);
+    bool isMet(const Need& need);
+    void reportMissing();
+    void reportLacks();
+    void reportLack(const Lack& lack, const std::vector<std::string>& names);
+    void reportSizes();
+    void reportUnneeded();
+    std::string named(const Lack& lack) const;
+
+    /// Found out once, and only if it is asked for.
+    const std::string& advice()
+    {
+        if (m_advice.empty())
+            m_advice = adviceToRenewInit(m_facts);
+        return m_advice;
+    }
+
+    const SeriesFacts& m_facts;
+    const FileUses& m_uses;
+    const Environment& m_environment;
+    Findings& m_findings;
+    Needs m_needs;
+    InitFile m_init;
+    std::vector<Lack> m_lacks;
+    std::vector<Need> m_otherSizes;
+    QHash<QString, bool> m_folderIsThere;
+    std::string m_advice;
+};
+
+void InitComparison::compare(const Need& need)
+{
+    const QString& path = need.file.resolved;
+    if (dependsOnMachine(path) || isForeignPath(need.line->path(need.which)))
+        return;
+    const InitEntry* entry = m_init.entryOf(path);
+    if (!isMet(need))
+        m_lacks.push_back({&need, entry});
+    else if (entry != nullptr && entry->isActive && !need.file.isDummy &&
+             entry->size / 1024 != std::min<qint64>(need.file.size, maxFileSize) / 1024)
+        m_otherSizes.push_back(need);
+}
+
+bool InitComparison::isMet(const Need& need)
+{
+    const QString& path = need.file.resolved;
+    if (!need.file.isDummy) {
+        const InitEntry* entry = m_init.entryOf(path);
+        return (entry != nullptr && entry->isActive) || m_environment.exists(path);
+    }
+    const QString folder = folderOf(path);
+    if (folder.isEmpty() || m_init.makesFolder(folder))
+        return true;
+    const auto known = m_folderIsThere.constFind(folder);
+    if (known != m_folderIsThere.cend())
+        return *known;
+    return *m_folderIsThere.insert(folder, m_environment.look(folder).isFolder());
+}
+
+constexpr Rule initMissing = {
+    "init-missing",
+    Severity::Warning,
+    "series",
+    "The series needs files or folders that do not exist, and there is no _init file that makes "
+    "them.",
+    "run dpc init --write, or load and save the series",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out/[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    series({"mytest.dpc",
+            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out/[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
+           {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
+                               "[cfgPath]/out/dummyFile;  ;  ;  true;\n"})};
+
+void InitComparison::reportMissing()
+{
+    std::vector<std::string> names;
+    for (const Lack& lack : m_lacks)
+        names.push_back(utf8(lack.need->file.text));
+    const Lack& first = m_lacks.front();
+    m_findings.add(
+        initMissing, *first.need->line, first.need->line->columnOf(first.need->which),
+        Message(fmt::format("{} does not exist{}, and there is no {}_init.dpc that makes it",
+                            named(first),
+                            names.size() > 1 ? fmt::format(", nor {} more", names.size() - 1) : "",
+                            printable(m_facts.name.baseName)),
+                advice())
+            .about(names));
+}
 
 constexpr Rule initOutdated = {
     "init-outdated",
     Severity::Warning,
     "series",
-    "The _init file does not make what the series needs now.",
-    "Load and save the series.",
+    "A source or a folder that a task needs does not exist, and the _init file does not make it, "
+    "or "
+    "makes the source in another size.",
+    "run dpc init --write, or load and save the series",
     series({"mytest.dpc",
             "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/new.dat;  "
             "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
@@ -157,37 +291,13 @@ constexpr Rule initOutdated = {
                                "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
                                "[cfgPath]/dummyFile;  ;  ;  true;\n"})};
 
-std::string differences(const InitComparison& comparison)
-{
-    std::string text;
-    const auto add = [&](const std::string& name, const char* format) {
-        if (!name.empty())
-            text += (text.empty() ? "" : ", ") + fmt::format(fmt::runtime(format), name);
-    };
-    add(comparison.firstLack, "lacks {}");
-    if (comparison.lacking() > 1)
-        text += fmt::format(" and {} more", comparison.lacking() - 1);
-    add(comparison.firstWrongSize, "makes {} in another size");
-    add(comparison.firstUnneeded, "makes {} for no task");
-    return text;
-}
-
-constexpr Rule initMissing = {
-    "init-missing",
-    Severity::Warning,
-    "series",
-    "The series needs files or folders, and there is no _init file that makes them.",
-    "Load and save the series.",
-    oneFile(plainTask),
-    series({"mytest.dpc", plainTask}, plainInit)};
-
 constexpr Rule initNames = {
     "init-names",
     Severity::Warning,
     "series",
     "The names in the _init file lack the name of the series: it was made in the form and saved "
     "once.",
-    "Load and save the series once more.",
+    "run dpc init --write, or load and save the series",
     series({"mytest.dpc",
             "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/src_[cfgName].dat;  "
             "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
@@ -203,39 +313,183 @@ constexpr Rule initNames = {
                                "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
                                "[cfgPath]/dummyFile;  ;  ;  true;\n"})};
 
+/// One finding for each path of a task: "[iter]" may stand for many names.
+void InitComparison::reportLacks()
+{
+    for (size_t i = 0; i < m_lacks.size();) {
+        const Lack& lack = m_lacks[i];
+        std::vector<std::string> names;
+        for (; i < m_lacks.size() && m_lacks[i].need->line == lack.need->line &&
+               m_lacks[i].need->which == lack.need->which;
+             ++i)
+            names.push_back(utf8(m_lacks[i].need->file.text));
+        reportLack(lack, names);
+    }
+}
+
+void InitComparison::reportLack(const Lack& lack, const std::vector<std::string>& names)
+{
+    const Need& need = *lack.need;
+    const int column = need.line->columnOf(need.which);
+    const QString nameless = m_needs.namelessText(need);
+    const auto made = m_facts.init.constFind(nameless.toLatin1().left(maxPath));
+    if (!nameless.isEmpty() && made != m_facts.init.cend()) {
+        m_findings.add(initNames, *need.line, column,
+                       Message(fmt::format("the task looks for {}, but line {} of the _init file "
+                                           "makes {}: the task had no config file yet when it was "
+                                           "saved",
+                                           quoted(need.file.text), made->line, quoted(nameless)),
+                               advice())
+                           .about(names));
+        return;
+    }
+    const std::string others =
+        names.size() > 1 ? fmt::format(" and {} more", names.size() - 1) : std::string();
+    const std::string reason =
+        lack.entry != nullptr
+            ? fmt::format("line {} of the _init file is commented out", lack.entry->line)
+            : "the _init file does not make it";
+    m_findings.add(
+        initOutdated, *need.line, column,
+        Message(fmt::format("{}{} does not exist, and {}", named(lack), others, reason), advice())
+            .about(names));
+}
+
+void InitComparison::reportSizes()
+{
+    for (const Need& need : m_otherSizes) {
+        const InitEntry* entry = m_init.entryOf(need.file.resolved);
+        m_findings.add(
+            initOutdated, *need.line, need.line->columnOf(need.which),
+            Message(fmt::format("line {} of the _init file makes {} with {} KiB, but the task has "
+                                "{} KiB",
+                                entry->line, quoted(need.file.text), entry->size / 1024,
+                                need.file.size / 1024),
+                    advice()));
+    }
+}
+
+/// The files that the tasks use, and the folders that these lie in. What differs by machine is
+/// compared as a pattern.
+class UsedPaths
+{
+public:
+    UsedPaths(const SeriesFacts& facts, const FileUses& uses)
+    {
+        const QString start = facts.runFolder;
+        for (const UsedName& name : uses.names()) {
+            const QString text = QString::fromLatin1(name.text);
+            QString path = text;
+            path.replace(QStringLiteral("[cfgPath]/"), start).replace("[cfgPath]", start);
+            if (name.byHost || name.byDate || name.byTemp)
+                m_patterns.push_back(patternOf(path));
+            else
+                addPath(path);
+        }
+    }
+
+    /// A dummy is only there to make its folder.
+    bool contains(const QString& path) const
+    {
+        const QString used = path.endsWith(QLatin1String("dummyFile")) ? folderOf(path) : path;
+        return m_paths.contains(used) || m_folders.contains(used) ||
+               std::any_of(m_patterns.begin(), m_patterns.end(),
+                           [&](const QRegularExpression& p) { return p.match(used).hasMatch(); });
+    }
+
+private:
+    void addPath(const QString& path)
+    {
+        m_paths.insert(path);
+        for (QString folder = folderOf(path); !folder.isEmpty() && !m_folders.contains(folder);
+             folder = folderOf(folder.chopped(1)))
+            m_folders.insert(folder);
+    }
+
+    /// Matches the path with any values, and every folder above it.
+    static QRegularExpression patternOf(const QString& path)
+    {
+        QString pattern;
+        int depth = 0;
+        for (const QString& part : path.split('/')) {
+            QString escaped = QRegularExpression::escape(part);
+            for (const char* variable : {"\\[host\\]", "\\[date\\]", "\\[temp\\]"})
+                escaped.replace(variable, ".*");
+            pattern += depth == 0 ? escaped : "(?:/" + escaped;
+            ++depth;
+        }
+        for (int i = 1; i < depth; ++i)
+            pattern += ")?";
+        return QRegularExpression("^" + pattern + "/?$");
+    }
+
+    QSet<QString> m_paths;
+    QSet<QString> m_folders;
+    std::vector<QRegularExpression> m_patterns;
+};
+
+constexpr Rule initUnneeded = {
+    "init-unneeded",
+    Severity::Note,
+    "series",
+    "A line of the _init file makes a file that no task of the series uses.",
+    "remove the line, or run dpc init --write",
+    series({"mytest.dpc", plainTask},
+           {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 102400;1;0;  MEMORY;  "
+                               "[cfgPath]/old.dat;  ;  ;  true;\n"}),
+    series({"mytest.dpc", plainTask}, plainInit)};
+
+/// The uses of all tasks are looked at only if a line makes what no task needs.
+void InitComparison::reportUnneeded()
+{
+    QSet<QString> needed;
+    for (const Need& need : m_needs.all())
+        needed.insert(need.file.resolved);
+    std::optional<UsedPaths> used;
+    for (auto it = m_init.entries().cbegin(); it != m_init.entries().cend(); ++it) {
+        if (!it->isActive || needed.contains(it.key()))
+            continue;
+        if (!used)
+            used.emplace(m_facts, m_uses);
+        if (!used->contains(it.key()))
+            m_findings.add(initUnneeded, m_facts.initFile, it->line, 1,
+                           fmt::format("the line makes {}, which no task of the series uses",
+                                       quoted(it.key())));
+    }
+}
+
+std::string InitComparison::named(const Lack& lack) const
+{
+    const FileToCreate& file = lack.need->file;
+    return file.isDummy ? fmt::format("the folder {}", quoted(folderOf(file.text)))
+                        : fmt::format("the source {}", quoted(file.text));
+}
+
+void InitComparison::report()
+{
+    if (m_facts.initFile < 0) {
+        if (!m_lacks.empty())
+            reportMissing();
+        return;
+    }
+    if (!m_facts.files[size_t(m_facts.initFile)].readable)
+        return;
+    reportLacks();
+    reportSizes();
+    reportUnneeded();
+}
+
 } // namespace
 
-void checkInit(const SeriesFacts& facts, Findings& findings)
+void checkInit(const SeriesFacts& facts, const FileUses& uses, const Environment& environment,
+               Findings& findings)
 {
-    if (facts.isInit || facts.limitReached)
+    if (facts.isInit || facts.limitReached || facts.closedWaitFolder() != nullptr)
         return;
-    const InitComparison comparison(facts);
-    if (facts.initFile < 0) {
-        if (comparison.needsAnything())
-            findings.add(
-                initMissing, 0, 1, 1,
-                fmt::format("there is no {}_init.dpc that makes the sources and folders of the "
-                            "series: load and save it again",
-                            printable(facts.name.baseName)));
-        return;
-    }
-    if (!facts.files[size_t(facts.initFile)].readable)
-        return;
-    if (!comparison.firstNameless.empty()) {
-        findings.add(
-            initNames, facts.initFile, 1, 1,
-            fmt::format("makes {} where the series looks for {}: the tasks had no config file "
-                        "yet when they were saved; load and save the series once more",
-                        comparison.firstNameless, comparison.nameInstead));
-        return;
-    }
-    const std::string text = differences(comparison);
-    if (!text.empty())
-        findings.add(initOutdated, facts.initFile, 1, 1, text + ": load and save the series again",
-                     comparison.lackingNames());
+    InitComparison(facts, uses, environment, findings).report();
 }
 
 RuleList initRules()
 {
-    return {&initMissing, &initOutdated, &initNames};
+    return {&initMissing, &initOutdated, &initNames, &initUnneeded};
 }

@@ -4,8 +4,10 @@
 #include "check/text.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
+#include <vector>
 
 // What is wrong with a line as text: its fields, its length, its letters.
 
@@ -50,7 +52,7 @@ constexpr Rule utf8Text = {
     Severity::Warning,
     "lines",
     "The line looks like UTF-8; config files are Latin-1, so its letters turn into others.",
-    "Save the file as Latin-1.",
+    "save the file as Latin-1",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/Pr\xC3\xBC"
             "fung_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/Pr\xFC"
@@ -59,17 +61,20 @@ constexpr Rule utf8Text = {
 void checkLetters(const LineFact& line, Findings& findings)
 {
     if (line.kind != LineFact::Kind::Comment && isUtf8(line.text))
-        findings.add(utf8Text, line, line.column + firstHighByte(line.text) + 1,
-                     fmt::format("looks like UTF-8, but config files are Latin-1: reads as {}",
-                                 quoted(line.text.mid(firstHighByte(line.text), 40))));
+        findings.add(
+            utf8Text, line, line.column + firstHighByte(line.text) + 1,
+            fmt::format("the line looks like UTF-8, but config files are Latin-1: it reads "
+                        "as {}",
+                        quoted(line.text.mid(firstHighByte(line.text), 40))));
 }
 
 constexpr Rule longLine = {
     "long-line",
     Severity::Error,
     "lines",
-    "A line ends at 1,000 characters: more is not read, and was lost when it was saved.",
-    "Shorten the paths or the comment.",
+    "A line ends at 1,000 characters: more is not read, and was lost when it was saved. A "
+    "warning for a comment.",
+    "shorten it",
     oneFile("# x{1000}\n"
             "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
@@ -81,28 +86,49 @@ constexpr Rule zeroByte = {"zero-byte",
                            Severity::Warning,
                            "lines",
                            "The line holds a zero byte, and ends there for every reader.",
-                           "Save the file again as Latin-1 text; often it is UTF-16.",
+                           "save the file again as Latin-1 text; often it is UTF-16",
                            oneFile("S\0t\0r\0e\0a\0m\0;\0\n"
                                    "\0"sv),
                            oneFile(plainTask)};
 
 void checkLength(const LineFact& line, Findings& findings)
 {
+    const bool isComment = line.kind == LineFact::Kind::Comment;
     if (line.hasZero)
         findings.add(zeroByte, line, line.column + line.text.size() + 1,
-                     "the line holds a zero byte: everything behind it is not read");
+                     "the line holds a zero byte: what follows it is not read");
     if (line.length > maxLine)
-        findings.add(
-            longLine, line, maxLine + 1,
-            fmt::format("the line has {} characters: what follows the first {} is not read",
-                        line.length, maxLine));
-    else if (line.length == maxLine && line.kind != LineFact::Kind::Comment &&
-             !line.text.endsWith(';') && !isMarker(line))
-        findings.add(
-            longLine, line, maxLine,
-            fmt::format(
-                "the line has {} characters, the most that a save writes: its end was cut off",
-                maxLine));
+        findings.add(longLine, line, maxLine + 1,
+                     Message(fmt::format("the {} has {} characters: only the first {} are read",
+                                         isComment ? "comment" : "line", line.length, maxLine))
+                         .as(isComment ? Severity::Warning : Severity::Error));
+    else if (line.length == maxLine && !isComment && !line.text.endsWith(';') && !isMarker(line))
+        findings.add(longLine, line, maxLine,
+                     Message(fmt::format("the line has {} characters, the most that a save writes: "
+                                         "its end was cut off",
+                                         maxLine),
+                             "restore the end, and shorten the paths"));
+}
+
+constexpr Rule splitLine = {
+    "split-line",
+    Severity::Error,
+    "lines",
+    "A line end inside of a task, as it comes with a pasted path, splits it: the first part loads "
+    "as another task, and the rest does not load.",
+    "join the lines",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat\n"
+            ";  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile(plainTask)};
+
+void checkSplit(const LineFact& line, Findings& findings)
+{
+    if (line.splitEnd > 0)
+        findings.add(splitLine, line, line.column + line.text.size() + 1,
+                     fmt::format("a line end splits the task, which goes on to line {}: the first "
+                                 "part loads as another task, and the rest does not load",
+                                 line.splitEnd));
 }
 
 constexpr Rule badLine = {
@@ -111,43 +137,51 @@ constexpr Rule badLine = {
     "lines",
     "The editor rejects the line and skips it: the method is unknown, or a number field is not a "
     "number.",
-    "Correct the field that the finding names.",
+    "correct the field that the finding names",
     oneFile("Posx  ;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
 
-/// The method that a wrong word was meant to be, among those that are read.
-const char* closestMethod(const std::string& word)
+/// The methods that are read.
+std::vector<const char*> readMethods()
 {
     std::vector<const char*> names;
     for (const MethodInfo& method : ioMethods) {
         if (method.has(IsRead))
             names.push_back(method.name);
     }
-    return closest(word, names.data(), int(names.size()));
+    return names;
 }
 
-std::string whyRejected(const LineFact& line)
+Message whyRejected(const LineFact& line)
 {
     const QByteArray text = line.field(line.problem.field);
+    const char* const result = ": the editor skips the line";
     if (line.problem.field > MethodField)
-        return fmt::format("{} {} is no whole number: the editor skips the line",
-                           fieldName(line.problem.field), quoted(text));
+        return fmt::format("{} {} is not a whole number{}", fieldName(line.problem.field),
+                           quoted(text), result);
     if (text.startsWith('#'))
-        return "the '#' of a comment must be the first character of its line: the editor skips the "
-               "line";
+        return {fmt::format("a blank stands before the '#'{}", result),
+                "begin a comment with '#' as the first character of its line"};
     if (line.text.contains(configFileExtension))
-        return "the line looks like a marker, but must end in .dpc: the editor skips it";
-    return fmt::format("{} is no method{}: the editor skips the line", quoted(text),
-                       didYouMean(closestMethod(text.toStdString())));
+        return {fmt::format("the line looks like a marker, but does not end in {}{}",
+                            configFileExtension, result),
+                "remove what follows the name of the next file"};
+    const std::vector<const char*> methods = readMethods();
+    if (text.isEmpty())
+        return {fmt::format("the method is missing{}", result),
+                fmt::format("begin the line with {}", fmt::join(methods, ", "))};
+    return fmt::format("unknown method {}{}{}", quoted(text),
+                       didYouMean(closest(text.toStdString(), methods.data(), int(methods.size()))),
+                       result);
 }
 
 constexpr Rule winApi = {
     "winapi",
-    Severity::Error,
+    Severity::Warning,
     "lines",
     "WinApi tasks are written, but the editor does not load them again.",
-    "Choose another method; Posix is the closest.",
+    "choose another method, such as Posix, or edit the series by hand only",
     oneFile("WinApi;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile("Posix ;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
@@ -155,9 +189,13 @@ constexpr Rule winApi = {
 
 void checkRejected(const LineFact& line, Findings& findings)
 {
+    if (line.isRest)
+        return;
     if (line.problem.field == MethodField && isWrittenOnly(line.field(MethodField).toStdString()))
-        findings.add(winApi, line, line.columnOf(MethodField),
-                     "the editor writes WinApi tasks but does not load them: the line is lost");
+        findings.add(
+            winApi, line, line.columnOf(MethodField),
+            "the editor writes WinApi tasks, but does not load them: a load and a save lose "
+            "the line");
     else
         findings.add(badLine, line, line.columnOf(line.problem.field), whyRejected(line));
 }
@@ -167,7 +205,7 @@ constexpr Rule missingFields = {
     Severity::Warning,
     "lines",
     "The line has fewer than fourteen fields; the others count as 0 or empty.",
-    "Complete the line.",
+    "complete the line",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;\n"),
     oneFile(plainTask)};
@@ -177,14 +215,14 @@ constexpr Rule extraFields = {
     Severity::Warning,
     "lines",
     "Text after the fourteenth field is not read; often a file name holds a \";\".",
-    "Rename the file, or remove the text.",
+    "rename the file, or remove the text",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/a;b_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
 
 void checkFieldCount(const LineFact& line, Findings& findings)
 {
-    if (line.fields.count < taskLineFieldCount)
+    if (line.fields.count < taskLineFieldCount && line.splitEnd == 0)
         findings.add(
             missingFields, line, line.column + line.text.size() + 1,
             fmt::format(
@@ -192,7 +230,9 @@ void checkFieldCount(const LineFact& line, Findings& findings)
                 line.fields.count, taskLineFieldCount, fieldName(line.fields.count + 1)));
     if (line.fields.beyond.length > 0)
         findings.add(extraFields, line, line.column + line.fields.beyond.column + 1,
-                     fmt::format("text after field {} is not read; does a file name hold a ';'?",
+                     fmt::format("{} follows field {} and is not read: a ';' in a file name ends "
+                                 "the field",
+                                 quoted(line.text.mid(line.fields.beyond.column)),
                                  taskLineFieldCount));
 }
 
@@ -201,37 +241,48 @@ constexpr Rule unknownWord = {
     Severity::Warning,
     "lines",
     "A word that a yes-or-no field does not know counts as no.",
-    "Write the word that the finding names.",
+    "write the word that the finding names",
     oneFile("Posix ;Flush  ;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile("Posix ;flush  ;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
 
-void checkWord(const LineFact& line, int field, std::initializer_list<const char*> known,
-               const char* meant, Findings& findings)
+/// The words of a yes-or-no field; the first of each are those that a save writes.
+struct YesNoField
 {
-    const QByteArray word = line.field(field);
-    if (word.isEmpty() ||
-        std::any_of(known.begin(), known.end(), [&](const char* k) { return word == k; }))
-        return;
-    findings.add(
-        unknownWord, line, line.columnOf(field),
-        fmt::format("{} {} counts as no; for yes write {}", fieldName(field), quoted(word), meant));
+    int field;
+    std::vector<const char*> yes;
+    std::vector<const char*> no;
+};
+
+bool isAmong(const QByteArray& word, const std::vector<const char*>& known)
+{
+    return std::any_of(known.begin(), known.end(), [&](const char* k) { return word == k; });
 }
 
 void checkWords(const LineFact& line, Findings& findings)
 {
-    checkWord(line, FlushField, {"flush", "true", "1", "NOflush", "false", "0"}, "'flush'",
-              findings);
-    checkWord(line, PreallocateField, {"prealloc", "true", "1", "NOprealloc", "false", "0"},
-              "'prealloc'", findings);
-    checkWord(line, DoneField, {"true", "false", "0"}, "'true'", findings);
+    static const YesNoField fields[] = {
+        {FlushField, {"flush", "true", "1"}, {"NOflush", "false", "0"}},
+        {PreallocateField, {"prealloc", "true", "1"}, {"NOprealloc", "false", "0"}},
+        {DoneField, {"true"}, {"false", "0"}},
+    };
+    for (const YesNoField& field : fields) {
+        const QByteArray word = line.field(field.field);
+        if (!word.isEmpty() && !isAmong(word, field.yes) && !isAmong(word, field.no))
+            findings.add(unknownWord, line, line.columnOf(field.field),
+                         {fmt::format("unknown word {} for {}: it counts as no", quoted(word),
+                                      fieldName(field.field)),
+                          fmt::format("write '{}' for yes, '{}' for no", field.yes.front(),
+                                      field.no.front())});
+    }
 }
 
 void checkLine(const LineFact& line, Findings& findings)
 {
     checkLetters(line, findings);
     checkLength(line, findings);
+    checkSplit(line, findings);
     if (line.kind == LineFact::Kind::Rejected)
         checkRejected(line, findings);
     if (!isTask(line))
@@ -244,37 +295,43 @@ constexpr Rule longFile = {
     "long-file",
     Severity::Error,
     "lines",
-    "A save writes at most 5,000 characters into a file; the rest is lost, the marker first.",
-    "Divide the tasks into several config files with \"Wait for next config file\".",
+    "A save writes at most 5,000 characters into a file, and loses the rest, the marker first. A "
+    "warning for a file that was written by hand and is longer.",
+    "divide the tasks into several config files with \"Wait for next config file\"",
     oneFile(plainTask, 40),
     oneFile(plainTask, 15)};
 
+/// A file that is full and has no line end was cut by a save.
 void checkFileSize(const FileFact& file, int index, Findings& findings)
 {
-    if (file.lineAtLimit == 0 || (file.size == maxConfigFile && file.columnAtLimit == 1))
+    if (file.lineAtLimit == 0 || file.isCopy ||
+        (file.size == maxConfigFile && file.columnAtLimit == 1))
         return;
-    const bool wasCut = file.size == maxConfigFile;
-    findings.add(
-        longFile, index, file.lineAtLimit, file.columnAtLimit,
-        wasCut ? fmt::format(
-                     "the file has {} characters, the most that a save writes: its end was cut off",
-                     maxConfigFile)
-               : fmt::format("the file has {} characters: a save cuts it here, at {}", file.size,
-                             maxConfigFile));
+    Message message =
+        file.size == maxConfigFile
+            ? Message(fmt::format("the file has {} characters, the most that a save writes: its "
+                                  "end was cut off",
+                                  maxConfigFile))
+            : Message(fmt::format("the file has {} characters: a save would cut it here, at {}",
+                                  file.size, maxConfigFile))
+                  .as(Severity::Warning);
+    findings.add(longFile, index, file.lineAtLimit, file.columnAtLimit, std::move(message));
 }
 
 } // namespace
 
 void checkLines(const SeriesFacts& facts, Findings& findings)
 {
-    for (const LineFact& line : facts.lines)
-        checkLine(line, findings);
+    for (const auto* lines : {&facts.lines, &facts.initLines}) {
+        for (const LineFact& line : *lines)
+            checkLine(line, findings);
+    }
     for (size_t i = 0; i < facts.files.size(); ++i)
         checkFileSize(facts.files[i], int(i), findings);
 }
 
 RuleList lineRules()
 {
-    return {&badLine,  &winApi,   &missingFields, &extraFields, &unknownWord,
-            &longLine, &zeroByte, &longFile,      &utf8Text};
+    return {&badLine,     &winApi,   &splitLine, &missingFields, &extraFields,
+            &unknownWord, &longLine, &zeroByte,  &longFile,      &utf8Text};
 }

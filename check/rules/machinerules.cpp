@@ -18,7 +18,7 @@ constexpr Rule sharedOutput = {
     Severity::Error,
     "machines",
     "Several machines write the same destination.",
-    "Put [host] into the name, with something between it and other variables.",
+    "put [host] into the name, with something between it and other variables",
     onMachines(
         "pc01,pc02",
         oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/out.dat; "
@@ -30,7 +30,7 @@ constexpr Rule sharedResults = {
     Severity::Warning,
     "machines",
     "Several machines write the same log or .csv file.",
-    "Put [host] into the name.",
+    "put [host] into the name",
     onMachines(
         "pc01,pc02",
         oneFile(
@@ -43,7 +43,7 @@ constexpr Rule maybeShared = {
     Severity::Note,
     "machines",
     "Several machines write to the same path; they share the file if the folder is a share.",
-    "Put [host] into the name, if the folder is a share.",
+    "put [host] into the name, if the folder is a share",
     onMachines("pc01,pc02",
                oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
                        "/mnt/nas/out.dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")),
@@ -131,15 +131,14 @@ private:
         const Rule& rule = !file.isShared         ? maybeShared
                            : use.role == DestPath ? sharedOutput
                                                   : sharedResults;
-        const char* advice = path.contains(hostVariable)
-                                 ? "the names come out the same; give the machines different "
-                                   "names, or put something between the variables"
-                                 : "put [host] into the name";
-        m_findings.add(
-            rule, line, line.columnOf(use.role),
-            fmt::format("{} all write {}{}; {}", listed(writers), quoted(path),
-                        file.isShared ? "" : ", which is one file if its folder is a share",
-                        advice));
+        std::string text = fmt::format("{} all write {}", listed(writers), quoted(path));
+        if (!file.isShared)
+            text += ", which is one file if its folder is a share";
+        Message message = text;
+        if (path.contains(hostVariable))
+            message = {text + ", for the names come out the same",
+                       "give the machines different names, or put something between the variables"};
+        m_findings.add(rule, line, line.columnOf(use.role), std::move(message));
     }
 
     const SeriesFacts& m_facts;

@@ -1,9 +1,9 @@
+#include "check/filekeys.h"
 #include "check/nameexpander.h"
 #include "check/rules/exampletasks.h"
 #include "check/rules/families.h"
+#include "check/savelosses.h"
 #include "check/text.h"
-
-#include <QFileInfo>
 
 #include <fmt/format.h>
 
@@ -28,12 +28,13 @@ Chain chainOf(const SeriesFacts& facts)
 {
     Chain chain;
     for (const FileFact& file : facts.files) {
-        if (!file.isRead &&
+        if (!file.isRead() &&
             !file.path.endsWith(seriesFile(QString(), facts.name.baseName, seriesFileCount)))
             continue;
         Link& link = chain[size_t(file.number)];
         link.exists = true;
-        link.hasMarker = link.hasMarker || file.markers > 0;
+        // What can't be read may have one.
+        link.hasMarker = link.hasMarker || file.markers > 0 || !file.readable;
     }
     return chain;
 }
@@ -49,7 +50,7 @@ constexpr Rule markerFolder = {
     Severity::Warning,
     "series",
     "The marker names the next file in another folder: the series was moved after it was saved.",
-    "Load and save the series in its new folder.",
+    "load and save the series in its new folder",
     series({"mytest.dpc",
             "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"
@@ -57,13 +58,16 @@ constexpr Rule markerFolder = {
            {"mytest1.dpc", plainTask}),
     series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
 
-/// In the folder or in its "_wait", by whatever name.
-bool isInSeries(const SeriesFacts& facts, const QString& path)
+/// In the folder or in its "_wait", by whatever name. What another system looks up can't be told.
+bool isInSeries(const SeriesFacts& facts, const Environment& environment, const QString& path)
 {
     const QString folder = path.left(path.size() - fileNameOf(path).size());
+    if (isForeignPath(path.toLatin1()))
+        return true;
+    const QString canonical = environment.look(folder).canonical;
     for (const QString& own : {facts.runFolder, facts.runFolder + waitFolder(), facts.name.folder,
                                facts.name.folder + waitFolder()}) {
-        if (folder == own || (!folder.isEmpty() && QFileInfo(folder) == QFileInfo(own)))
+        if (folder == own || (!canonical.isEmpty() && canonical == environment.look(own).canonical))
             return true;
     }
     return false;
@@ -74,7 +78,7 @@ constexpr Rule markerTarget = {
     Severity::Error,
     "series",
     "The marker names another file than the next one of the series.",
-    "Name the next file of the series.",
+    "name the next file of the series",
     series({"mytest.dpc",
             "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"
@@ -87,39 +91,78 @@ constexpr Rule lastMarker = {
     Severity::Error,
     "series",
     "The last file ends with a marker: machines wait for a file that does not exist.",
-    "Remove the marker, or add the file that it names.",
+    "remove the marker, or add the file that it names",
     series({"mytest.dpc", plainTaskAndMarker}),
     series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
 
-void checkTarget(const SeriesFacts& facts, const Chain& chain, const LineFact& line,
-                 NameExpander& names, Findings& findings)
+/// Checks one marker after the other.
+class TargetRule
 {
-    const int number = facts.fileOf(line).number;
-    const QString target = names.resolve(line, line.text);
-    const QString next = seriesFile(QString(), facts.name.baseName, number + 1);
-    if (!chain[size_t(number) + 1].exists)
-        findings.add(
-            lastMarker, line, line.column + 1,
-            fmt::format("the marker names {}, but there is no file {}: machines wait for ever",
-                        quoted(target), printable(next)));
-    else if (fileNameOf(target) != next)
-        findings.add(markerTarget, line, line.column + 1,
-                     fmt::format("the marker names {}, but the next file is {}", quoted(target),
-                                 printable(next)));
-    else if (!isInSeries(facts, target))
-        findings.add(
-            markerFolder, line, line.column + 1,
-            fmt::format("the marker names the next file in another folder: {}; load and save "
-                        "the series again where it is now",
-                        quoted(target)));
-}
+public:
+    TargetRule(const SeriesFacts& facts, const CheckOptions& options, Findings& findings)
+        : m_facts(facts)
+        , m_environment(options.environment)
+        , m_findings(findings)
+        , m_chain(chainOf(facts))
+        , m_names(facts, thisMachine())
+    {}
+
+    void check(const LineFact& marker)
+    {
+        // One that is cut has its own finding, and so has a folder that can't be read.
+        if (marker.text.size() > maxPath || m_facts.closedWaitFolder() != nullptr)
+            return;
+        const int number = m_facts.fileOf(marker).number;
+        const QString target = m_names.resolve(marker, marker.text);
+        const QString next = seriesFile(QString(), m_facts.name.baseName, number + 1);
+        const bool isElsewhere = !isInSeries(m_facts, m_environment, target);
+        if (!m_chain[size_t(number) + 1].exists && !(isElsewhere && m_environment.exists(target)))
+            add(lastMarker, marker,
+                fmt::format("the marker names {}, but the series has no file {}: machines wait for "
+                            "ever",
+                            quoted(target), printable(next)));
+        else if (fileNameOf(target) != next)
+            add(markerTarget, marker,
+                {fmt::format("the marker names {}, but the next file is {}: machines wait for "
+                             "another file",
+                             quoted(target), printable(next)),
+                 fmt::format("name {}", quoted("[cfgPath]/" + next))});
+        else if (isElsewhere)
+            add(markerFolder, marker,
+                {fmt::format("the marker names the next file in another folder, {}: machines wait "
+                             "for the file there",
+                             quoted(target)),
+                 adviceToMove()});
+    }
+
+private:
+    void add(const Rule& rule, const LineFact& marker, Message message)
+    {
+        m_findings.add(rule, marker, marker.column + 1, std::move(message));
+    }
+
+    std::string adviceToMove() const
+    {
+        const std::string loss = lossOfSave(m_facts);
+        return loss.empty() ? "load and save the series in its new folder"
+                            : "correct the folder in the marker by hand: a save would not keep the "
+                              "series (" +
+                                  loss + ")";
+    }
+
+    const SeriesFacts& m_facts;
+    const Environment& m_environment;
+    Findings& m_findings;
+    Chain m_chain;
+    NameExpander m_names;
+};
 
 constexpr Rule afterMarker = {
     "after-marker",
     Severity::Warning,
     "series",
     "Lines follow a marker in the same file; a marker ends its file.",
-    "Move the lines into the next file.",
+    "move the lines into the next file",
     series({"mytest.dpc",
             "[cfgPath]/mytest1.dpc\n"
             "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
@@ -127,17 +170,15 @@ constexpr Rule afterMarker = {
            {"mytest1.dpc", plainTask}),
     series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
 
-void checkFileMarkers(const SeriesFacts& facts, const Chain& chain, const FileFact& file,
-                      NameExpander& names, Findings& findings)
+void checkFileMarkers(const SeriesFacts& facts, const FileFact& file, TargetRule& targets,
+                      Findings& findings)
 {
     const auto begin = facts.lines.begin() + file.firstEntry;
     const auto end = facts.lines.begin() + file.endEntry;
     const auto marker = std::find_if(begin, end, isMarker);
     if (marker == end)
         return;
-    // One that is cut has its own finding.
-    if (marker->text.size() <= maxPath)
-        checkTarget(facts, chain, *marker, names, findings);
+    targets.check(*marker);
     const auto after = std::find_if(
         marker + 1, end, [](const LineFact& line) { return line.kind != LineFact::Kind::Comment; });
     if (after != end)
@@ -152,7 +193,7 @@ constexpr Rule leftover = {
     Severity::Warning,
     "series",
     "No marker leads to the file: it is left over from a longer series, and is loaded again.",
-    "Remove the old files before saving.",
+    "remove the file, or add the marker",
     series({"mytest.dpc", plainTask}, {"mytest1.dpc", plainTask}),
     series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
 
@@ -164,27 +205,26 @@ void checkLeftovers(const SeriesFacts& facts, const Chain& chain, Findings& find
         reached[n] = n == 0 || !chain[n - 1].exists || (reached[n - 1] && chain[n - 1].hasMarker);
     for (size_t i = 0; i < facts.files.size(); ++i) {
         const FileFact& file = facts.files[i];
-        if (file.isRead && !reached[size_t(file.number)])
+        if (file.isRead() && !file.isCopy && !reached[size_t(file.number)])
             findings.add(
                 leftover, int(i), 1, 1,
                 fmt::format(
-                    "no marker in {} leads here: is the file left over from a longer "
-                    "series? The editor loads it again",
+                    "no marker in {} leads here, as if the file were left over from a "
+                    "longer series: a run ends before it, but a load has its tasks",
                     printable(seriesFile(QString(), facts.name.baseName, file.number - 1))));
     }
 }
 
 } // namespace
 
-void checkMarkers(const SeriesFacts& facts, Findings& findings)
+void checkMarkers(const SeriesFacts& facts, const CheckOptions& options, Findings& findings)
 {
-    const Chain chain = chainOf(facts);
-    NameExpander names(facts, thisMachine());
+    TargetRule targets(facts, options, findings);
     for (const FileFact& file : facts.files) {
-        if (file.isRead)
-            checkFileMarkers(facts, chain, file, names, findings);
+        if (file.isRead() && !file.isCopy)
+            checkFileMarkers(facts, file, targets, findings);
     }
-    checkLeftovers(facts, chain, findings);
+    checkLeftovers(facts, chainOf(facts), findings);
 }
 
 RuleList markerRules()

@@ -66,7 +66,7 @@ constexpr Rule negativeNumber = {
     Severity::Warning,
     "lines",
     "A size or a wait is negative.",
-    "Write 0 or a positive number.",
+    "write 0 or a positive number",
     oneFile("Stream;NOflush;NOprealloc; 50;  -64; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
@@ -76,7 +76,7 @@ constexpr Rule noIterations = {
     Severity::Warning,
     "lines",
     "Fewer than one iteration: the task does nothing.",
-    "Write 1, or remove the task.",
+    "write 1, or remove the task",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;0;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
@@ -98,7 +98,7 @@ constexpr Rule noEffect = {
     Severity::Note,
     "lines",
     "The setting has no effect for this method and test type; the editor clears it.",
-    "Choose another method, or leave the setting out.",
+    "choose another method, or leave the setting out",
     oneFile("Stream;NOflush;prealloc  ; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile("Posix ;NOflush;prealloc  ; 50; 1024; -1; 102400;1;0;  MEMORY;  "
@@ -124,7 +124,7 @@ constexpr Rule changedValue = {
     Severity::Warning,
     "lines",
     "The editor changes the value when it reads the line.",
-    "Write the value that the editor uses.",
+    "write the value that the editor uses",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 2000000;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 1048576;1;0;  MEMORY;  "
@@ -152,7 +152,7 @@ constexpr Rule emptyNumber = {
     Severity::Warning,
     "lines",
     "A number field that is empty or a lone \"-\" counts as 0.",
-    "Write the number, also if it is 0.",
+    "write the number, also if it is 0",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
@@ -162,7 +162,7 @@ constexpr Rule sizeOverflow = {
     Severity::Error,
     "lines",
     "A number does not fit into its 32 bits and becomes another one.",
-    "Write a smaller number.",
+    "write a smaller number",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 4194304;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
@@ -172,7 +172,7 @@ constexpr Rule beyondForm = {
     Severity::Note,
     "lines",
     "The form of the editor can't show the value; overwriting the row there changes it.",
-    "Edit the task by hand only, or choose a value that the form has.",
+    "edit the task by hand only, or choose a value that the form has",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;500;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;100;0;  MEMORY;  "
@@ -196,8 +196,8 @@ void checkNumber(const SeriesFacts& facts, const LineFact& line, const Number& n
     checkChange(line, number, findings);
     if (number.used < number.smallest)
         checkNegative(line, number, findings);
-    else if (!facts.isInit && (number.used / number.unitSize < number.least ||
-                               number.used / number.unitSize > number.most))
+    else if (!facts.isOfInit(line) && (number.used / number.unitSize < number.least ||
+                                       number.used / number.unitSize > number.most))
         // The _init file is not made in the form.
         findings.add(beyondForm, line, column,
                      fmt::format("{} {} can't be shown in the editor's form, which has {} to {}",
@@ -218,7 +218,7 @@ constexpr Rule chunkTooLarge = {
     Severity::Warning,
     "lines",
     "The file is smaller than one chunk.",
-    "Choose a smaller chunk or a larger file.",
+    "choose a smaller chunk or a larger file",
     oneFile("Stream;NOflush;NOprealloc; 50; 2048; -1; 1024;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile("Stream;NOflush;NOprealloc; 50;  256; -1; 1024;1;0;  MEMORY;  "
@@ -229,7 +229,7 @@ constexpr Rule chunkRemainder = {
     Severity::Note,
     "lines",
     "The file size is not a multiple of the chunk size: the last chunk is shorter.",
-    "Choose a file size that is a multiple, if all chunks must be equal.",
+    "choose a file size that is a multiple, if all chunks must be equal",
     oneFile("Stream;NOflush;NOprealloc; 50; 1000; -1; 1024;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile("Stream;NOflush;NOprealloc; 50;  256; -1; 1024;1;0;  MEMORY;  "
@@ -253,24 +253,93 @@ void checkChunks(const LineFact& line, Findings& findings)
                                  size / 1024, chunk / 1024, size % chunk / 1024));
 }
 
+constexpr Rule cacheMode = {
+    "cache-mode",
+    Severity::Note,
+    "lines",
+    "The form names another method or system for the cache mode: the cache is not cleared.",
+    "choose the cache mode for the method and the system, or 0",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;4;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile("Posix ;NOflush;NOprealloc; 50; 1024;  1; 102400;1;4;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
+
+/// The systems on which the machines run, as far as the paths of a task tell.
+struct Systems
+{
+    bool maybeWindows = true;
+    bool maybeOther = true;
+};
+
+Systems systemsOf(const LineFact& line)
+{
+    Systems systems;
+    for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath}) {
+        const QByteArray path = line.path(which);
+        if (path.startsWith('\\') || (path.size() > 1 && path[1] == ':'))
+            systems.maybeOther = false;
+        else if (path.startsWith('/') && !path.startsWith("//"))
+            systems.maybeWindows = false;
+    }
+    return systems;
+}
+
+/// What the form says of a cache mode.
+struct CacheModeInfo
+{
+    const char* system;
+    bool isOfWindows;
+    const char* methods; ///< null for all
+};
+
+constexpr CacheModeInfo cacheModes[] = {
+    {nullptr, false, nullptr}, {"Windows", true, nullptr},           {"Windows", true, nullptr},
+    {"Linux", false, nullptr}, {"Linux", false, "Posix and System"}, {"macOS", false, "Posix"}};
+
+void checkCacheMode(const LineFact& line, Findings& findings)
+{
+    const int mode = line.used.cacheMode;
+    if (mode < 1 || mode >= int(std::size(cacheModes)))
+        return;
+    const CacheModeInfo& info = cacheModes[mode];
+    const Systems systems = systemsOf(line);
+    const char* const method = methodName(line.used.method);
+    const int column = line.columnOf(CacheModeField);
+    if (info.methods != nullptr && !QByteArray(info.methods).contains(method))
+        findings.add(cacheMode, line, column,
+                     fmt::format("cache mode {} is for {} only: a {} task does not clear the cache",
+                                 mode, info.methods, method));
+    else if (info.isOfWindows ? !systems.maybeWindows : !systems.maybeOther)
+        findings.add(cacheMode, line, column,
+                     fmt::format("cache mode {} is for {}, but the paths are those of another "
+                                 "system: the cache is not cleared",
+                                 mode, info.system));
+}
+
+void checkTask(const SeriesFacts& facts, const LineFact& line, Findings& findings)
+{
+    for (const Number& number : numbersOf(line))
+        checkNumber(facts, line, number, findings);
+    checkFlag(line, FlushField, line.written.flush, line.used.flush, findings);
+    checkFlag(line, PreallocateField, line.written.preallocate, line.used.preallocate, findings);
+    checkChunks(line, findings);
+    checkCacheMode(line, findings);
+}
+
 } // namespace
 
 void checkNumbers(const SeriesFacts& facts, Findings& findings)
 {
-    for (const LineFact& line : facts.lines) {
-        if (!isTask(line))
-            continue;
-        for (const Number& number : numbersOf(line))
-            checkNumber(facts, line, number, findings);
-        checkFlag(line, FlushField, line.written.flush, line.used.flush, findings);
-        checkFlag(line, PreallocateField, line.written.preallocate, line.used.preallocate,
-                  findings);
-        checkChunks(line, findings);
+    for (const auto* lines : {&facts.lines, &facts.initLines}) {
+        for (const LineFact& line : *lines) {
+            if (isTask(line))
+                checkTask(facts, line, findings);
+        }
     }
 }
 
 RuleList numberRules()
 {
-    return {&emptyNumber, &sizeOverflow, &negativeNumber, &changedValue,  &noEffect,
-            &beyondForm,  &noIterations, &chunkTooLarge,  &chunkRemainder};
+    return {&emptyNumber, &sizeOverflow, &negativeNumber, &changedValue,   &noEffect,
+            &beyondForm,  &noIterations, &chunkTooLarge,  &chunkRemainder, &cacheMode};
 }

@@ -19,7 +19,7 @@ constexpr Rule overwritesSource = {
     "paths",
     "The destination overwrites a source that is there before the series runs, and its bytes are "
     "lost. A file that a task writes and a later one reads back is none.",
-    "Name another destination.",
+    "name another destination",
     withExisting("/data/a.dat", 3,
                  oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
                          "/data/a.dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"
@@ -162,7 +162,7 @@ private:
         const LineFact& line = m_facts.lines[size_t(writer)];
         m_findings.add(overwritesSource, line, line.columnOf(DestPath),
                        fmt::format("the destination overwrites {}, and what it held before is "
-                                   "lost; name another destination",
+                                   "lost",
                                    "the source of " + placeOf(m_facts, reader)));
     }
 
@@ -180,7 +180,7 @@ constexpr Rule initOverwrites = {
     "series",
     "The _init file makes a file anew that exists in another size: its bytes are lost when the "
     "_init file is run. A load out of _wait looks for the files there, and takes them for missing.",
-    "Put # before the line, or name the source by its full path.",
+    "put # before the line, or name the source by its full path",
     withExisting(
         "/data/src.dat", 3,
         series({"mytest.dpc",
@@ -229,8 +229,7 @@ void checkInitLine(const SeriesFacts& facts, const FileUses& uses, const InitUse
     constexpr qint64 kib = 1024;
     findings.add(initOverwrites, facts.initFile, made.entry.line, 1,
                  fmt::format("makes {} anew, which exists with {} bytes, in {} KiB: what it holds "
-                             "is lost when the _init file is run; put # before the line, or name "
-                             "the source by its full path",
+                             "is lost when the _init file is run",
                              quoted(made.name), file.path.size, made.entry.size / kib));
 }
 

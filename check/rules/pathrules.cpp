@@ -1,104 +1,86 @@
 #include "check/nameexpander.h"
 #include "check/rules/exampletasks.h"
 #include "check/rules/families.h"
+#include "check/rules/variables.h"
 #include "check/taskfields.h"
 #include "check/text.h"
+#include "shared/kvfile.h"
 #include "shared/kvpath.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
+#include <string>
+
 // What is wrong with a path by itself: its variables, its form, its folder.
 
 namespace {
-
-bool isVariable(const std::string& word)
-{
-    for (const char* variable : pathVariables) {
-        if (word == variable)
-            return true;
-    }
-    return false;
-}
-
-constexpr Rule unknownVariable = {
-    "unknown-variable",
-    Severity::Warning,
-    "paths",
-    "A word in brackets is not a variable and stays as it is; capitals count.",
-    "Write the variable as the editor lists it.",
-    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
-            "[CfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
-    oneFile(plainTask)};
-
-/// Every "[word]" without a bracket inside.
-void checkVariables(const LineFact& line, const QByteArray& text, int column, Findings& findings)
-{
-    int open = text.indexOf('[');
-    while (open >= 0) {
-        const int close = text.indexOf(']', open);
-        if (close < 0)
-            return;
-        // "[a[host]": the inner one counts.
-        open = text.lastIndexOf('[', close);
-        const std::string word = text.mid(open, close - open + 1).toStdString();
-        if (!isVariable(word))
-            findings.add(unknownVariable, line, column + open,
-                         fmt::format("{} is no variable{}: it stays in the name as it is",
-                                     quoted(QByteArray::fromStdString(word)),
-                                     didYouMean(closest(word, pathVariables))));
-        open = text.indexOf('[', close);
-    }
-}
 
 constexpr Rule relativePath = {
     "relative-path",
     Severity::Warning,
     "paths",
     "A relative path is taken from the folder of the config file, which changes when it is copied.",
-    "Begin the path with [cfgPath] or with a folder.",
+    "begin the path with [cfgPath] or with a folder",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  out/[host].dat;  "
             "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out/[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
 
-void checkRelative(const LineFact& line, TaskPath which, Findings& findings)
+/// What a path that is not meant to be relative may be meant as; empty if that can't be told.
+Message relativeMessage(const QByteArray& path, TaskPath which)
 {
-    const QByteArray path = line.path(which);
-    if (path.isEmpty() || !isRelative(path))
-        return;
-    const bool mayBeMemory = which <= DestPath && path.toUpper() == "MEMORY";
-    // A misspelled variable at the start is one mistake, not two.
-    if (path.startsWith('[') && !isVariable(path.left(path.indexOf(']') + 1).toStdString()))
-        return;
-    findings.add(relativePath, line, line.columnOf(which),
-                 mayBeMemory ? fmt::format("{} is a file name (did you mean MEMORY?)", quoted(path))
-                             : fmt::format("{} is relative to the folder of the config file "
-                                           "(did you mean {}?)",
-                                           quoted(path), quoted("[cfgPath]/" + path)));
+    const std::string name = quoted(path);
+    if (which <= DestPath && path.toUpper() == "MEMORY")
+        return {fmt::format("{} is a file name here", name), "write MEMORY in capitals for memory"};
+    if (path.startsWith('"') || path.startsWith('\''))
+        return {fmt::format("the quotation marks of {} are part of its name, which makes the path "
+                            "relative",
+                            name),
+                "remove them"};
+    if (path.startsWith('~'))
+        return {fmt::format("{} is relative: '~' does not stand for a folder here", name),
+                "write the folder itself"};
+    return {fmt::format("{} is relative to the folder of the config file, which changes when the "
+                        "file is copied",
+                        name),
+            fmt::format("write {}", quoted("[cfgPath]/" + path))};
 }
 
-/// The "_init" file has no logs on purpose.
+/// A save makes the folder of a name without one by "dummyFile" alone, which does no harm.
+void checkRelative(const SeriesFacts& facts, const LineFact& line, TaskPath which,
+                   Findings& findings)
+{
+    const QByteArray path = line.path(which);
+    if (path.isEmpty() || !isRelative(path) || (facts.isOfInit(line) && path == "dummyFile"))
+        return;
+    // A misspelled variable at the start is one mistake, not two.
+    if (path.startsWith('[') && !isVariable(path.left(path.indexOf(']') + 1)))
+        return;
+    findings.add(relativePath, line, line.columnOf(which), relativeMessage(path, which));
+}
+
 constexpr Rule emptyLog = {
     "empty-log",
     Severity::Note,
     "paths",
     "An empty log or .csv field comes back from a load as the folder of the config file.",
-    "Name a log and a .csv file.",
+    "name a log and a .csv file",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  ;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
 
+/// The "_init" file has no logs on purpose, and a line that ends early has its own finding.
 void checkLogs(const SeriesFacts& facts, const LineFact& line, Findings& findings)
 {
     for (const TaskPath which : {LogPath, CsvPath}) {
-        const QByteArray path = line.path(which);
-        const char* name = fieldName(firstPathField + which);
-        // A line that ends early has its own finding.
-        if (path.isEmpty() && firstPathField + which <= line.fields.count && !facts.isInit)
+        const int field = firstPathField + which;
+        if (line.path(which).isEmpty() && field <= line.fields.count && !facts.isOfInit(line))
             findings.add(
                 emptyLog, line, line.columnOf(which),
                 fmt::format("{} is empty: a load turns it into the folder of the config file",
-                            name));
+                            fieldName(field)));
     }
 }
 
@@ -107,89 +89,182 @@ constexpr Rule longPath = {
     Severity::Error,
     "paths",
     "A path ends at 500 characters, as written and with its variables replaced.",
-    "Shorten the path.",
+    "shorten the path",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/x{500}_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
 
-void checkPathLength(const LineFact& line, TaskPath which, NameExpander& names, Findings& findings)
+/// Finds the paths that are cut while their variables are replaced.
+class LengthRule
 {
-    const int length = line.fields.fields[size_t(firstPathField + which - 1)].length;
-    const int column = line.columnOf(which);
-    const char* name = fieldName(firstPathField + which);
+public:
+    LengthRule(const SeriesFacts& facts, const CheckOptions& options, Findings& findings)
+        : m_facts(facts)
+        , m_findings(findings)
+    {
+        for (const QString& host : options.hosts)
+            m_hostLength =
+                std::max(m_hostLength, int(computerNameFrom(host.toLatin1().constData()).length));
+        if (options.hosts.isEmpty())
+            m_hostLength = getComputerName().length;
+    }
+
+    void check(const LineFact& line, TaskPath which)
+    {
+        const int length = line.fields.fields[size_t(firstPathField + which - 1)].length;
+        const int column = line.columnOf(which);
+        const char* name = fieldName(firstPathField + which);
+        if (length > maxPath)
+            m_findings.add(longPath, line, column + maxPath,
+                           fmt::format("{} has {} characters: what follows the first {} is not "
+                                       "read",
+                                       name, length, maxPath));
+        else if (length == maxPath)
+            m_findings.add(longPath, line, column + maxPath - 1,
+                           Message(fmt::format("{} has {} characters, the most that a path can: "
+                                               "its end may have been cut off",
+                                               name, maxPath),
+                                   "compare the end with what you meant"));
+        else if (const int longest = longestExpansion(line, line.path(which)); longest > maxPath)
+            m_findings.add(longPath, line, column,
+                           fmt::format("{} has {} characters when its variables are replaced, and "
+                                       "is cut at {}: another file is used",
+                                       name, longest, maxPath));
+    }
+
+private:
+    /// The lengths of what the variables stand for, in the order in which they are replaced.
+    std::array<int, pathVariableCount> valueLengths(const LineFact& line) const
+    {
+        constexpr int dateLength = 19;
+        constexpr int logNameAdditions = 5; // "_" and "_log"
+        const FileFact& file = m_facts.fileOf(line);
+        const int base =
+            file.path.size() - file.path.lastIndexOf('/') - 1 - int(qstrlen(configFileExtension));
+        const auto digits = [](int number) { return int(std::to_string(number).size()); };
+        const int task = digits(line.taskNumber);
+        return {m_hostLength,
+                dateLength,
+                digits(std::max(line.used.iterations - 1, 0)),
+                task,
+                task,
+                digits(file.number),
+                base + logNameAdditions,
+                base,
+                m_facts.name.baseName.size(),
+                m_facts.runFolder.size(),
+                m_tempLength};
+    }
+
+    /// A path that is too long for a moment only is cut as well.
+    int longestExpansion(const LineFact& line, const QByteArray& path) const
+    {
+        int length = path.size();
+        if (!path.isEmpty() && isRelative(path))
+            length += m_facts.runFolder.size();
+        if (path.indexOf('[') < 0)
+            return length;
+        int longest = length;
+        const auto lengths = valueLengths(line);
+        for (size_t i = 0; i < lengths.size(); ++i) {
+            const char* const variable = pathVariables[i];
+            length += path.count(variable) * (lengths[i] - int(qstrlen(variable)));
+            longest = std::max(longest, length);
+        }
+        return longest;
+    }
+
+    const SeriesFacts& m_facts;
+    Findings& m_findings;
+    int m_hostLength = 0;
+    int m_tempLength = kvGetTempDir().length;
+};
+
+constexpr Rule controlCharacter = {
+    "control-character",
+    Severity::Warning,
+    "paths",
+    "A path holds a character that can't be seen: a control character, or a no-break blank at an "
+    "end. It is part of the name.",
+    "remove the character",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out\t_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile(plainTask)};
+
+void checkCharacters(const LineFact& line, TaskPath which, Findings& findings)
+{
     const QByteArray path = line.path(which);
-    if (length > maxPath)
-        findings.add(longPath, line, column + maxPath,
-                     fmt::format("{} has {} characters: what follows the first {} is not read",
-                                 name, length, maxPath));
-    else if (length == maxPath)
-        findings.add(longPath, line, column + maxPath - 1,
-                     fmt::format("{} has {} characters, the most that a path can: was it cut off?",
-                                 name, maxPath));
-    // What can't grow that long need not be tried: most of the time goes into replacing variables.
-    else if (path.size() + path.count('[') * names.longestValue() >= maxPath &&
-             names.resolve(line, path).size() >= maxPath)
-        findings.add(longPath, line, column,
-                     fmt::format("{} is cut at {} characters when its variables are replaced", name,
-                                 maxPath));
+    const char noBreakBlank = '\xA0';
+    const auto isHidden = [&](const char& c) {
+        const bool isAtEnd = &c == path.begin() || &c == path.end() - 1;
+        return static_cast<unsigned char>(c) < 32 || c == 127 || (c == noBreakBlank && isAtEnd);
+    };
+    const auto* const found = std::find_if(path.begin(), path.end(), isHidden);
+    if (found != path.end())
+        findings.add(
+            controlCharacter, line, line.columnOf(which) + int(found - path.begin()),
+            fmt::format("{} holds the character \\x{:02X}, which can't be seen and is part "
+                        "of the name",
+                        fieldName(firstPathField + which), static_cast<unsigned char>(*found)));
 }
 
-/// The editor writes its full path, which may hold brackets that are no variable.
-void checkMarkerPath(const SeriesFacts& facts, const LineFact& line, Findings& findings)
+void checkMarkerPath(const LineFact& line, Findings& findings)
 {
     const int column = line.column + 1;
-    const QByteArray folder = facts.runFolder.toLatin1();
-    const int known = line.text.startsWith(folder) ? folder.size() : 0;
-    checkVariables(line, line.text.mid(known), column + known, findings);
     if (line.text.size() > maxPath)
         findings.add(longPath, line, column + maxPath,
                      fmt::format("the marker has {} characters: what follows the first {} is not "
                                  "read",
                                  line.text.size(), maxPath));
     if (isRelative(line.text) && !line.text.startsWith('['))
-        findings.add(relativePath, line, column,
-                     fmt::format("the marker {} is no full path (did you mean {}?)",
-                                 quoted(line.text), quoted("[cfgPath]/" + line.text)));
+        findings.add(
+            relativePath, line, column,
+            {fmt::format("the marker {} is not a full path, and is taken from the folder in "
+                         "which the speed test runs",
+                         quoted(line.text)),
+             fmt::format("write {}", quoted("[cfgPath]/" + line.text))});
 }
 
-constexpr Rule noPaths = {"no-paths",
-                          Severity::Error,
-                          "paths",
-                          "Neither source nor destination names a file.",
-                          "Name a source, a destination or both.",
-                          oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
-                                  "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
-                          oneFile(plainTask)};
+constexpr Rule noPaths = {
+    "no-paths",
+    Severity::Error,
+    "paths",
+    "Neither source nor destination names a file.",
+    "name a source, a destination or both",
+    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  MEMORY;  "
+            "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
+    oneFile(plainTask)};
 
-void checkTask(const SeriesFacts& facts, const LineFact& line, NameExpander& names,
+void checkTask(const SeriesFacts& facts, const LineFact& line, LengthRule& lengths,
                Findings& findings)
 {
-    if (line.fromMemory && line.toMemory)
+    if (line.fromMemory && line.toMemory && line.splitEnd == 0)
         findings.add(noPaths, line, line.columnOf(SourcePath),
                      "neither source nor destination names a file: there is nothing to test");
     for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath}) {
-        checkVariables(line, line.path(which), line.columnOf(which), findings);
-        checkRelative(line, which, findings);
-        checkPathLength(line, which, names, findings);
+        checkRelative(facts, line, which, findings);
+        checkCharacters(line, which, findings);
+        lengths.check(line, which);
     }
     checkLogs(facts, line, findings);
 }
 
 } // namespace
 
-void checkPaths(const SeriesFacts& facts, Findings& findings)
+void checkPaths(const SeriesFacts& facts, const CheckOptions& options, Findings& findings)
 {
-    NameExpander names(facts, thisMachine());
-    for (const LineFact& line : facts.lines) {
-        if (isMarker(line))
-            checkMarkerPath(facts, line, findings);
-        if (!isTask(line))
-            continue;
-        checkTask(facts, line, names, findings);
+    LengthRule lengths(facts, options, findings);
+    for (const auto* lines : {&facts.lines, &facts.initLines}) {
+        for (const LineFact& line : *lines) {
+            if (isMarker(line))
+                checkMarkerPath(line, findings);
+            if (isTask(line))
+                checkTask(facts, line, lengths, findings);
+        }
     }
 }
 
 RuleList pathRules()
 {
-    return {&longPath, &noPaths, &emptyLog, &unknownVariable, &relativePath};
+    return {&longPath, &controlCharacter, &noPaths, &emptyLog, &relativePath};
 }

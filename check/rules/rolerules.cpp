@@ -20,7 +20,7 @@ constexpr Rule resultsOverData = {
     Severity::Error,
     "paths",
     "A log or .csv file is also the source or destination of a task: one destroys the other.",
-    "Name another file.",
+    "name another file",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/out.dat;  "
             "[cfgPath]/out.dat;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
@@ -31,7 +31,7 @@ constexpr Rule logIsCsv = {
     "paths",
     "The .csv file of a task is the log file of one: results and messages mix, and a spreadsheet "
     "can't read them.",
-    "Name another .csv file.",
+    "name another .csv file",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].txt;  true;\n"),
     oneFile(plainTask)};
@@ -41,7 +41,7 @@ constexpr Rule overwritesSeries = {
     Severity::Error,
     "paths",
     "A task writes over a config file of the series, or over its _init file.",
-    "Name another file.",
+    "name another file",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/mytest.dpc;  "
             "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
@@ -53,7 +53,7 @@ constexpr Rule doneName = {
     "A task writes a file that is named like the ones by which machines tell that they are done "
     "with "
     "a config file: it looks as if they were.",
-    "Name another file.",
+    "name another file",
     oneFile(
         "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/done_[host];  "
         "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
@@ -95,11 +95,9 @@ private:
         const std::optional<TaskPath> results = either(roles, LogPath, CsvPath);
         const std::optional<TaskPath> data = either(roles, DestPath, SourcePath);
         if (results && data)
-            say(resultsOverData, roles, *results, *data,
-                "one destroys the other; name another file");
+            say(resultsOverData, roles, *results, *data, "one destroys the other");
         else if (roles.first[LogPath] >= 0 && roles.first[CsvPath] >= 0)
-            say(logIsCsv, roles, CsvPath, LogPath,
-                "results and messages mix; name another .csv file");
+            say(logIsCsv, roles, CsvPath, LogPath, "results and messages mix");
     }
 
     Roles rolesOf(const UsedFile& file) const
@@ -157,8 +155,7 @@ private:
                 continue;
             const FileUse& use = firstUse(roles, role);
             add(overwritesSeries, use,
-                fmt::format("{} is a file of the series itself, which the task overwrites; name "
-                            "another file",
+                fmt::format("{} is a file of the series itself, which the task overwrites",
                             quoted(QString::fromUtf8(file.path.key))));
         }
     }
@@ -174,7 +171,7 @@ private:
             m_saidDone.insert(roles.first[role]);
             add(doneName, firstUse(roles, role),
                 fmt::format("{} is named like the file by which a machine tells that it is done "
-                            "with a config file; name another file",
+                            "with a config file",
                             quoted(name.text)));
         }
     }
@@ -199,7 +196,7 @@ constexpr Rule namesMeet = {
     "paths",
     "Two iterations or tasks have names of their own that come out the same: without anything "
     "between its parts, 1 and 11 is the same as 11 and 1. One overwrites what the other wrote.",
-    "Put something between the variables, such as [cfgTaskID]_[iter].",
+    "put something between the variables, such as [cfgTaskID]_[iter]",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 1024;12;0;  MEMORY;  "
             "[cfgPath]/[cfgTaskID][iter].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  "
             "true;\n",
@@ -275,7 +272,7 @@ private:
                                                   placeOf(m_facts, before.line), before.iteration);
         m_findings.add(namesMeet, line, line.columnOf(use.role),
                        fmt::format("iteration {} writes {}, as {} does: the parts of the names "
-                                   "come out the same; put something between the variables",
+                                   "come out the same",
                                    use.iteration, quoted(m_uses.nameOf(use).text), who));
     }
 
@@ -290,7 +287,7 @@ constexpr Rule csvAcrossFiles = {
     "paths",
     "Tasks of two config files write the same .csv file: [cfgTaskID] begins again in each. Their "
     "results stand one below the other.",
-    "Put [cfgID] into the name, if each config file is to have results of its own.",
+    "put [cfgID] into the name, if each config file is to have results of its own",
     series({"mytest.dpc",
             "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"
@@ -315,7 +312,7 @@ void checkCsvAcrossFiles(const SeriesFacts& facts, const FileUses& uses, Finding
         saidFile = line.file;
         findings.add(csvAcrossFiles, line, line.columnOf(CsvPath),
                      fmt::format("the .csv file {} is also that of {}: the results of both config "
-                                 "files stand in one; [cfgID] in the name keeps them apart",
+                                 "files stand in one",
                                  quoted(line.path(CsvPath)), placeOf(facts, first)));
     }
 }

@@ -1,6 +1,7 @@
 #include "check/rules/exampletasks.h"
 #include "check/rules/families.h"
 #include "check/rules/usetexts.h"
+#include "check/savelosses.h"
 #include "check/text.h"
 
 #include <fmt/format.h>
@@ -16,7 +17,7 @@ constexpr Rule sameFile = {
     Severity::Error,
     "paths",
     "Source and destination are the same file, in any iteration, on any machine.",
-    "Name another destination.",
+    "name another destination",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  /data/a.dat;  /data/./a.dat;  "
             "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  /data/a.dat;  /data/b.dat;  "
@@ -42,7 +43,7 @@ void checkSameFile(const SeriesFacts& facts, const FileUses& uses, int line, Fin
                 when += " on " + printable(uses.machines()[size_t(machine)].host);
             findings.add(sameFile, fact, fact.columnOf(DestPath),
                          fmt::format("destination and source are the same file {}{}: the task "
-                                     "destroys what it reads; name another destination",
+                                     "destroys what it reads",
                                      quoted(uses.nameOf(dest).text), when));
             return;
         }
@@ -54,7 +55,7 @@ constexpr Rule sourceMissing = {
     Severity::Error,
     "paths",
     "The source does not exist, and neither the _init file nor an earlier task makes it.",
-    "Correct the name, or save the series again so that the _init file makes the source.",
+    "correct the name, or save the series again so that the _init file makes the source",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  /data/src.dat;  MEMORY;  "
             "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     withExisting("/data/src.dat", 102400,
@@ -66,7 +67,7 @@ constexpr Rule sourceDate = {
     Severity::Error,
     "paths",
     "[date] in a source is another name every second: no file that was made before can match it.",
-    "Leave [date] out of the source.",
+    "leave [date] out of the source",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/src_[date].dat;  "
             "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     series({"mytest.dpc",
@@ -83,7 +84,7 @@ constexpr Rule sourceLocal = {
     "paths",
     "The source is another file on each machine; the _init file makes only the one of the machine "
     "that saved the series.",
-    "Name a source below [cfgPath], write it with an earlier task, or make it on each machine.",
+    "name a source below [cfgPath], write it with an earlier task, or make it on each machine",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [temp]/src.dat;  MEMORY;  "
             "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [temp]/src.dat;  "
@@ -175,8 +176,8 @@ private:
     {
         const LineFact& line = lineOf(source);
         m_findings.add(sourceDate, line, line.columnOf(SourcePath),
-                       fmt::format("[date] gives the source {} another name every second: nothing "
-                                   "that was made before has it; leave [date] out",
+                       fmt::format("[date] gives the source {} another name every second: no "
+                                   "existing file can match it",
                                    quoted(line.path(SourcePath))));
         return false;
     }
@@ -190,8 +191,7 @@ private:
                                           listedMachines(m_uses, lacking, int(lacking.size())));
         m_findings.add(sourceLocal, line, line.columnOf(SourcePath),
                        fmt::format("{} is another file on each machine{}: the _init file makes it "
-                                   "on one only; write it with an earlier task, or name a source "
-                                   "below [cfgPath]",
+                                   "on one only",
                                    quoted(line.path(SourcePath)), which));
         return false;
     }
@@ -199,32 +199,34 @@ private:
     bool sayMissing(const FileUse& source)
     {
         const LineFact& line = lineOf(source);
-        m_findings.add(sourceMissing, line, line.columnOf(SourcePath),
-                       fmt::format("the source {} does not exist, and nothing makes it{}",
-                                   quoted(m_uses.nameOf(source).text), hint(source)));
+        m_findings.add(sourceMissing, line, line.columnOf(SourcePath), messageOnMissing(source));
         return false;
     }
 
-    std::string hint(const FileUse& source)
+    Message messageOnMissing(const FileUse& source)
     {
+        const std::string missing =
+            fmt::format("the source {} does not exist, and ", quoted(m_uses.nameOf(source).text));
         const UsedFile& file = m_uses.file(source, 0);
         if (file.init >= 0)
-            return fmt::format(
-                "; line {} of the _init file is commented out: save the series again",
-                m_uses.init()[size_t(file.init)].entry.line);
+            return {fmt::format("{}line {} of the _init file is commented out", missing,
+                                m_uses.init()[size_t(file.init)].entry.line),
+                    adviceToRenewInit(m_facts)};
         const LineFact& line = lineOf(source);
         const QString nameless =
             m_expander.namelessInitName(line, line.path(SourcePath), source.iteration);
         if (m_facts.init.contains(nameless.toLatin1()))
-            return fmt::format("; the _init file makes {}: load and save the series once more",
-                               quoted(nameless));
+            return {fmt::format("{}nothing makes it: the _init file makes {}", missing,
+                                quoted(nameless)),
+                    adviceToRenewInit(m_facts)};
         for (const FileWay& way : file.ways) {
             const int first = m_uses.names()[size_t(way.name)].firstUse[DestPath];
             if (first >= 0)
-                return fmt::format(" before {} writes it",
-                                   placeOf(m_facts, m_uses.uses()[size_t(first)].line));
+                return {fmt::format("{}nothing makes it before {} writes it", missing,
+                                    placeOf(m_facts, m_uses.uses()[size_t(first)].line)),
+                        "change the order of the tasks, or correct the name"};
         }
-        return {};
+        return {missing + "nothing makes it", "correct the name, or " + adviceToRenewInit(m_facts)};
     }
 
     const LineFact& lineOf(const FileUse& use) const { return m_facts.lines[size_t(use.line)]; }
@@ -240,7 +242,7 @@ constexpr Rule sourceSize = {
     Severity::Warning,
     "paths",
     "Two tasks want the same source in two sizes: the _init file makes one of them only.",
-    "Give one of the tasks a source of its own; [cfgID] tells the config files apart.",
+    "give one of the tasks a source of its own; [cfgID] tells the config files apart",
     series(
         {"mytest.dpc",
          "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/src.dat;  MEMORY;  "
@@ -299,7 +301,7 @@ private:
         m_findings.add(
             sourceSize, other, other.columnOf(FileSizeField),
             fmt::format("the source {} is wanted with {} KiB here and with {} KiB in {}: the _init "
-                        "file makes one of them only; give this task a source of its own",
+                        "file makes one of them only",
                         quoted(other.path(SourcePath)), other.used.fileSize / 1024,
                         one.used.fileSize / 1024, placeOf(m_facts, first)));
         return true;
@@ -317,7 +319,7 @@ constexpr Rule manyIterations = {
     Severity::Note,
     "paths",
     "The tasks have so many iterations in all that their file names are not checked one by one.",
-    "Lower the number of iterations, if it is a mistake.",
+    "lower the number of iterations, if it is a mistake",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;2000000000;0;  MEMORY;  "
             "[cfgPath]/out_[host]_[iter].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  "
             "true;\n"),

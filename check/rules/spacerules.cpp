@@ -18,7 +18,7 @@ constexpr Rule diskSpace = {
     Severity::Warning,
     "machines",
     "A file system has less space than the series needs, as far as this machine can tell.",
-    "Use smaller files or fewer machines, or make space.",
+    "use smaller files or fewer machines, or make space",
     onMachines("pc01,pc02", withSpace(150, oneFile(plainTask))),
     onMachines("pc01,pc02", withSpace(200, oneFile(plainTask)))};
 
@@ -123,7 +123,7 @@ private:
         return fmt::format(
             "the series needs {:.0f} MiB on the file system of {}, which has {:.0f} MiB free "
             "(counting {}, files that exist as overwritten in place, and [temp] of this machine "
-            "only); use smaller files or fewer machines, or make space",
+            "only)",
             demand.bytes / mib, quoted(demand.place), double(demand.free) / mib,
             counted(std::max(m_uses.givenMachines(), 1), "machine"));
     }

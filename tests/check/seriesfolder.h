@@ -1,6 +1,7 @@
 #pragma once
 
 #include "check/checker.h"
+#include "check/findings.h"
 #include "check/rules/catalogue.h"
 #include "configset/seriessaver.h"
 #include "shared/kvtext.h"
@@ -32,7 +33,12 @@ public:
     const QString& root() const { return m_root; }
     CheckOptions& options() { return m_options; }
 
-    void put(const QString& name, const QByteArray& content) { test::put(m_root + name, content); }
+    void put(const QString& name, const QByteArray& content)
+    {
+        if (!QDir().mkpath(QFileInfo(m_root + name).path()))
+            qFatal("can't make a folder for the test");
+        test::put(m_root + name, content);
+    }
 
     /// A file that rules find on the disk, or a folder if it ends in "/"; the folders above it are
     /// there as well.
@@ -87,6 +93,16 @@ public:
         return {};
     }
 
+    /// The severity of the first finding of a rule; a note if there is none.
+    Severity severity(const char* rule, const QString& chosen = "a.dpc") const
+    {
+        for (const Finding& finding : findings(chosen)) {
+            if (finding.rule->name == QByteArray(rule))
+                return finding.severity;
+        }
+        return Severity::Note;
+    }
+
     /// How often a rule hits a series of one file with these lines.
     int hits(const char* rule, const QByteArray& lines)
     {
@@ -105,7 +121,7 @@ private:
         else if (m_folders.contains(name))
             status.kind = PathStatus::Kind::Folder;
         else
-            return status;
+            return path.startsWith(m_root) ? m_real.look(path) : status;
         status.isReadable = status.isWritable = true;
         status.size = file != m_existing.cend() ? *file : 0;
         status.canonical = name.isEmpty() ? "/" : name;
@@ -117,13 +133,14 @@ private:
     QHash<QString, qint64> m_existing; ///< path and size
     QSet<QString> m_folders;
     CheckOptions m_options;
+    Environment m_real = realEnvironment();
 };
 
 /// A line in which nothing is wrong, with some fields (from 1) replaced.
 inline QByteArray goodLine(const QMap<int, QByteArray>& changes = {})
 {
     QList<QByteArray> fields = {
-        "Posix",    "flush",         "prealloc",      "10",  "64", "1", "1024", "3", "2", "MEMORY",
+        "Posix",    "flush",         "prealloc",      "10",  "64", "1", "1024", "3", "0", "MEMORY",
         "/d/x.dat", "/d/[host].txt", "/d/[host].csv", "true"};
     for (auto it = changes.begin(); it != changes.end(); ++it)
         fields[it.key() - 1] = it.value();

@@ -115,11 +115,14 @@ private slots:
     void textsSayFromWhatToWhat()
     {
         m_series->put("a.dpc", goodLine({{7, "2000000"}}));
-        QCOMPARE(m_series->text("changed-value"),
-                 QString("file size 2000000 KiB becomes 1048576 KiB for a Posix Write"));
+        QCOMPARE(
+            m_series->text("changed-value"),
+            QString("file size 2000000 KiB becomes 1048576 KiB for a Posix Write; write the value "
+                    "that the editor uses"));
         m_series->put("a.dpc", goodLine({{7, "4194304"}}));
-        QCOMPARE(m_series->text("size-overflow"),
-                 QString("file size '4194304' is too large: it becomes 0 KiB"));
+        QCOMPARE(
+            m_series->text("size-overflow"),
+            QString("file size '4194304' is too large: it becomes 0 KiB; write a smaller number"));
     }
 
     void controlCharactersDoNotReachTheTerminal()

@@ -92,7 +92,7 @@ private slots:
         m_series->put("a.dpc", writing("/d/[something]"));
         QVERIFY(!m_series->text("unknown-variable").contains("did you mean"));
         m_series->put("a.dpc", reading("memory"));
-        QVERIFY(m_series->text("relative-path").contains("did you mean MEMORY?"));
+        QVERIFY(m_series->text("relative-path").contains("write MEMORY in capitals"));
     }
 
     void bracketsInTheFolderAreNoVariable()

@@ -414,6 +414,9 @@ bool plantSourceThatIsMadeAnew(RandomSeries& series, Planted& planted)
 
 bool plantMissingInit(RandomSeries& series, Planted& planted)
 {
+    // Once it has run, all that it makes is there: each task has a log in one of these folders.
+    if (QFileInfo::exists(series.folder() + "m") || QFileInfo::exists(series.folder() + "log"))
+        return false;
     QFile::remove(series.folder() + "m_init.dpc");
     planted.wanted = {{"init-missing"}};
     // Nothing tells any more that it made the files that tasks write.

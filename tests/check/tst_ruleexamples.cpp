@@ -69,9 +69,12 @@ private slots:
             const QByteArray category(rule->category);
             QVERIFY2(QList<QByteArray>({"lines", "paths", "series", "machines"}).contains(category),
                      rule->name);
-            for (const char* text : {rule->meaning, rule->advice})
-                QVERIFY2(QByteArray(text).endsWith('.') && !QByteArray(text).contains('|'),
-                         rule->name);
+            const QByteArray meaning(rule->meaning);
+            QVERIFY2(meaning.endsWith('.') && !meaning.contains('|'), rule->name);
+            // A clause that ends a message.
+            const QByteArray advice(rule->advice);
+            QVERIFY2(!advice.isEmpty() && !advice.endsWith('.'), rule->name);
+            QVERIFY2(advice.left(1).toLower() == advice.left(1), rule->name);
             QCOMPARE(ruleNamed(rule->name), rule);
             QCOMPARE(allRules()[size_t(orderOf(*rule))], rule);
         }

@@ -1,6 +1,9 @@
 #include "configset/seriesloader.h"
 #include "model/pathvariables.h"
 #include "tests/check/seriesfolder.h"
+#include "tests/support/childprocess.h"
+
+#include <sys/stat.h>
 
 class TestSeriesRules : public QObject
 {
@@ -13,10 +16,10 @@ private slots:
     {
         m_series->save({reading("[cfgPath]/s.dat"), marker(), reading("[cfgPath]/s.dat")});
         QCOMPARE(m_series->said(), QStringList());
-        // Opened inside "_wait", its companion is beside that folder.
+        // Opened inside "_wait", its _init file is beside that folder.
         QCOMPARE(m_series->said({}, "_wait/a1.dpc"), QStringList());
         QCOMPARE(m_series->said({}, ""), QStringList());
-        // The companion by itself is a series of Write tasks.
+        // The _init file by itself is a series of Write tasks.
         QCOMPARE(m_series->said({}, "a_init.dpc"), QStringList());
     }
 
@@ -26,11 +29,11 @@ private slots:
         task.setDefaults();
         m_series->save({task});
         const QStringList once = m_series->said();
-        QCOMPARE(once,
-                 (QStringList{"_wait/a.dpc:3:55 source-missing",
-                              "_wait/a.dpc:3:102 dest-folder-local", "a_init.dpc:1:1 init-names"}));
-        QVERIFY(m_series->text("source-missing").contains("load and save the series once more"));
-        QVERIFY(m_series->text("init-names").contains("load and save the series once more"));
+        QCOMPARE(once, (QStringList{
+                           "_wait/a.dpc:3:55 source-missing", "_wait/a.dpc:3:55 init-names",
+                           "_wait/a.dpc:3:102 dest-folder-local", "_wait/a.dpc:3:156 init-names"}));
+        QVERIFY(m_series->text("source-missing").contains("load and save the series again"));
+        QVERIFY(m_series->text("init-names").contains("load and save the series again"));
 
         // Loading and saving it again mends it, as the findings say.
         TaskList tasks;
@@ -80,7 +83,8 @@ private slots:
         m_series->put("a4.dpc", goodLine());
         QCOMPARE(m_series->said({"number-gap", "leftover"}), QStringList{"a4.dpc:1:1 number-gap"});
         QCOMPARE(m_series->text("number-gap"),
-                 QString("a2.dpc to a3.dpc are missing before this file"));
+                 QString("a2.dpc to a3.dpc are missing before this file; rename the files, so that "
+                         "their numbers follow each other"));
         QVERIFY(QFile::remove(m_series->root() + "a.dpc"));
         QCOMPARE(m_series->said({"number-gap"}),
                  (QStringList{"a1.dpc:1:1 number-gap", "a4.dpc:1:1 number-gap"}));
@@ -105,7 +109,7 @@ private slots:
         QCOMPARE(m_series->said({"not-loaded"}, ""),
                  (QStringList{"b.dpc.dpc:1:1 not-loaded", "x.y20.dpc:1:1 not-loaded",
                               "_wait/A.DPC:1:1 not-loaded"}));
-        QVERIFY(m_series->text("not-loaded", "").endsWith("by its name it looks for 'b.dpc'"));
+        QVERIFY(m_series->text("not-loaded", "").contains("by its name it looks for 'b.dpc'"));
         m_series->options().rulesOff = {ruleNamed("not-loaded")};
         QCOMPARE(m_series->said({"not-loaded"}, ""), QStringList());
         for (const char* name : {"x.y20.dpc", "b.dpc.dpc", "_wait/A.DPC"})
@@ -121,8 +125,22 @@ private slots:
         m_series->put("a.dpc", goodLine());
         m_series->put("_wait/a1.dpc", goodLine());
         QCOMPARE(m_series->said({"both-folders"}), QStringList());
-        m_series->put("_wait/a.dpc", goodLine());
+        m_series->put("_wait/a.dpc", goodLine() + goodLine());
         QCOMPARE(m_series->said({"both-folders"}), QStringList{"_wait/a.dpc:1:1 both-folders"});
+        QCOMPARE(m_series->severity("both-folders"), Severity::Warning);
+    }
+
+    /// A start copies the file out of "_wait".
+    void copyOfAStartedFileIsANoteAndNotCheckedTwice()
+    {
+        m_series->save({reading("[cfgPath]/s.dat"), marker(), reading("[cfgPath]/s.dat")});
+        m_series->put("a.dpc", test::contentOf(m_series->root() + "_wait/a.dpc"));
+        QCOMPARE(m_series->said(), QStringList{"_wait/a.dpc:1:1 both-folders"});
+        QCOMPARE(m_series->severity("both-folders"), Severity::Note);
+        QVERIFY(m_series->text("both-folders").contains("before you load the series"));
+        m_series->put("a.dpc", "Posx\n" + goodLine());
+        m_series->put("_wait/a.dpc", "Posx\n" + goodLine());
+        QCOMPARE(m_series->said({"bad-line"}), QStringList{"a.dpc:1:1 bad-line"});
     }
 
     void markerThatNamesAnotherFile()
@@ -143,6 +161,40 @@ private slots:
         QCOMPARE(m_series->hits("marker-folder",
                                 goodLine() + m_series->root().toLatin1() + "_wait/a1.dpc\n"),
                  0);
+    }
+
+    /// Two folders that do not exist are not the same one.
+    void markerFolderThatDoesNotExist()
+    {
+        QVERIFY(QDir(m_series->root()).rmdir("_wait"));
+        m_series->put("a1.dpc", goodLine());
+        QCOMPARE(m_series->hits("marker-folder", goodLine() + "/none/_wait/a1.dpc\n"), 1);
+        QCOMPARE(m_series->hits("marker-folder", goodLine() + "[cfgPath]/_wait/a1.dpc\n"), 0);
+    }
+
+    void markerToAFolderUnderAnotherName()
+    {
+        QVERIFY(QFile::link(m_series->root(), m_series->root() + "link"));
+        m_series->put("a1.dpc", goodLine());
+        QCOMPARE(m_series->hits("marker-folder",
+                                goodLine() + m_series->root().toLatin1() + "link/a1.dpc\n"),
+                 0);
+    }
+
+    void markerOfAnotherSystemIsNotJudged()
+    {
+        m_series->put("a1.dpc", goodLine());
+        for (const char* path : {"//nas/test/_wait/a1.dpc", "\\\\nas\\test\\a1.dpc", "S:\\a1.dpc"})
+            QCOMPARE(m_series->hits("marker-folder", goodLine() + path + "\n"), 0);
+        QCOMPARE(m_series->hits("marker-target", goodLine() + "S:\\a2.dpc\n"), 1);
+    }
+
+    void markerToAFileThatIsElsewhere()
+    {
+        const QString other = m_series->root() + "other/a1.dpc";
+        m_series->put("other/a1.dpc", goodLine());
+        QCOMPARE(m_series->hits("marker-folder", goodLine() + other.toLatin1() + '\n'), 1);
+        QCOMPARE(m_series->said({"last-marker"}), QStringList());
     }
 
     void markerAtTheVeryEnd()
@@ -177,10 +229,11 @@ private slots:
         QCOMPARE(m_series->hits("empty-file", "[cfgPath]/a1.dpc\n"), 0);
     }
 
-    void companionIsMissing()
+    void initFileIsMissing()
     {
         m_series->put("a.dpc", goodLine());
-        QCOMPARE(m_series->said({"init-missing"}), QStringList{"a.dpc:1:1 init-missing"});
+        QCOMPARE(m_series->said({"init-missing"}), QStringList{"a.dpc:1:55 init-missing"});
+        QVERIFY(m_series->text("init-missing").contains("the folder '/d/' does not exist"));
         m_series->put("a_init.dpc", "");
         QCOMPARE(m_series->said({"init-missing"}), QStringList());
         // Nothing needed, nothing missing.
@@ -188,28 +241,108 @@ private slots:
         QCOMPARE(m_series->hits("init-missing", goodLine({{12, ""}, {13, ""}})), 0);
     }
 
-    void companionIsOutdated()
+    void whatIsThereNeedsNoInitFile()
     {
-        const QSet<QString> rule{"init-outdated"};
+        const QByteArray line =
+            goodLine({{10, "/d/s"}, {12, "[cfgPath]/l.txt"}, {13, "[cfgPath]/c.csv"}});
+        QCOMPARE(m_series->hits("init-missing", line), 1);
+        m_series->setExisting("/d/s");
+        QCOMPARE(m_series->hits("init-missing", line), 0);
+        m_series->put("a_init.dpc", "");
+        QCOMPARE(m_series->hits("init-outdated", line), 0);
+    }
+
+    void initFileNamesAreComparedAsFiles()
+    {
+        const QByteArray root = m_series->root().toLatin1();
+        m_series->put("a_init.dpc",
+                      lineTo(root + "s.dat").toLatin1() + lineTo("[cfgPath]/out/x").toLatin1());
+        const QByteArray line = goodLine({{10, "[cfgPath]/s.dat"},
+                                          {11, "[cfgPath]/out/[host]"},
+                                          {12, "[cfgPath]/l"},
+                                          {13, "[cfgPath]/c"}});
+        m_series->put("a.dpc", line);
+        QCOMPARE(m_series->said({"init-outdated", "init-unneeded"}), QStringList());
+    }
+
+    void initFileIsOutdated()
+    {
+        const QSet<QString> rules{"init-outdated", "init-unneeded"};
         m_series->save({reading("[cfgPath]/s.dat")});
-        QCOMPARE(m_series->said(rule), QStringList());
+        QCOMPARE(m_series->said(rules), QStringList());
         // Lacks a name, makes one for nobody, makes one in another size.
         TaskList tasks{reading("[cfgPath]/other.dat")};
-        const QByteArray companion = test::contentOf(m_series->root() + "a_init.dpc");
+        const QByteArray init = test::contentOf(m_series->root() + "a_init.dpc");
         m_series->save(tasks);
-        m_series->put("a_init.dpc", companion);
-        QCOMPARE(m_series->said(rule), QStringList{"a_init.dpc:1:1 init-outdated"});
-        QCOMPARE(
-            m_series->text("init-outdated"),
-            QString(
-                "lacks '[cfgPath]/other.dat', makes '[cfgPath]/s.dat' for no task: load and save "
-                "the series again"));
+        m_series->put("a_init.dpc", init);
+        QCOMPARE(m_series->said(rules),
+                 (QStringList{"_wait/a.dpc:3:55 init-outdated", "a_init.dpc:1:1 init-unneeded"}));
+        QCOMPARE(m_series->text("init-outdated"),
+                 QString("the source '[cfgPath]/other.dat' does not exist, and the _init file does "
+                         "not make it; run dpc init --write, or load and save the series again"));
         tasks = {reading("[cfgPath]/s.dat")};
         tasks[0].io.fileSize = 4096 * 1024;
         m_series->save(tasks);
-        m_series->put("a_init.dpc", companion);
+        m_series->put("a_init.dpc", init);
+        QVERIFY(m_series->text("init-outdated")
+                    .startsWith("line 1 of the _init file makes '[cfgPath]/s.dat' with 102400 KiB, "
+                                "but the task has 4096 KiB"));
+    }
+
+    void allNamesThatTheInitFileLacksAreTold()
+    {
+        TestTask task = reading("[cfgPath]/s_[iter].dat");
+        task.iterations = 3;
+        m_series->save({task});
+        m_series->put("a_init.dpc", "");
+        const auto findings = m_series->findings();
+        const auto lack = std::find_if(findings.begin(), findings.end(), [](const Finding& f) {
+            return f.rule == ruleNamed("init-outdated");
+        });
+        QVERIFY(lack != findings.end());
+        QVERIFY(QString::fromStdString(lack->text).contains("'[cfgPath]/s_0.dat' and 2 more"));
+        QCOMPARE(lack->names, (std::vector<std::string>{"[cfgPath]/s_0.dat", "[cfgPath]/s_1.dat",
+                                                        "[cfgPath]/s_2.dat"}));
+    }
+
+    void commentedLineMakesNothing()
+    {
+        m_series->put("a_init.dpc", "# " + lineTo("[cfgPath]/out/dummyFile").toLatin1());
+        const QByteArray line =
+            goodLine({{11, "[cfgPath]/out/x"}, {12, "[cfgPath]/l"}, {13, "[cfgPath]/c"}});
+        QCOMPARE(m_series->hits("init-outdated", line), 1);
         QVERIFY(
-            m_series->text("init-outdated").startsWith("makes '[cfgPath]/s.dat' in another size"));
+            m_series->text("init-outdated").contains("line 1 of the _init file is commented out"));
+        QVERIFY(QDir(m_series->root()).mkdir("out"));
+        QCOMPARE(m_series->hits("init-outdated", line), 0);
+    }
+
+    /// A load and a save lose a line that does not load, so nobody is told to do that.
+    void saveIsNotAdvisedWhereALineWouldBeLost_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("mistyped") << goodLine({{1, "Posx"}}) << "a.dpc:2 does not load";
+        QTest::newRow("winapi") << goodLine({{1, "WinApi"}}) << "a.dpc:2 does not load";
+        QTest::newRow("semicolon")
+            << goodLine({{11, "/d/a;b"}}) << "a.dpc:2 is cut when it is loaded";
+        QTest::newRow("long path")
+            << goodLine({{11, '/' + QByteArray(600, 'x')}}) << "a.dpc:2 is cut when it is loaded";
+        QTest::newRow("long file") << goodLine().repeated(60) << "a.dpc would be cut at 5000";
+    }
+
+    void saveIsNotAdvisedWhereALineWouldBeLost()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(QString, reason);
+        m_series->put("a_init.dpc", "");
+        m_series->put("a.dpc", goodLine() + line);
+        for (const Finding& finding : m_series->findings())
+            QVERIFY2(finding.text.find("load and save") == std::string::npos, finding.text.c_str());
+        QVERIFY2(m_series->text("init-outdated").contains(reason),
+                 qPrintable(m_series->text("init-outdated")));
+        m_series->put("a.dpc", goodLine());
+        QVERIFY(m_series->text("init-outdated").contains("load and save the series again"));
     }
 
     void namesOfOtherMachinesAreNotCompared()
@@ -218,11 +351,11 @@ private slots:
         task.logPath = path("[cfgPath]/[host]/log.txt");
         m_series->save({task});
         const QString init = m_series->root() + "a_init.dpc";
-        const QByteArray companion = test::contentOf(init);
+        const QByteArray content = test::contentOf(init);
         const QByteArray here = kvToQString(getComputerName()).toLatin1();
-        QVERIFY(companion.contains(here));
-        test::put(init, QByteArray(companion).replace(here, "elsewhere"));
-        QCOMPARE(m_series->said({"init-outdated"}), QStringList());
+        QVERIFY(content.contains(here));
+        test::put(init, QByteArray(content).replace(here, "elsewhere"));
+        QCOMPARE(m_series->said({"init-outdated", "init-unneeded"}), QStringList());
     }
 
     void fileThatCannotBeRead()
@@ -232,6 +365,133 @@ private slots:
         QCOMPARE(m_series->said({"unreadable"}), QStringList{"a1.dpc:1:1 unreadable"});
         // Chosen itself, a folder is a folder to look for series in.
         QVERIFY(!checkAll({m_series->root() + "a1.dpc"}, m_series->options()).problems.empty());
+    }
+
+    void whyAFileCannotBeRead()
+    {
+        m_series->put("a.dpc", goodLine() + "[cfgPath]/a1.dpc\n");
+        const QString next = m_series->root() + "a1.dpc";
+        QVERIFY(QDir(m_series->root()).mkdir("a1.dpc"));
+        QVERIFY(m_series->text("unreadable").contains("it is a folder"));
+        // What can't be read may hold a marker.
+        m_series->put("a2.dpc", goodLine());
+        QCOMPARE(m_series->said({"leftover"}), QStringList());
+        QVERIFY(QDir(m_series->root()).rmdir("a1.dpc"));
+        QVERIFY(QFile::link("nowhere", next));
+        QVERIFY(m_series->text("unreadable").contains("it is a link that leads nowhere"));
+        QVERIFY(QFile::remove(next));
+        QCOMPARE(::mkfifo(QFile::encodeName(next).constData(), 0600), 0);
+        QVERIFY(m_series->text("unreadable").contains("it is a pipe"));
+    }
+
+    void whatIsForbiddenIsTold()
+    {
+        m_series->put("_wait/a.dpc", goodLine() + "[cfgPath]/_wait/a1.dpc\n");
+        m_series->put("_wait/a1.dpc", goodLine());
+        m_series->put("a.dpc", goodLine() + "[cfgPath]/_wait/a1.dpc\n");
+        QCOMPARE(::chmod(QFile::encodeName(m_series->root()).constData(), 0755), 0);
+        QCOMPARE(::chmod(QFile::encodeName(m_series->root() + "_wait").constData(), 0), 0);
+        QVERIFY(test::runWithoutRights([&] {
+            const QStringList said = m_series->said({"unreadable", "last-marker", "number-gap"});
+            if (said != QStringList{"_wait/:1:1 unreadable"} ||
+                !m_series->text("unreadable").contains("you have no right to look into it"))
+                ::abort();
+        }));
+        QCOMPARE(::chmod(QFile::encodeName(m_series->root() + "_wait").constData(), 0700), 0);
+        QCOMPARE(::chmod(QFile::encodeName(m_series->root() + "a.dpc").constData(), 0), 0);
+        QVERIFY(test::runWithoutRights([&] {
+            if (!m_series->text("unreadable", "").contains("you have no right to read it"))
+                ::abort();
+        }));
+    }
+
+    void folderWithoutRightsIsAProblem()
+    {
+        m_series->put("closed/a.dpc", goodLine());
+        const QString closed = m_series->root() + "closed";
+        QCOMPARE(::chmod(QFile::encodeName(m_series->root()).constData(), 0755), 0);
+        QCOMPARE(::chmod(QFile::encodeName(closed).constData(), 0), 0);
+        QVERIFY(test::runWithoutRights([&] {
+            for (const QString& path : {closed, closed + "/a.dpc", closed + "/none"}) {
+                const auto problems = checkAll({path}, m_series->options()).problems;
+                if (problems.size() != 1 ||
+                    problems.front().find("you have no right to look into") == std::string::npos)
+                    ::abort();
+            }
+        }));
+        QCOMPARE(::chmod(QFile::encodeName(closed).constData(), 0700), 0);
+    }
+
+    /// The folder and its "_wait" hold one series.
+    void seriesThatIsNamedTwiceIsCheckedOnce()
+    {
+        m_series->put("_wait/a.dpc", "Posx\n" + goodLine());
+        const QString root = m_series->root();
+        QVERIFY(QFile::link(root, root + "link"));
+        for (const QStringList& paths :
+             {QStringList{root, root + "_wait"}, QStringList{root + "_wait/a.dpc", root + "a.dpc"},
+              QStringList{root + "_wait", root + "./", root}, QStringList{root, root + "link"}}) {
+            const auto findings = checkAll(paths, m_series->options()).findings;
+            QCOMPARE(std::count_if(findings.begin(), findings.end(),
+                                   [](const Finding& finding) {
+                                       return finding.rule == ruleNamed("bad-line");
+                                   }),
+                     1);
+        }
+    }
+
+    void initFileIsJudgedLikeAnyOther()
+    {
+        m_series->put("a.dpc", goodLine());
+        m_series->put("a_init.dpc", "Strem;x\n" + goodLine({{11, "[CfgPath]/x"}, {12, ""}}));
+        const QStringList said =
+            m_series->said({"bad-line", "unknown-variable", "empty-log", "beyond-form"});
+        QCOMPARE(said,
+                 (QStringList{"a_init.dpc:1:1 bad-line", "a_init.dpc:2:46 unknown-variable"}));
+        QVERIFY(QFile::remove(m_series->root() + "a_init.dpc"));
+        QVERIFY(QDir(m_series->root()).mkdir("a_init.dpc"));
+        QCOMPARE(m_series->said({"unreadable", "init-missing"}),
+                 QStringList{"a_init.dpc:1:1 unreadable"});
+    }
+
+    void initFileInWaitIsNotThatOfTheSeries()
+    {
+        m_series->save({reading("[cfgPath]/s.dat")});
+        QVERIFY(
+            QFile::rename(m_series->root() + "a_init.dpc", m_series->root() + "_wait/a_init.dpc"));
+        for (const char* chosen : {"a.dpc", "_wait/a.dpc", ""})
+            QCOMPARE(
+                m_series->said({"init-missing", "init-place"}, chosen),
+                (QStringList{"_wait/a.dpc:3:55 init-missing", "_wait/a_init.dpc:1:1 init-place"}));
+    }
+
+    void manyFindingsOfARuleAreCounted()
+    {
+        m_series->put("a.dpc", goodLine({{1, "Posx"}}).repeated(maxFindingsPerRule + 7));
+        const auto findings = m_series->findings();
+        QCOMPARE(m_series->said({"bad-line"}).size(), maxFindingsPerRule + 1);
+        QCOMPARE(m_series->said({"bad-line"}).last(), QString("a.dpc:101:1 bad-line"));
+        const auto last = std::find_if(findings.begin(), findings.end(),
+                                       [](const Finding& finding) { return finding.more > 0; });
+        QVERIFY(last != findings.end());
+        QCOMPARE(last->more, 7);
+        QCOMPARE(QString::fromStdString(last->text),
+                 QString("7 more findings of this rule in the file: only 100 are listed"));
+        m_series->put("a.dpc", goodLine({{1, "Posx"}}).repeated(maxFindingsPerRule));
+        QCOMPARE(m_series->said({"bad-line"}).size(), maxFindingsPerRule);
+    }
+
+    /// An error among the many is not hidden behind comments that are too long.
+    void countedFindingsAreAsBadAsTheWorst()
+    {
+        const QByteArray comment = '#' + QByteArray(1100, 'x') + '\n';
+        m_series->put("a.dpc", comment.repeated(maxFindingsPerRule + 1) +
+                                   goodLine({{11, '/' + QByteArray(1100, 'x')}}));
+        const auto findings = m_series->findings();
+        const auto last = std::find_if(findings.begin(), findings.end(),
+                                       [](const Finding& finding) { return finding.more > 0; });
+        QVERIFY(last != findings.end());
+        QCOMPARE(last->severity, Severity::Error);
     }
 
     void linkThatLeadsNowhere()
@@ -307,7 +567,6 @@ private:
         task.io.sysBufferMode = buffer;
         task.setChunkSize(bytesFromKib(chunkKib));
         task.io.flush = task.io.preallocate = isSet;
-        task.io.cacheMode = buffer < 0 ? 0 : buffer;
         task.iterations = isSet ? 3 : 1;
         task.sourcePath = path("[cfgPath]/s[cfgID]-[cfgTaskID].dat");
         task.destPath = path("[cfgPath]/[host]/d[cfgID]-[cfgTaskID]_[iter].dat");

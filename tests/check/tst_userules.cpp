@@ -154,7 +154,7 @@ private slots:
         QFETCH(QByteArray, bad);
         QFETCH(QByteArray, good);
         // What a save needs is not asked here.
-        m_series->options().rulesOff = {ruleNamed("init-outdated")};
+        m_series->options().rulesOff = {ruleNamed("init-outdated"), ruleNamed("init-unneeded")};
         m_series->put("a_init.dpc", init);
         m_series->put("a.dpc", bad);
         QStringList rules;
@@ -220,7 +220,7 @@ private slots:
         QFETCH(QByteArray, init);
         QFETCH(QByteArray, lines);
         QFETCH(QStringList, hosts);
-        m_series->options().rulesOff = {ruleNamed("init-outdated")};
+        m_series->options().rulesOff = {ruleNamed("init-outdated"), ruleNamed("init-unneeded")};
         m_series->options().hosts = hosts;
         m_series->put("a_init.dpc", init);
         m_series->put("a.dpc", lines);

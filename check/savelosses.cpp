@@ -1,0 +1,112 @@
+#include "check/savelosses.h"
+
+#include "check/text.h"
+#include "model/tasklinewriter.h"
+#include "shared/kvtext.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+std::string nameOf(const FileFact& file)
+{
+    return printable(file.path.mid(file.path.lastIndexOf('/') + 1));
+}
+
+bool isCutPath(const LineFact& line)
+{
+    for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath}) {
+        if (line.fields.fields[size_t(firstPathField + which - 1)].length > maxPath)
+            return true;
+    }
+    return false;
+}
+
+/// Why a line does not survive; null if it does.
+const char* lossOfLine(const LineFact& line)
+{
+    if (line.kind == LineFact::Kind::Rejected)
+        return "does not load";
+    if (line.splitEnd > 0)
+        return "loads in part";
+    if (line.kind == LineFact::Kind::Comment)
+        return nullptr;
+    const bool isCut = line.length > maxLine || line.hasZero || line.fields.beyond.length > 0;
+    return isCut || (isTask(line) && isCutPath(line)) ? "is cut when it is loaded" : nullptr;
+}
+
+std::string lossOfFiles(const SeriesFacts& facts)
+{
+    std::array<bool, seriesFileCount> hasMarker{};
+    for (const FileFact& file : facts.files)
+        hasMarker[size_t(std::min(file.number, seriesFileCount - 1))] |=
+            file.isRead() && file.markers > 0;
+    for (size_t i = 0; i < facts.files.size(); ++i) {
+        const FileFact& file = facts.files[i];
+        if (file.role == FileRole::WaitFolder || (file.isRead() && !file.readable))
+            return nameOf(file) + " can't be read";
+        if (!file.isRead())
+            continue;
+        if (i > 0 && facts.files[i - 1].isRead() && facts.files[i - 1].number == file.number)
+            return nameOf(file) + " is there twice";
+        if (file.number > 0 && !hasMarker[size_t(file.number - 1)])
+            return nameOf(file) + " is left over";
+    }
+    return {};
+}
+
+/// How many characters a save writes for a line, its line end included.
+int savedLength(const SeriesFacts& facts, const LineFact& line)
+{
+    if (isMarker(line))
+        return line.text.size() + 1;
+    TestTask task;
+    _kvString<maxLine> text;
+    text.addSignExtended(line.text.constData(), line.text.size());
+    if (!readTaskLine(task, text, kvToString8<maxPath>(facts.fileOf(line).path)))
+        return 0;
+    return writeTaskLine(text, task).length + 1;
+}
+
+std::string lossOfLength(const SeriesFacts& facts)
+{
+    std::vector<int> lengths(facts.files.size());
+    for (const std::string& info : facts.info)
+        lengths.front() += int(info.size()) + 3;
+    for (const LineFact& line : facts.lines) {
+        int& length = lengths[size_t(line.file)];
+        length += savedLength(facts, line);
+        if (length > maxConfigFile)
+            return fmt::format("{} would be cut at {} characters", nameOf(facts.fileOf(line)),
+                               maxConfigFile);
+    }
+    return {};
+}
+
+} // namespace
+
+std::string lossOfSave(const SeriesFacts& facts)
+{
+    if (facts.limitReached)
+        return "the series is too long to load";
+    for (const LineFact& line : facts.lines) {
+        const char* const loss = lossOfLine(line);
+        if (loss != nullptr)
+            return fmt::format("{}:{} {}", nameOf(facts.fileOf(line)), line.line, loss);
+    }
+    const std::string loss = lossOfFiles(facts);
+    return loss.empty() ? lossOfLength(facts) : loss;
+}
+
+std::string adviceToRenewInit(const SeriesFacts& facts)
+{
+    const std::string loss = lossOfSave(facts);
+    if (loss.empty())
+        return "run dpc init --write, or load and save the series again";
+    return fmt::format("correct the series before a save, which would not keep it ({}), then run "
+                       "dpc init --write",
+                       loss);
+}
