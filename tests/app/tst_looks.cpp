@@ -30,12 +30,6 @@ double contrast(QRgb first, QRgb second)
     return a > b ? a / b : b / a;
 }
 
-/// A widget that a screen as small as the offscreen one leaves no room paints nothing.
-bool hasRoom(const QWidget& widget)
-{
-    return widget.isVisible() && widget.height() >= widget.fontMetrics().height();
-}
-
 /// Between the background that a widget really paints and the colour that stands out most from it.
 double paintedContrast(QWidget& widget)
 {
@@ -101,7 +95,7 @@ private slots:
             editor.check(kind);
             for (QLabel* label : editor.window.findChildren<QLabel*>()) {
                 // How grey a plain label gets is the style's affair; the boxes are ours.
-                if (!hasRoom(*label) || !(label->isEnabled() || label->autoFillBackground()))
+                if (!label->isVisible() || !(label->isEnabled() || label->autoFillBackground()))
                     continue;
                 const double found = paintedContrast(*label);
                 const double needed = label->isEnabled() ? enough : enoughDisabled;
