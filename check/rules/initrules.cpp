@@ -35,17 +35,18 @@ struct Need
     FileToCreate file;
 };
 
-/// What a series needs, by its paths, each name once.
+/// What a series needs, by its paths, each name once: what a save collects.
 class Needs
 {
 public:
-    explicit Needs(const SeriesFacts& facts)
-        : m_names(facts, noMachine())
+    Needs(const SeriesFacts& facts, const FileUses& uses)
+        : m_facts(facts)
+        , m_uses(uses)
+        , m_names(facts, noMachine())
+        , m_isFolderKnown(uses.names().size(), false)
     {
-        for (const LineFact& line : facts.lines) {
-            if (isTask(line))
-                addTask(line);
-        }
+        for (const FileUse& use : uses.uses())
+            addUse(use);
     }
 
     const std::vector<Need>& all() const { return m_needs; }
@@ -89,20 +90,61 @@ private:
         return texts;
     }
 
-    void addTask(const LineFact& line)
+    void addUse(const FileUse& use)
     {
-        const TestTask& task = m_names.record(line);
-        for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath}) {
-            const int known = m_known.files().size();
-            collectFilesOfTask(m_known, withPath(task, which), line.taskNumber, m_noMachine);
-            for (int i = known; i < m_known.files().size(); ++i)
-                m_needs.push_back({&line, which, m_known.files()[i]});
+        const LineFact& line = m_facts.lines[size_t(use.line)];
+        if (use.role == SourcePath) {
+            add(use, m_uses.nameOf(use).text, line.used.fileSize, false);
+            return;
         }
+        const bool isElsewhere =
+            use.role == DestPath && !line.path(DestPath).startsWith(configPathVariable);
+        if (isElsewhere || m_isFolderKnown[size_t(use.name)])
+            return;
+        m_isFolderKnown[size_t(use.name)] = true;
+        add(use, folderName(line, use), 1, true);
     }
 
+    /// The file that has the folder of a path made.
+    QByteArray folderName(const LineFact& line, const FileUse& use)
+    {
+        const UsedName& name = m_uses.nameOf(use);
+        if (!name.mustExpandAnew)
+            return name.text.left(name.text.lastIndexOf('/') + 1) + "dummyFile";
+        const QByteArray path = line.path(use.role);
+        const QByteArray dummy = path.left(path.lastIndexOf('/') + 1) + "dummyFile";
+        return m_names.initName(line, dummy, use.iteration).toLatin1();
+    }
+
+    void add(const FileUse& use, const QByteArray& text, qint64 size, bool isDummy)
+    {
+        if (m_known.contains(text))
+            return;
+        m_known.insert(text);
+        QByteArray path = text;
+        path.replace("[cfgPath]/", m_runFolder).replace(configPathVariable, m_runFolder);
+        const bool isResolved = !path.contains("//") && !path.contains("/.");
+        m_needs.push_back(
+            {&m_facts.lines[size_t(use.line)],
+             use.role,
+             {QString::fromLatin1(text), isResolved ? QString::fromLatin1(path) : resolved(path),
+              size, isDummy}});
+    }
+
+    static QString resolved(const QByteArray& path)
+    {
+        _kvString8_allSize<maxPath> text;
+        text.add(path.constData(), path.size());
+        return kvToQString(kvPathResolve(text));
+    }
+
+    const SeriesFacts& m_facts;
+    const FileUses& m_uses;
     const MachineValues m_noMachine = noMachine();
     NameExpander m_names;
-    FileToCreateList m_known;
+    const QByteArray m_runFolder = m_facts.runFolder.toLatin1();
+    std::vector<bool> m_isFolderKnown; ///< of each name
+    QSet<QByteArray> m_known;
     std::vector<Need> m_needs;
 };
 
@@ -169,7 +211,7 @@ public:
         , m_uses(uses)
         , m_environment(environment)
         , m_findings(findings)
-        , m_needs(facts)
+        , m_needs(facts, uses)
         , m_init(facts)
     {
         for (const Need& need : m_needs.all())
