@@ -3,6 +3,8 @@
 #include "check/taskfields.h"
 #include "check/text.h"
 
+#include <QHash>
+
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -125,7 +127,7 @@ constexpr Rule splitLine = {
 void checkSplit(const LineFact& line, Findings& findings)
 {
     if (line.splitEnd > 0)
-        findings.add(splitLine, line, line.column + line.text.size() + 1,
+        findings.add(splitLine, line, int(line.length) + 1,
                      fmt::format("a line end splits the task, which goes on to line {}: the first "
                                  "part loads as another task, and the rest does not load",
                                  line.splitEnd));
@@ -318,6 +320,43 @@ void checkFileSize(const FileFact& file, int index, Findings& findings)
     findings.add(longFile, index, file.lineAtLimit, file.columnAtLimit, std::move(message));
 }
 
+constexpr Rule sameTask = {
+    "same-task",
+    Severity::Note,
+    "lines",
+    "A config file holds the same task twice, with the same settings and files.",
+    "remove one of the lines, unless the test is to run twice; \"iterations\" repeats a task",
+    oneFile(plainTask, 2),
+    series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
+
+/// What a task does, as text; empty if its names differ from those of the same line elsewhere.
+QByteArray contentOf(const LineFact& line)
+{
+    QByteArray content = QByteArray::number(line.file);
+    for (int field = MethodField; field <= DoneField; ++field)
+        content += ';' + line.field(field);
+    const bool tellsTask = content.contains("[cfgTaskID]") || content.contains("[cfgline]");
+    return tellsTask ? QByteArray() : content;
+}
+
+void checkSameTasks(const SeriesFacts& facts, Findings& findings)
+{
+    QHash<QByteArray, int> firstLines;
+    for (const LineFact& line : facts.lines) {
+        const QByteArray content = isTask(line) ? contentOf(line) : QByteArray();
+        if (content.isEmpty())
+            continue;
+        const auto first = firstLines.constFind(content);
+        if (first == firstLines.cend())
+            firstLines.insert(content, line.line);
+        else
+            findings.add(sameTask, line, line.column + 1,
+                         fmt::format("the task is the same as in line {}: it runs again on the "
+                                     "same files",
+                                     *first));
+    }
+}
+
 } // namespace
 
 void checkLines(const SeriesFacts& facts, Findings& findings)
@@ -326,12 +365,13 @@ void checkLines(const SeriesFacts& facts, Findings& findings)
         for (const LineFact& line : *lines)
             checkLine(line, findings);
     }
+    checkSameTasks(facts, findings);
     for (size_t i = 0; i < facts.files.size(); ++i)
         checkFileSize(facts.files[i], int(i), findings);
 }
 
 RuleList lineRules()
 {
-    return {&badLine,     &winApi,   &splitLine, &missingFields, &extraFields,
-            &unknownWord, &longLine, &zeroByte,  &longFile,      &utf8Text};
+    return {&badLine,  &winApi,   &splitLine, &missingFields, &extraFields, &unknownWord,
+            &longLine, &zeroByte, &sameTask,  &longFile,      &utf8Text};
 }

@@ -215,6 +215,38 @@ void checkLeftovers(const SeriesFacts& facts, const Chain& chain, Findings& find
     }
 }
 
+constexpr Rule noDoneFiles = {
+    "no-done-files",
+    Severity::Note,
+    "machines",
+    "Several machines run several config files, and a file leaves no done files, which tell that "
+    "all "
+    "machines have executed it.",
+    "write true in the last field of a task",
+    onMachines("pc01,pc02",
+               series({"mytest.dpc",
+                       "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+                       "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  "
+                       "false;\n"
+                       "[cfgPath]/mytest1.dpc\n"},
+                      {"mytest1.dpc", plainTask})),
+    onMachines("pc01,pc02",
+               series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask}))};
+
+/// Whoever starts the next file has to know that all machines are done with this one.
+void checkDoneFiles(const SeriesFacts& facts, const FileFact& file, Findings& findings)
+{
+    const auto begin = facts.lines.begin() + file.firstEntry;
+    const auto end = facts.lines.begin() + file.endEntry;
+    const bool leavesDoneFiles = std::any_of(
+        begin, end, [](const LineFact& line) { return isTask(line) && line.used.writeDone; });
+    const auto task = std::find_if(begin, end, isTask);
+    if (file.markers > 0 && task != end && !leavesDoneFiles)
+        findings.add(noDoneFiles, *task, task->column + 1,
+                     "no task of the file leaves done files, so nothing tells when all machines "
+                     "have executed it and the next file can start");
+}
+
 } // namespace
 
 void checkMarkers(const SeriesFacts& facts, const CheckOptions& options, Findings& findings)
@@ -223,11 +255,13 @@ void checkMarkers(const SeriesFacts& facts, const CheckOptions& options, Finding
     for (const FileFact& file : facts.files) {
         if (file.isRead() && !file.isCopy)
             checkFileMarkers(facts, file, targets, findings);
+        if (file.isRead() && !file.isCopy && options.hosts.size() > 1)
+            checkDoneFiles(facts, file, findings);
     }
     checkLeftovers(facts, chainOf(facts), findings);
 }
 
 RuleList markerRules()
 {
-    return {&markerTarget, &markerFolder, &lastMarker, &afterMarker, &leftover};
+    return {&markerTarget, &markerFolder, &lastMarker, &afterMarker, &leftover, &noDoneFiles};
 }

@@ -73,6 +73,19 @@ private slots:
         row("long file", "long-file", '#' + QByteArray(5000 - 1, 'x'), '#' + QByteArray(4998, 'x'));
         row("full file with its line end", "long-file", '#' + QByteArray(4999, 'x') + "\n",
             '#' + QByteArray(4998, 'x') + "\n");
+        row("same task", "same-task", goodLine() + goodLine(), goodLine() + goodLine({{8, "4"}}));
+        row("split before a separator", "split-line", split(";/d/x", ";/d/x\n"));
+        row("split inside of a path", "split-line", split("/d/[host].txt", "/d/\n[host].txt"));
+        row("split at the start of a path", "split-line", split(";/d/x", ";\n/d/x"));
+        row("split twice, with an empty line", "split-line",
+            split("/d/x.dat;/d/", "/d/x.dat\n\n;/d/\n"),
+            goodLine({{1, "Posx"}}) + goodLine().left(60) + '\n');
+        row("cache mode of another method", "cache-mode", goodLine({{1, "Stream"}, {9, "4"}}),
+            goodLine({{1, "System"}, {9, "4"}}));
+        row("cache mode of Windows", "cache-mode", goodLine({{9, "1"}}), goodLine({{9, "3"}}));
+        row("cache mode of Linux", "cache-mode",
+            goodLine({{9, "3"}, {11, "C:\\x"}, {12, "C:\\l"}, {13, "C:\\c"}}),
+            goodLine({{9, "2"}, {11, "C:\\x"}, {12, "C:\\l"}, {13, "C:\\c"}}));
         row("utf-8", "utf8-text", goodLine({{11, "/d/f\xC3\xBCr"}}), goodLine({{11, "/d/f\xFCr"}}));
     }
 
@@ -83,6 +96,31 @@ private slots:
         QFETCH(QByteArray, good);
         QVERIFY(m_series->hits(rule, bad) >= 1);
         QCOMPARE(m_series->hits(rule, good), 0);
+    }
+
+    /// One sentence for all parts, and none for the rest that does not load.
+    void splitTaskIsOneFinding()
+    {
+        m_series->put("a.dpc", split("/d/[host].txt", "/d/\n[host].txt"));
+        QCOMPARE(m_series->said({"split-line", "bad-line", "missing-fields"}),
+                 QStringList{"a.dpc:1:58 split-line"});
+        QVERIFY(m_series->text("split-line").contains("goes on to line 2"));
+        // In the _init file, where the line may be a comment as well.
+        m_series->put("a.dpc", goodLine());
+        m_series->put("a_init.dpc", "# " + split("/d/x.dat", "/d/x.dat\n"));
+        QCOMPARE(m_series->said({"split-line", "bad-line"}),
+                 QStringList{"a_init.dpc:1:56 split-line"});
+    }
+
+    void severityIsThatOfTheHarm()
+    {
+        m_series->put("a.dpc", '#' + QByteArray(1000, 'x') + '\n' + goodLine({{1, "WinApi"}}));
+        QCOMPARE(m_series->severity("long-line"), Severity::Warning);
+        QCOMPARE(m_series->severity("winapi"), Severity::Warning);
+        m_series->put("a.dpc", goodLine().repeated(60));
+        QCOMPARE(m_series->severity("long-file"), Severity::Warning);
+        m_series->put("a.dpc", goodLine().repeated(60).left(5000));
+        QCOMPARE(m_series->severity("long-file"), Severity::Error);
     }
 
     void goodLineIsGood()
@@ -137,6 +175,12 @@ private:
     {
         const QByteArray path = '/' + QByteArray(290, 'x');
         return goodLine({{10, path}, {11, path}, {12, path}, {13, path}}).left(length) + '\n';
+    }
+
+    /// The good line with a line end in it.
+    static QByteArray split(const QByteArray& from, const QByteArray& to)
+    {
+        return goodLine().replace(from, to);
     }
 
     QScopedPointer<SeriesFolder> m_series;

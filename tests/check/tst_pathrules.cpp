@@ -44,6 +44,22 @@ private slots:
         row("unknown variable", "unknown-variable", writing("/d/[user]"), writing("/d/[host]"));
         row("wrong capitals", "unknown-variable", writing("/d/[Host]"));
         row("nested brackets", "unknown-variable", writing("/d/[[hots]"), writing("/d/[[host]"));
+        row("variable without its end", "unknown-variable", writing("/d/[host"));
+        row("variable without its start", "unknown-variable", writing("/d/x_host].dat"),
+            writing("/d/x].dat"));
+        row("variable without its end before another", "unknown-variable",
+            writing("/d/[iter_[host]"), writing("/d/[x_[host]"));
+        for (const char* path : {"/d/{host}", "/d/${HOST}", "/d/$HOSTNAME", "/d/%COMPUTERNAME%",
+                                 "/d/<host>", "/d/$(hostname)"})
+            row(path, "other-notation", writing(path), writing("/d/a$b{c}d<e>f%g%"));
+        row("temporary folder without a separator", "folder-variable", writing("[temp]x"),
+            writing("[temp]/x"));
+        row("folder inside of a path", "folder-variable", writing("/d/[cfgPath]/x"),
+            writing("[cfgPath]x"));
+        row("control character", "control-character", writing("/d/a\tb"), writing("/d/a b"));
+        row("no-break blank at the end", "control-character", writing("/d/a\xA0"),
+            writing("/d/a\xA0"
+                    "b"));
         row("variable in a log", "unknown-variable", goodLine({{12, "/d/[name]"}}));
         row("variable in a marker", "unknown-variable", "[CfgPath]/a1.dpc\n", "[cfgPath]/a1.dpc\n");
         row("long marker", "long-path", '/' + QByteArray(496, 'x') + ".dpc\n",
@@ -83,6 +99,22 @@ private slots:
         QFETCH(QByteArray, good);
         QVERIFY(m_series->hits(rule, bad) >= 1);
         QCOMPARE(m_series->hits(rule, good), 0);
+    }
+
+    /// Exactly 500 characters fit, with the values of any machine.
+    void pathThatIsLongByItsVariables()
+    {
+        const int folder = m_series->root().size();
+        const auto line = [&](int length) {
+            return writing("[cfgPath]" + QByteArray(length - folder, 'x'));
+        };
+        QCOMPARE(m_series->hits("long-path", line(500)), 0);
+        QCOMPARE(m_series->hits("long-path", line(501)), 1);
+        const QByteArray byHost = writing('/' + QByteArray(480, 'x') + "[host]");
+        m_series->options().hosts = QStringList{"pc1", QString(19, 'p')};
+        QCOMPARE(m_series->hits("long-path", byHost), 0);
+        m_series->options().hosts = QStringList{"pc1", QString(20, 'p')};
+        QCOMPARE(m_series->hits("long-path", byHost), 1);
     }
 
     void wrongVariableGetsTheOneThatIsMeant()
