@@ -86,8 +86,8 @@ private slots:
         const Result file = shell(asNobody() + "\"$dpc\" check secret/a.dpc");
         shell("chmod 700 secret");
         QCOMPARE(folder.code, 2);
-        QCOMPARE(folder.err, QByteArray("dpc: 'secret' can't be read: you have no right to read "
-                                        "it\n"));
+        QCOMPARE(folder.err, QByteArray("dpc: 'secret' can't be read: you have no right to look "
+                                        "into it\n"));
         QCOMPARE(file.code, 2);
         QCOMPARE(file.err,
                  QByteArray("dpc: 'secret/a.dpc' can't be read: you have no right to look "
