@@ -32,6 +32,7 @@ void Findings::add(const Rule& rule, int file, int line, int column, Message mes
 {
     if (m_isOff[size_t(orderOf(rule))])
         return;
+    ++m_count;
     const size_t place = placeOf(rule, file);
     const int before = m_counts[place]++;
     const Severity severity = message.hasSeverity ? message.severity : rule.severity;

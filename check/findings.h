@@ -67,6 +67,9 @@ public:
     /// True if further findings of the rule in the file are only counted: their text is not needed.
     bool isFull(const Rule& rule, int file) const;
 
+    /// How many there are by now, those that are only counted included.
+    long long count() const { return m_count; }
+
     /// In the order of files, lines, columns and rules.
     std::vector<Finding> takeSorted();
 
@@ -74,6 +77,7 @@ private:
     size_t placeOf(const Rule& rule, int file) const;
 
     const SeriesFacts& m_facts;
+    long long m_count = 0;
     std::vector<bool> m_isOff;  ///< of each rule
     std::vector<int> m_counts;  ///< of each rule in each file
     std::vector<int> m_endings; ///< the finding that says how many more there are, -1 if none

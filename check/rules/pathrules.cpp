@@ -107,6 +107,10 @@ public:
                 std::max(m_hostLength, int(computerNameFrom(host.toLatin1().constData()).length));
         if (options.hosts.isEmpty())
             m_hostLength = getComputerName().length;
+        constexpr int numbersAndAdditions = 20;
+        m_longestValue = std::max({m_hostLength, m_tempLength, facts.runFolder.size(),
+                                   facts.name.baseName.size()}) +
+                         numbersAndAdditions;
     }
 
     void check(const LineFact& line, TaskPath which)
@@ -162,7 +166,8 @@ private:
         int length = path.size();
         if (!path.isEmpty() && isRelative(path))
             length += m_facts.runFolder.size();
-        if (path.indexOf('[') < 0)
+        // Most paths can't grow that long, and replacing is what takes time.
+        if (length + path.count('[') * m_longestValue <= maxPath)
             return length;
         int longest = length;
         const auto lengths = valueLengths(line);
@@ -178,6 +183,7 @@ private:
     Findings& m_findings;
     int m_hostLength = 0;
     int m_tempLength = kvGetTempDir().length;
+    int m_longestValue = 0; ///< of all variables, at least
 };
 
 constexpr Rule controlCharacter = {

@@ -6,6 +6,7 @@
 
 #include <QHash>
 #include <QRegularExpression>
+#include <QSet>
 
 #include <fmt/format.h>
 
@@ -236,10 +237,17 @@ QByteArray markerPath(const LineFact& line)
 void checkVariables(const SeriesFacts& facts, const CheckOptions& options, Findings& findings)
 {
     BracketRule brackets(facts, options, findings);
+    // Most tasks have the same paths as others.
+    QSet<QByteArray> clean;
     const auto check = [&](const VariableText& path) {
+        if (clean.contains(path.text))
+            return;
+        const long long before = findings.count();
         brackets.check(path);
         checkOtherNotation(path, findings);
         checkFolderVariables(path, findings);
+        if (findings.count() == before)
+            clean.insert(path.text);
     };
     for (const auto* lines : {&facts.lines, &facts.initLines}) {
         for (const LineFact& line : *lines) {
