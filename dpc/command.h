@@ -51,10 +51,12 @@ enum class ValueKind
 /// An option of a subcommand. Each is a constant, and stands for itself in Arguments.
 struct Option
 {
-    const char* names;     ///< as it is typed: "-q,--quiet"
-    const char* valueName; ///< what the help calls its value, in capitals; null for a flag
-    ValueKind kind;
-    const char* meaning; ///< a phrase that begins with a small letter, without a full stop
+    const char* names = nullptr; ///< as it is typed: "-q,--quiet"
+    const char* valueName =
+        nullptr; ///< what the help calls its value, in capitals; null for a flag
+    ValueKind kind = ValueKind::Flag;
+    const char* meaning =
+        nullptr; ///< a phrase that begins with a small letter, without a full stop
     ListOf<const char*> choices{}; ///< the first is the default
     bool repeats = false;          ///< may be given several times
     const Option* needs = nullptr; ///< makes sense only beside this one
@@ -67,8 +69,8 @@ struct Option
 /// A path or a word that a subcommand takes.
 struct Operand
 {
-    const char* name; ///< in capitals
-    ValueKind kind;
+    const char* name = nullptr; ///< in capitals
+    ValueKind kind = ValueKind::Text;
     bool repeats = false; ///< takes all that follow
 };
 
@@ -121,17 +123,18 @@ private:
 /// A subcommand.
 struct Command
 {
-    const char* name;
-    const char* title; ///< a phrase that begins with a small letter, without a full stop
+    const char* name = nullptr;
+    const char* title = nullptr; ///< a phrase that begins with a small letter, without a full stop
     ListOf<const Option*> options;
     ListOf<Operand> operands;
     /// Paragraphs with blank lines between. Lines that begin with four blanks are shown as they
     /// are.
-    const char* description;
-    const char* onSuccess;  ///< the meaning of status 0
-    const char* onFindings; ///< the meaning of status 1; null if the command never ends so
+    const char* description = nullptr;
+    const char* onSuccess = nullptr; ///< the meaning of status 0
+    const char* onFindings =
+        nullptr; ///< the meaning of status 1; null if the command never ends so
     ListOf<const char*> examples;
-    int (*run)(const Arguments& arguments, const Output& output);
+    int (*run)(const Arguments& arguments, const Output& output) = nullptr;
 };
 
 /// Why an argument cannot be used. A command throws it, and the user reads "dpc: OPTION: REASON

@@ -120,9 +120,11 @@ private:
         if (text.size() < 2 || text[0] != '-')
             return;
         std::vector<std::string> names;
+        names.reserve(m_options.size());
         for (const auto& known : m_options)
             names.push_back(known.first->longName());
         std::vector<const char*> candidates;
+        candidates.reserve(names.size());
         for (const std::string& name : names)
             candidates.push_back(name.c_str());
         throw UsageError(

@@ -78,4 +78,5 @@ void keepForeignBytesInFileNames()
     if (QTextCodec::codecForLocale()->mibEnum() == mibOfUtf8)
         // Qt owns every codec.
         QTextCodec::setCodecForLocale(new FileNameCodec);
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): see above
 }
