@@ -75,13 +75,13 @@ constexpr RuleExample withSpace(std::int64_t mib, RuleExample example)
 /// function that checks it, and is known by its address.
 struct Rule
 {
-    const char* name;     ///< lowercase words with "-" between; scripts turn rules off by it
-    Severity severity;    ///< of most findings, and the worst of all
-    const char* category; ///< lines, paths, series or machines
-    const char* meaning;  ///< one or two sentences
+    const char* name = nullptr; ///< lowercase words with "-" between; scripts turn rules off by it
+    Severity severity = Severity::Error; ///< of most findings, and the worst of all
+    const char* category = nullptr;      ///< lines, paths, series or machines
+    const char* meaning = nullptr;       ///< one or two sentences
     /// What to do about a finding: a clause in the imperative, without a capital and a full stop.
     /// It ends messages that have no advice of their own.
-    const char* advice;
+    const char* advice = nullptr;
     RuleExample hit;  ///< a series in which the rule finds something
     RuleExample miss; ///< a series in which it finds nothing
 };

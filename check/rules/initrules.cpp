@@ -181,7 +181,7 @@ public:
     const QHash<QString, InitEntry>& entries() const { return m_entries; }
 
 private:
-    void addFolders(QString path)
+    void addFolders(const QString& path)
     {
         for (QString folder = folderOf(path); !folder.isEmpty() && !m_folders.contains(folder);
              folder = folderOf(folder.chopped(1)))
