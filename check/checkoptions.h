@@ -8,7 +8,7 @@
 
 #include <set>
 
-/// What the user asks of a check.
+/// The settings of a check that the user chooses.
 struct CheckOptions
 {
     QStringList hosts; ///< the machines that run the series; none: this one alone

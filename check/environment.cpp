@@ -34,7 +34,7 @@ std::string whyUnreadable(const PathStatus& status, mode_t mode)
     return status.isReadable ? std::string() : "you have no right to read it";
 }
 
-/// What would be made by writing to a dead link.
+/// The file that writing to a dead link would make.
 QString targetOf(const QString& deadLink)
 {
     const QFileInfo target(QFileInfo(deadLink).symLinkTarget());

@@ -6,10 +6,10 @@
 #include <optional>
 #include <string>
 
-/// What lies under a path. Links are followed.
+/// The file, folder or other object under a path. Links are followed.
 struct PathStatus
 {
-    /// What it is.
+    /// Its kind.
     enum class Kind
     {
         Nothing,
@@ -47,8 +47,8 @@ struct DiskSpace
     qint64 free = 0;        ///< bytes
 };
 
-/// What a check asks of the machine beyond the config files. It never writes, and never opens what
-/// could block.
+/// Questions that a check asks of the machine, beyond reading config files. They never write, and
+/// never open anything that could block.
 struct Environment
 {
     std::function<PathStatus(const QString& path)> look;

@@ -10,7 +10,8 @@
 #include <set>
 #include <vector>
 
-/// What a check looked at, and what it did not look at: silence about that means nothing.
+/// The things that a check looked at, and those that it left out: silence about the latter means
+/// nothing.
 struct CheckExtent
 {
     int files = 0; ///< that were read, _init files as well

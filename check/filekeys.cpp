@@ -137,7 +137,7 @@ KeyedPath FileKeys::find(const QByteArray& path, bool isHere)
 
 int FileKeys::folderAt(const QByteArray& path, bool isSeen)
 {
-    // What lies elsewhere has no spelling in common with what this system sees.
+    // A path of another system never equals a path of this one, even if it is spelled alike.
     const QByteArray spelling = isSeen ? path : '\n' + path;
     const auto known = m_folderOfPath.constFind(spelling);
     if (known != m_folderOfPath.cend())

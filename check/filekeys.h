@@ -11,7 +11,7 @@
 // Which spellings lead to the same file.
 
 /// True for a path that only Windows or a file server can look up: "C:\x", "\\server\x",
-/// "//server/x". What lies there can't be told on this system.
+/// "//server/x". The content of such a path is unknown on this system.
 bool isForeignPath(const QByteArray& path);
 
 /// True for a path on a file server: "\\server\x" or "//server/x".
@@ -31,7 +31,7 @@ struct KeyedFolder
     QByteArray shownPath; ///< as the first user spells it
 };
 
-/// What a path leads to.
+/// The target of a path.
 struct KeyedPath
 {
     QByteArray key; ///< the same for all spellings and hard links, links followed as they exist

@@ -103,7 +103,7 @@ int FileUses::nameFor(const LineFact& line, const QByteArray& path, int iteratio
     UsedName name;
     const QByteArray full = isRelative(path) ? QByteArray(configPathVariable) + '/' + path : path;
     name.text = m_templates.expand(line, full, iteration);
-    // What is cut differs from machine to machine, and ".." can't be followed past a variable.
+    // A cut falls elsewhere on each machine, and ".." can't be followed past a variable.
     name.mustExpandAnew =
         path.contains("..") || full.size() + full.count('[') * m_longestValue >= maxPath;
     const QByteArray key = name.mustExpandAnew
@@ -221,7 +221,7 @@ void FileUses::addInit()
         InitUse& use = m_init[i];
         QByteArray path = use.name;
         replaceConfigPath(path, m_runFolder);
-        // What a save writes holds no other variable.
+        // A save writes names without other variables.
         if (use.name.count('[') != (use.name.startsWith(configPathVariable) ? 1 : 0) ||
             path.contains("..") || isRelative(path))
             path = expander.resolve(line, use.name).toLatin1();

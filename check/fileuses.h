@@ -13,7 +13,7 @@
 // Who uses which file: one table for all rules, made once from the facts of a series. It has an
 // entry for each name that a path stands for, and grows with their number, not with their pairs.
 
-/// What a machine that runs the series is called.
+/// The names of a machine that runs the series.
 struct MachineName
 {
     QString host;      ///< as the user names it
@@ -99,7 +99,8 @@ public:
     /// True if no machine but this one runs the series: its folder for temporary files is known.
     bool isThisMachine() const { return m_isThisMachine; }
 
-    /// How many names a path of a line stands for; 0 for memory and in lines that are no task.
+    /// The number of names that a path of a line stands for; 0 for memory and in lines that are not
+    /// tasks.
     int useCount(int line, TaskPath role) const;
     /// The use of a path in an iteration; without "[iter]" that is the same in all. The path must
     /// have one.

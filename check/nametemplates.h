@@ -15,7 +15,7 @@ public:
         : m_expander(facts, noMachine())
     {}
 
-    /// What a path stands for, in Latin-1. Fastest for lines in their order.
+    /// The name that a path stands for, in Latin-1. Fastest if lines come in their order.
     QByteArray expand(const LineFact& line, const QByteArray& path, int iteration);
 
 private:

@@ -11,7 +11,7 @@ struct NotChecked
     std::string text; ///< the same for people: "4 Windows paths"
 };
 
-/// What is said about a run of a command beside its result.
+/// Remarks on a run of a command, beside its result.
 struct Remarks
 {
     std::vector<std::string> problems; ///< sentences, each a reason for status 2

@@ -79,7 +79,7 @@ struct Rule
     Severity severity = Severity::Error; ///< of most findings, and the worst of all
     const char* category = nullptr;      ///< lines, paths, series or machines
     const char* meaning = nullptr;       ///< one or two sentences
-    /// What to do about a finding: a clause in the imperative, without a capital and a full stop.
+    /// Advice about a finding: a clause in the imperative, without a capital and a full stop.
     /// It ends messages that have no advice of their own.
     const char* advice = nullptr;
     RuleExample hit;  ///< a series in which the rule finds something

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// What an example is, besides its files.
+/// The circumstances of an example, besides its files.
 std::string circumstances(const RuleExample& example)
 {
     std::string text;

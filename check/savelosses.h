@@ -8,6 +8,6 @@
 /// names the first place, such as "mytest.dpc:4 does not load". Empty if they would keep it.
 std::string lossOfSave(const SeriesFacts& facts);
 
-/// What to do if the "_init" file does not fit the series. A load and a save are advised only if
+/// Advice for an "_init" file that does not fit the series. It recommends a load and a save only if
 /// they keep the series.
 std::string adviceToRenewInit(const SeriesFacts& facts);

@@ -12,7 +12,8 @@
 #include <string>
 #include <vector>
 
-// What a series holds, read once with the editor's own reader. Rules and listings ask only this.
+// The content of a series, read once with the editor's own reader. Rules and listings ask only
+// this.
 
 /// The settings of a task line, in bytes and ms like a record.
 struct TaskSettings
@@ -48,7 +49,7 @@ constexpr int firstPathField = SourceField;
 /// was cut or begins like a task.
 struct LineFact
 {
-    /// What the line is.
+    /// The kind of the line.
     enum class Kind
     {
         Task,
@@ -98,7 +99,7 @@ inline bool isTask(const LineFact& line)
     return line.kind == LineFact::Kind::Task;
 }
 
-/// What a file is to the series.
+/// The part that a file plays in the series.
 enum class FileRole
 {
     Series,    ///< a config file that a load reads
@@ -170,7 +171,8 @@ struct SeriesFacts
 
     /// How many names all paths of the series stand for, one for each iteration.
     long long nameCount = 0;
-    /// How many iterations of each task are looked at: all, or one where nobody would wait for all.
+    /// The number of iterations of each task that are looked at: all, or one if all would take too
+    /// long.
     int iterationLimit = 0;
 
     /// The file that holds a line.
@@ -184,11 +186,11 @@ struct SeriesFacts
 /// How many names a path stands for.
 int iterationsOf(const LineFact& line, const QByteArray& path);
 
-/// What is looked at of one series.
+/// Limits of the work on one series.
 struct ReadLimits
 {
     int entries = maxSeriesEntries;
-    long long names = 300000; ///< where paths stand for more, those of one iteration are looked at
+    long long names = 300000; ///< if paths stand for more, those of one iteration are looked at
 };
 
 /// Reads all files of a series that exist. Never fails: what can't be read is a fact as well.

@@ -34,7 +34,7 @@ SeriesSearch problem(std::string text)
     return {{}, {}, std::move(text)};
 }
 
-/// False for a file that a load of its own series does not look for, and that is no further one.
+/// False for a file that a load of its own series does not look for, and that does not continue it.
 bool belongsTo(const SeriesName& name, const QString& file)
 {
     return candidateFiles(name).contains(name.folder + file) || isBeyondSeries(file, name.baseName);
@@ -64,7 +64,7 @@ std::string whyEmpty(const QString& shown, const QString& folder)
                                quoted(place.isEmpty() ? shown : withSeparator(shown) + place),
                                obstacle);
     }
-    return fmt::format("there are no config files in {}", quoted(shown));
+    return fmt::format("no config files in {}", quoted(shown));
 }
 
 SeriesSearch searchFolder(const QString& path)
@@ -91,7 +91,7 @@ SeriesSearch searchFolder(const QString& path)
     return search;
 }
 
-/// That a file is not there, or why that can't be told.
+/// The sentence that a file does not exist, or the reason why that is unknown.
 std::string whyMissing(const QString& path, const char* sentence)
 {
     const PathStatus status = realEnvironment().look(path);
@@ -110,14 +110,13 @@ SeriesSearch searchFile(const QString& path)
     if (!file.endsWith(extension))
         return problem(exists ? fmt::format("{} is not a config file: its name does not end in {}",
                                             quoted(path), configFileExtension)
-                              : whyMissing(path, "there is no file or folder {}"));
+                              : whyMissing(path, "{} does not exist"));
     const SeriesName name = seriesNameForLoading(file);
     if (exists && !belongsTo(name, file.mid(file.lastIndexOf('/') + 1)))
         return problem(fmt::format("the editor would not load {}: by its name it looks for {}",
                                    quoted(path), quoted(name.baseName + extension)));
     if (!exists && !anyExists(name))
-        return problem(
-            whyMissing(path, "there is no file {}, and no file of a series of that name"));
+        return problem(whyMissing(path, "{} does not exist, nor does another file of its series"));
     return {{{name, path.left(path.lastIndexOf('/') + 1)}}, {}, {}};
 }
 
@@ -134,7 +133,7 @@ SeriesSearch findOneSeries(const QString& path)
 {
     SeriesSearch search = findSeries(path);
     if (search.series.empty() && search.problem.empty())
-        return problem(fmt::format("there is no series in {}", quoted(path)));
+        return problem(fmt::format("no series in {}", quoted(path)));
     if (search.series.size() <= 1)
         return search;
     return problem(fmt::format("there are {} series in {}: name a file of the one that is meant",
@@ -143,7 +142,7 @@ SeriesSearch findOneSeries(const QString& path)
 
 namespace {
 
-/// What tells series apart: one that was opened in "_wait" is that of the folder above.
+/// The identity of a series: one that was opened in "_wait" equals that of the folder above.
 std::pair<QString, QString> identityOf(const SeriesName& name)
 {
     const QString folder = name.folder.endsWith('/' + waitFolder())

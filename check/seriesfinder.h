@@ -15,7 +15,7 @@ struct FoundSeries
     QString shownFolder; ///< the folder as the user spells it
 };
 
-/// What came of a search.
+/// The result of a search.
 struct SeriesSearch
 {
     std::vector<FoundSeries> series;

@@ -107,7 +107,7 @@ std::string counted(long long count, const char* noun)
 const char* closest(const std::string& word, const char* const* candidates, int count)
 {
     constexpr int maxLettersOff = 2;
-    // Long words are no slips of the finger, and comparing them costs.
+    // A long word is hardly a typing error, and comparing long words is slow.
     if (word.size() > 30)
         return nullptr;
     const char* best = nullptr;

@@ -37,7 +37,7 @@ std::string quoted(const QByteArray& latin1);
 std::string counted(long long count, const char* noun);
 
 /// The candidate that a person most likely meant: equal but for case, or at most two letters off.
-/// Null where there is none.
+/// Null if no candidate is that close.
 const char* closest(const std::string& word, const char* const* candidates, int count);
 
 /// The same for an array.

@@ -6,7 +6,7 @@
 
 #include <QFile>
 
-/// What a line of a config file can be.
+/// The kinds of lines in a config file.
 enum class ConfigLine
 {
     Comment, ///< begins with "#"
@@ -33,10 +33,10 @@ public:
     /// Opens the file; the name is Latin-1 like every text of a task.
     explicit ConfigFileReader(const _kvString8_allSize<maxPath>& path);
 
-    /// False if there is no regular file that this user may read.
+    /// False if the path does not name a regular file that this user may read.
     bool isOpen() const { return m_file.isOpen(); }
 
-    /// Reads up to the next "\n" or the end of the file; false where nothing is left.
+    /// Reads up to the next "\n" or the end of the file; false if nothing is left.
     bool readLine(_kvString<maxLine>& line);
 
     int lineNumber() const { return m_lineNumber; }    ///< of the last line, from 1

@@ -29,8 +29,8 @@ enum class FollowUpFiles
     InSeriesFolder
 };
 
-/// What a save does to the tasks themselves: each gets the `configId` of the file that it belongs
-/// to, and is normalised. Markers stay as they are.
+/// Prepares tasks for a save: gives each the `configId` of the file that it belongs to, and
+/// normalises it. Markers stay as they are.
 void prepareTasks(TaskList& tasks);
 
 /// Renders the files of a series, whose tasks are prepared: one for each stretch of tasks that a

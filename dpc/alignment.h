@@ -10,7 +10,7 @@ struct AlignedPair
     int second = -1;
 };
 
-/// Pairs the entries of two lists in order: equal ones where that keeps the order, and what differs
+/// Pairs the entries of two lists in order: equal ones if that keeps the order, and what differs
 /// between them one by one. Lists whose differing middle is very long are paired by their places.
 std::vector<AlignedPair> align(const std::vector<std::string>& first,
                                const std::vector<std::string>& second);

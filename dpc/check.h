@@ -3,7 +3,7 @@
 #include "check/checker.h"
 #include "dpc/command.h"
 
-/// What a check is asked for, once the arguments are understood.
+/// The request to check, as the arguments state it.
 struct CheckRequest
 {
     QStringList paths;

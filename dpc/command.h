@@ -33,7 +33,7 @@ private:
     std::size_t m_size = 0;
 };
 
-/// What the value of an option or an operand is: the parser checks it, the shells complete it.
+/// The kind of the value of an option or an operand: the parser checks it, the shells complete it.
 enum class ValueKind
 {
     Flag,       ///< no value
@@ -87,13 +87,13 @@ struct Output
 {
     std::ostream& out;
     std::ostream& err;
-    bool colour = false;        ///< of `out`, where the user does not say otherwise
+    bool colour = false;        ///< of `out`, unless the user says otherwise
     bool isTerminal = false;    ///< true if a person reads `out`
     bool isErrTerminal = false; ///< true if a person reads `err`
     int width = 0;              ///< characters in a line, if `out` is a terminal; 0: not known
 };
 
-/// What was typed for one subcommand, as the parser understood it: bytes as the shell passed them.
+/// The arguments of one subcommand, as the parser understood them: bytes as the shell passed them.
 class Arguments
 {
 public:

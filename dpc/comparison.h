@@ -12,7 +12,7 @@ struct EntryPlace
     int line = 0;
 };
 
-/// What is different at one place of two series.
+/// A difference at one place of two series.
 struct Difference
 {
     enum class Kind
@@ -32,7 +32,7 @@ struct Difference
     std::string entry; ///< the task, or the marker, that one of them lacks
 };
 
-/// What is different in two series, by task and field; empty if nothing is. Settings are compared
+/// The differences of two series, by task and field; empty if they are equal. Settings are compared
 /// as the editor loads them, paths as they are written, and the names of next files not at all.
 std::vector<Difference> differencesOf(const SeriesFacts& first, const SeriesFacts& second);
 

@@ -24,7 +24,7 @@ constexpr Operand operands[] = {{"SERIES", ValueKind::ConfigFile}, {"DIR", Value
 constexpr const char* description =
     R"(Writes what dpc run would give to fio into the new folder DIR, and runs nothing: a job file for each config file and machine, logs of the calls of copies, guards that only look, plan.json, which tells for each job the line of the series, its kind, bytes, files and machine, and a README with the plain commands of fio.
 
-What fio can't do as a task says is printed as dpc check prints findings. An error is a task that fio can't do at all. A warning changes the work that is measured, and must be allowed by the name of its rule. A note changes nothing of it. If a loss is not allowed, nothing is written.
+Findings in the style of dpc check say what fio can't do as a task says. An error is a task that fio can't do at all. A warning changes the work that is measured, and must be allowed by the name of its rule. A note changes nothing of it. If a loss is not allowed, nothing is written.
 
 Without --hosts and --hosts-file the jobs are for this machine, without a server of fio. A line of the file of machines is NAME, NAME=ip:ADDRESS,PORT or NAME=sock:PATH, with temp=PATH behind it if the series names [temp]. A name alone is that of its server, at port 8765.)";
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-// What is true of dpc as a whole, worded once for the help page and the manual page.
+// Facts about dpc as a whole, worded once for the help page and the manual page.
 
 inline constexpr const char* mainTitle =
     "check, explain and run the config files of a disk and file server speed test";
@@ -37,8 +37,8 @@ std::vector<std::string> synopsisOf(const Command& command);
 /// Words in lines of at most so many characters, each after an indent, each with a line end.
 std::string wrapped(const std::string& text, const std::string& indent, size_t width = 80);
 
-/// What follows an option: "" for a flag, else its value: "FORMAT:{text,json}".
+/// The text behind the name of an option: "" for a flag, else its value: "FORMAT:{text,json}".
 std::string valueText(const Option& option);
 
-/// The meaning of an option, with its default where it has choices.
+/// The meaning of an option, with its default if it has choices.
 std::string meaningOf(const Option& option);

@@ -46,7 +46,7 @@ void addRejectedLines(const SeriesFacts& facts, Reasons& reasons)
     }
 }
 
-/// The file that a line of an _init file writes, where the series runs; empty for a comment.
+/// The file that a line of an _init file writes when the series runs; empty for a comment.
 QString fileMadeBy(const QByteArray& line, const SeriesFacts& facts)
 {
     TestTask task;

@@ -6,13 +6,14 @@
 #include <optional>
 #include <set>
 
-// What `dpc export` and `dpc run` have in common: a series, the machines, and what may be lost.
+// The common part of `dpc export` and `dpc run`: a series, the machines, and the losses that are
+// allowed.
 
 inline constexpr Option tempOption{
     "--temp", "PATH", ValueKind::Folder,
     "the folder that [temp] stands for on machines whose line of the hosts file has none"};
 inline constexpr Option dateOption{"--date", "TEXT", ValueKind::Text,
-                                   "what [date] stands for; without it the moment of the call"};
+                                   "the text that [date] stands for; default: now"};
 inline constexpr Option allowLossOption{
     "--allow-loss",
     "RULES",
@@ -25,7 +26,7 @@ inline constexpr Option allowLossOption{
 /// UsageError for an address that is none, and for two machines at one.
 std::vector<PlanMachine> planMachinesOf(const Arguments& arguments);
 
-/// What the options say about a plan. Throws UsageError as planMachinesOf().
+/// The settings of a plan, from the options. Throws UsageError as planMachinesOf().
 PlanOptions planOptionsOf(const Arguments& arguments);
 
 /// The losses that the user allows. Throws UsageError for an unknown rule.

@@ -24,7 +24,7 @@ FollowUpFiles followUpFiles(const SeriesName& name)
     return isUsable ? FollowUpFiles::InWaitFolder : FollowUpFiles::InSeriesFolder;
 }
 
-/// What keeps a save from writing a file; empty if nothing does.
+/// The reason why a save can't write a file; empty if it can.
 std::string obstacleTo(const QString& path)
 {
     const QFileInfo file(path);

@@ -16,7 +16,7 @@ struct LineChange
     bool hasLineEnd = false; ///< false for the last line of a file that ends without one
 };
 
-/// What happens to a file of the series.
+/// The change of a file of the series.
 struct FileChange
 {
     /// In the words of the JSON output.
@@ -38,7 +38,7 @@ struct FileChange
     qint64 fullSize = 0; ///< bytes of a file that is cut, before it is; 0 if that is not known
 };
 
-/// What a load and a save change.
+/// The changes that a load and a save make.
 struct RoundTrip
 {
     std::vector<FileChange> files; ///< in the order of the save; none if nothing changes

@@ -49,7 +49,7 @@ constexpr Operand operands[] = {{"PATH", ValueKind::ConfigFile}};
 constexpr const char* description =
     R"(Runs the series that PATH belongs to, or the export in the folder PATH, on fio, and accounts for every job. This is not the speed test: what fio does otherwise is told, task by task, and what changes the measured work must be allowed by --allow-loss.
 
-First the series is checked, every machine is connected to and asked whether sources are there, destinations are not, and the disk has room. Any "no" refuses the run before a byte is written. Then each config file is a stage: one call of fio for all machines.
+First the series is checked, every machine is connected to and asked whether sources are there, destinations are not, and the disk has space. Any "no" refuses the run before a byte is written. Then each config file is a stage: one call of fio for all machines.
 
 Results go to standard output, all else to the error stream. The folder RUN keeps the export, the output of fio, results.csv, results.json, the state and a manifest of the files that were made. Nothing is deleted.
 
@@ -128,7 +128,8 @@ private:
     bool m_isDrawn = false;
 };
 
-/// What is refused before there is anything to ask: told, and kept in the folder of the run.
+/// Refuses a run before any machine is asked: tells the reasons, and keeps them in the folder of
+/// the run.
 int refuse(const Request& request, const std::vector<std::string>& reasons, const Output& output)
 {
     for (const std::string& reason : reasons)

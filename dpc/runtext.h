@@ -2,9 +2,10 @@
 
 #include "engine/runner.h"
 
-// What `dpc run` tells people.
+// The texts of `dpc run` for people.
 
-/// What is known before anything runs: stages, jobs, files, bytes, and what fio idles.
+/// The size of a plan before anything runs: stages, jobs, files, bytes, and the time that fio
+/// idles.
 std::string forecastText(const Plan& plan);
 
 /// Bytes, seconds and rates of every job that ran, a table for each stage.

@@ -45,7 +45,7 @@ void removeColumn(Table& table, int column)
         row.removeAt(column);
 }
 
-/// The headers of the columns that had no room.
+/// The headers of the columns that did not fit.
 QStringList fit(Table& table, int width, const QStringList& leastImportant)
 {
     QStringList left;
@@ -93,7 +93,7 @@ std::string tableAsText(Table table, int width, const QStringList& leastImportan
     for (const QStringList& row : table.rows)
         text += lineOf(row, table, widths);
     for (const QString& header : left)
-        text += "(no room for " + header.toStdString() + ")\n";
+        text += "(column left out: " + header.toStdString() + ")\n";
     return text;
 }
 

@@ -15,7 +15,7 @@ struct Table
 
 /// Columns with two blanks between. In a terminal of `width` characters, the first column is cut in
 /// its middle, and columns are left out from `leastImportant` on, a list of headers, until the rest
-/// fits; a width of 0 has room for all. Left out columns are named below the table.
+/// fits; a width of 0 fits all. Left out columns are named below the table.
 std::string tableAsText(Table table, int width = 0, const QStringList& leastImportant = {});
 
 /// As a table of Markdown.

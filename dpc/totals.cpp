@@ -24,7 +24,7 @@ void add(qint64& sum, qint64 value)
         sum = most;
 }
 
-/// The last chunk may be shorter; without chunks there is no wait.
+/// The last chunk may be shorter; without chunks, nothing waits.
 qint64 chunksOf(const TaskSettings& task)
 {
     if (task.chunkSize <= 0 || task.fileSize <= 0)

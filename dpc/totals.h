@@ -2,7 +2,8 @@
 
 #include "check/seriesfacts.h"
 
-/// What a series costs on one machine. Counts stop at the largest number instead of wrapping round.
+/// The costs of a series on one machine. Counts stop at the largest number instead of wrapping
+/// round.
 struct Totals
 {
     int files = 0; ///< config files

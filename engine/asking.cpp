@@ -188,11 +188,11 @@ std::string Asking::whatIsWrong(const Question& question)
     case GuardTest::Kind::NewFolder:
         return fmt::format("the folder {} can't be made: it is there, or the one above it is not",
                            path);
-    case GuardTest::Kind::Room: {
+    case GuardTest::Kind::Space: {
         qint64 bytes = 0;
-        for (const RoomNeed& need : test.needs)
+        for (const SpaceNeed& need : test.needs)
             bytes += need.bytes;
-        return fmt::format("the disk has not enough room: {} bytes are needed in {}{}", bytes,
+        return fmt::format("not enough disk space: {} bytes are needed in {}{}", bytes,
                            quoted(test.needs.front().folder),
                            test.needs.size() > 1 ? " and other folders" : "");
     }

@@ -51,7 +51,7 @@ void addLogs(const Plan& plan, std::vector<ExportFile>& files)
     }
 }
 
-/// What fio reads.
+/// The files that fio reads.
 std::vector<ExportFile> fioFiles(const Plan& plan)
 {
     std::vector<ExportFile> files;

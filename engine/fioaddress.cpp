@@ -24,7 +24,7 @@ QString reason(int error)
 
 using AddressList = std::unique_ptr<addrinfo, decltype(&freeaddrinfo)>;
 
-/// The addresses of a machine. fio talks IPv4 where it is told "ip:".
+/// The addresses of a machine. fio talks IPv4 if it is told "ip:".
 AddressList lookUp(const FioAddress& address, int& error)
 {
     addrinfo hints{};

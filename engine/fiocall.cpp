@@ -14,7 +14,7 @@
 #include <unistd.h>
 #include <vector>
 
-/// What the signals were before.
+/// The mask and the handlers of the signals before the call.
 struct SignalGuard::State
 {
     sigset_t watched{};
@@ -249,7 +249,8 @@ SignalGuard::~SignalGuard()
     ::sigaction(SIGINT, &m_state->interruptBefore, nullptr);
     ::sigaction(SIGTERM, &m_state->terminateBefore, nullptr);
     ::sigaction(SIGCHLD, &m_state->childBefore, nullptr);
-    // What arrived too late for fio must not end the program before it has told its results.
+    // A signal that arrived too late for fio must not end the program before it has told its
+    // results.
     while (waitForSignal(m_state->watched, 0) != 0) {
     }
     ::sigprocmask(SIG_SETMASK, &m_state->maskBefore, nullptr);

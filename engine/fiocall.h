@@ -30,7 +30,7 @@ enum class StopReason
     Timeout
 };
 
-/// What came of a call.
+/// The result of a call.
 struct FioExit
 {
     QString problem; ///< why fio could not be started; empty if it was
@@ -39,7 +39,7 @@ struct FioExit
 };
 
 /// Holds back SIGINT, SIGTERM and SIGHUP, so that they end a run in order: fio is told, waited for
-/// and accounted. One at a time, in a program with one thread. SIGHUP stays ignored where it was.
+/// and accounted. One at a time, in a program with one thread. SIGHUP stays ignored if it was.
 class SignalGuard
 {
 public:

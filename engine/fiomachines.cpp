@@ -31,7 +31,7 @@ FioMachines::FioMachines(const Plan& plan, const RunFolder& folder, const Signal
         FioHost host;
         if (address.has_value() && address->socket.isEmpty())
             host = {address->host, address->port};
-        // fio puts the name of a host into the names of logs, where the "/" of a path is none. A
+        // fio puts the name of a host into the names of logs, which can't hold the "/" of a path. A
         // link in its working folder stands for the socket.
         else if (address.has_value() && !folder.path().isEmpty()) {
             host.name = QStringLiteral("machine%1.sock").arg(i);

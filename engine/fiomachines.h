@@ -35,12 +35,12 @@ public:
     /// One call for all: on machines behind servers it begins and ends together.
     FioExit call(const std::vector<JobFile>& files, const Output& output) const;
 
-    /// What a call printed.
+    /// The output of a call.
     FioOutput read(const QString& name) const;
     /// The first line of what it complained about, empty if it did not.
     std::string complaint(const QString& name) const;
 
-    /// What fio calls the machines.
+    /// The names that fio gives the machines.
     const std::vector<FioHost>& hosts() const { return m_hosts; }
 
 private:

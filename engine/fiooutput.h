@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-// What fio printed, as far as a run is accounted by it. Any bytes will do: what is not understood
+// The output of fio, as far as a run is accounted by it. Any bytes will do: what is not understood
 // is left out, and a job that is left out counts as not run.
 
 /// Figures of one direction of a section, reads or writes.
@@ -20,12 +20,12 @@ struct IoFigures
     std::optional<qint64> maxNs;
 };
 
-/// What fio says of one section on one machine.
+/// The report of fio about one section on one machine.
 struct SectionReport
 {
     QByteArray name;      ///< of the section
     QString host;         ///< as given to `--client`; empty for a run without a server
-    int port = 0;         ///< means nothing where the host is a socket's path
+    int port = 0;         ///< means nothing if the host is a socket's path
     int error = 0;        ///< error number of the system, 0 for none
     qint64 runtimeMs = 0; ///< waits included
     IoFigures read;

@@ -63,7 +63,7 @@ QByteArray sizeBitCondition(const QByteArray& file, qint64 bit)
 
 /// The folders with the KiB that they need, summed by the file system of the nearest folder that
 /// exists.
-QByteArray roomCondition(const std::vector<RoomNeed>& needs)
+QByteArray roomCondition(const std::vector<SpaceNeed>& needs)
 {
     constexpr const char* script = R"(while test $# -gt 0
 do folder=$2
@@ -76,7 +76,7 @@ done | awk '{free[$1] = $2; need[$1] += $3} END {for (d in need) if (need[d] > f
 )";
     constexpr qint64 kib = 1024;
     QByteArray arguments;
-    for (const RoomNeed& need : needs)
+    for (const SpaceNeed& need : needs)
         arguments +=
             number((need.bytes + kib - 1) / kib) + ' ' + shellWord(encodedName(need.folder)) + ' ';
     return scriptCommand(script, arguments.chopped(1));
@@ -98,10 +98,10 @@ public:
         m_tests.push_back(test);
     }
 
-    void askRoom(const PlanJob& job)
+    void askSpace(const PlanJob& job)
     {
         const QString& file = job.made();
-        // What is written again has its room already.
+        // A file that is written again has its space already.
         if (file.isEmpty() || job.destination.beforeRun != FileState::Absent)
             return;
         const QString folder = file.left(qMax(file.lastIndexOf('/'), 1));
@@ -124,7 +124,7 @@ public:
     {
         if (m_needsCaches)
             m_tests.push_back(ofKind(GuardTest::Kind::Caches));
-        addRoom();
+        addSpace();
         return std::move(m_tests);
     }
 
@@ -137,9 +137,9 @@ private:
     }
 
     /// One question for all folders, as long as a line can hold them.
-    void addRoom()
+    void addSpace()
     {
-        GuardTest test = ofKind(GuardTest::Kind::Room);
+        GuardTest test = ofKind(GuardTest::Kind::Space);
         for (const QString& folder : m_folders) {
             test.needs.push_back({folder, m_room[folder]});
             if (guardCondition(test).size() <= maxNameLine)
@@ -223,7 +223,7 @@ QByteArray guardCondition(const GuardTest& test)
         return fileCondition(shellWord(encodedName(test.path)), test.state, test.bytes);
     case GuardTest::Kind::NewFolder:
         return newFolderCondition(test.path);
-    case GuardTest::Kind::Room:
+    case GuardTest::Kind::Space:
         return roomCondition(test.needs);
     case GuardTest::Kind::Caches:
         return "test -w /proc/sys/vm/drop_caches";
@@ -246,7 +246,7 @@ std::vector<GuardTest> guardTests(const Plan& plan, int machine)
                 const PlanJob& job = plan.jobs[i];
                 questions.ask(job.source, job.bytes);
                 questions.ask(job.destination, job.bytes);
-                questions.askRoom(job);
+                questions.askSpace(job);
                 if (job.dropCaches)
                     questions.askCaches();
             }

@@ -5,11 +5,11 @@
 #include <vector>
 
 // Questions to a machine, asked by fio itself, so that they work through a server as well: a
-// section that moves a few bytes of nothing if the answer is yes, and none if it is no. They only
-// look.
+// section that moves a few bytes of nothing if the answer is "yes", and none if it is "no". They
+// only look.
 
 /// Bytes that will be written below a folder, which may not be there yet.
-struct RoomNeed
+struct SpaceNeed
 {
     QString folder;
     qint64 bytes = 0;
@@ -18,12 +18,12 @@ struct RoomNeed
 /// One question.
 struct GuardTest
 {
-    /// What is asked.
+    /// The kind of question.
     enum class Kind
     {
         File,      ///< the state of a file
         NewFolder, ///< nothing is there under the name, and the folder above can be written
-        Room,      ///< the file systems that the folders will lie on have the bytes free
+        Space,     ///< the file systems that the folders will lie on have the bytes free
         Caches,    ///< this user may drop the caches of the system
         SizeBit    ///< the size of the file has the bit with the number `bytes`
     };
@@ -32,10 +32,10 @@ struct GuardTest
     QString path;                        ///< of the file or the new folder
     FileState state = FileState::Absent; ///< of a file
     qint64 bytes = 0;                    ///< size of a source, or number of a bit
-    std::vector<RoomNeed> needs;         ///< for Room
+    std::vector<SpaceNeed> needs;        ///< for Space
 };
 
-/// What a machine is asked before the first byte of a run, each question once.
+/// The questions that a machine answers before the first byte of a run, each once.
 std::vector<GuardTest> guardTests(const Plan& plan, int machine);
 
 /// The question as a condition of the shell.
@@ -55,7 +55,7 @@ struct GuardCall
     QByteArray file; ///< relative to the folder of the export
     std::vector<GuardSection> sections;
 
-    /// What fio is given.
+    /// The job file that fio is given.
     QByteArray text() const;
 };
 

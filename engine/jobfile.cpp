@@ -41,7 +41,7 @@ std::vector<QByteArray> logCommands(const Plan& plan, const PlanJobFile& file)
     return commands;
 }
 
-/// What must hold when a section begins, and what is done before its time counts.
+/// The conditions that must hold when a section begins, and its steps before its time counts.
 QByteArray jobCondition(const PlanJob& job, bool isFirst)
 {
     QByteArrayList conditions;
@@ -73,7 +73,7 @@ const char* direction(JobKind kind)
     return kind == JobKind::Copy ? "rw" : kind == JobKind::Read ? "read" : "write";
 }
 
-/// What a section of plain options does.
+/// The options of a section that needs plain options only.
 QByteArray plainOptions(const PlanJob& job, const PlanSection& section)
 {
     QByteArray text = "size=" + number(section.bytes) + "\nbs=" + number(section.chunk) + '\n';

@@ -4,7 +4,7 @@
 
 // Job files: what fio is given. Pure; the texts are bytes of the file system's encoding.
 
-/// What one machine runs in one stage.
+/// The job file of one machine in one stage.
 QByteArray jobFileText(const Plan& plan, size_t stage, const PlanJobFile& file);
 
 /// Bytes of the longest line that a job needs; at most maxNameLine can be written.

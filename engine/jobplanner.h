@@ -18,7 +18,7 @@ public:
         , m_made(plan.machines.size())
     {}
 
-    /// What the next jobs of the stage belong to.
+    /// Starts the job file that the next jobs of the stage belong to.
     void beginFile(int machine);
 
     /// Adds the job of one iteration of a task that fio can do. False if that fails, and so would

@@ -4,9 +4,9 @@
 
 #include <string>
 
-// What fio does otherwise than a task says, in the form of the rules of a check. An error: fio
-// can't do the task, and nothing runs. A warning: the measured work is another one, which a user
-// must allow by the name of the rule. A note: the measured work is the same.
+// Differences between a task and what fio can do for it, in the form of the rules of a check. An
+// error: fio can't do the task, and nothing runs. A warning: the measured work is another one,
+// which a user must allow by the name of the rule. A note: the measured work is the same.
 
 extern const Rule fioNotRead;
 extern const Rule fioNotRun;

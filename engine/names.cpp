@@ -19,7 +19,7 @@ bool isBlank(char c)
     return c == ' ' || isControl(c);
 }
 
-/// What fio replaces or cuts in a value, as people see it; null if there is nothing of it.
+/// The text that fio replaces or cuts in a value, for people; null if it takes the value as it is.
 const char* replacedWord(const QByteArray& name)
 {
     constexpr const char* words[] = {"${", "$ncpus", "$pagesize", "$mb_memory"};

@@ -9,7 +9,7 @@
 // comment in the middle of a value, and replaces words that begin with "$".
 
 /// Bytes of the longest line that goes into a job file: fio takes 8192 locally and through a
-/// client, and the words around the names need room.
+/// client; the words around the names need the rest.
 constexpr int maxNameLine = 7500;
 
 /// Bytes of the longest name in a log of calls.

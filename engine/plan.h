@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-// What a run of a series on fio does: jobs by stage and machine, as values. planner.h makes a plan,
-// exporter.h writes it, planfile.h reads it back.
+// The work of a run of a series on fio: jobs by stage and machine, as values. planner.h makes a
+// plan, exporter.h writes it, planfile.h reads it back.
 //
 // Names of files are absolute. Sizes are bytes, waits milliseconds. Texts that fio is given are the
 // bytes of the file system's encoding.
@@ -33,7 +33,7 @@ enum class JobKind
 /// "create", "write", "read" or "copy".
 const char* jobKindName(JobKind kind);
 
-/// What must hold of a file on the machine that uses it.
+/// The required state of a file on the machine that uses it.
 enum class FileState
 {
     Absent,      ///< nothing is there, a dangling link neither
@@ -56,7 +56,7 @@ struct PlanFile
                                          ///< earlier job makes it, so that there is nothing to ask
     /// A small file that the guard of the first job leaves which writes this one, and that the
     /// guards of the others ask for: what came into the way of the first is not theirs to write.
-    /// Named as PlanLog::file; empty if there are no others.
+    /// Named as PlanLog::file; empty without others.
     QByteArray proof;
 };
 
@@ -106,7 +106,7 @@ struct PlanJob
     const QString& made() const { return destination.path; }
 };
 
-/// What one machine runs in one stage.
+/// The jobs of one machine in one stage.
 struct PlanJobFile
 {
     int machine = 0;     ///< index in Plan::machines
@@ -121,7 +121,7 @@ struct PlanJobFile
 /// One config file. A marker ends it, and is a barrier.
 struct PlanStage
 {
-    QString configFile;             ///< where it is when it runs: outside "_wait"
+    QString configFile;             ///< its path when it runs: outside "_wait"
     QString shownFile;              ///< as the user spells its folder
     bool isInit = false;            ///< makes the sources of the _init file
     std::vector<PlanJobFile> files; ///< of those machines that have jobs; never empty

@@ -20,7 +20,7 @@ QJsonArray lossesAsJson(const std::vector<Finding>& findings);
 /// The plan and what is lost, as indented JSON.
 QByteArray planAsJson(const Plan& plan, const QJsonArray& losses);
 
-/// What was read back.
+/// The content that was read back.
 struct PlanFileContent
 {
     Plan plan;

@@ -84,7 +84,7 @@ public:
             addStage(m_facts, stage, false);
         m_jobs.finish();
         if (m_options.onlyStage && m_plan.jobs.empty())
-            m_result.misuse.push_back(fmt::format("there is no stage {}: the series has {}",
+            m_result.misuse.push_back(fmt::format("unknown stage {}: the series has {}",
                                                   *m_options.onlyStage,
                                                   counted(m_stagesSeen, "stage")));
         if (m_plan.jobs.empty() && !m_losses.hasErrors() && m_result.misuse.empty())
@@ -140,8 +140,8 @@ private:
             planStage(facts, file, isInit);
             return;
         }
-        // Whether a file is a stage shows when its jobs are planned. What another stage would make
-        // or lose does not count for the only one.
+        // Whether a file is a stage shows when its jobs are planned. Files and losses of other
+        // stages do not count for the only one.
         const Losses losses = m_losses;
         const FilesMade made = m_jobs.filesMade();
         const bool isStage = planStage(facts, file, isInit);
@@ -278,7 +278,8 @@ private:
 
 PlanResult planSeries(const SeriesFacts& facts, const PlanOptions& options)
 {
-    // What was chosen inside of "_wait" runs outside of it, beside what lies there already.
+    // A file that was chosen inside "_wait" runs outside of it, beside the files that lie there
+    // already.
     const QString wait = waitFolder();
     if (!facts.name.folder.endsWith('/' + wait))
         return Planner(facts, options).plan();

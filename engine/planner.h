@@ -8,7 +8,7 @@
 #include <functional>
 #include <optional>
 
-/// What the user asks of a plan.
+/// The settings of a plan that the user chooses.
 struct PlanOptions
 {
     std::vector<PlanMachine> machines; ///< none: this one, without a server
@@ -24,7 +24,7 @@ struct PlanOptions
     Environment environment = realEnvironment(); ///< this machine
 };
 
-/// What came of planning.
+/// The result of planning.
 struct PlanResult
 {
     Plan plan;

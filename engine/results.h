@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-// What came of a run, job by job: the plan, accounted against what fio reported. Values that
+// The results of a run, job by job: the plan, accounted against what fio reported. Values that
 // nobody measured are absent.
 
-/// What came of one planned job.
+/// The result of one planned job.
 struct JobResult
 {
     bool isGood = false;             ///< it ran, without an error, and did its bytes
@@ -50,7 +50,7 @@ enum class StageState
 /// "notRun", "complete", "incomplete" or "interrupted".
 const char* stageStateName(StageState state);
 
-/// What came of one stage.
+/// The result of one stage.
 struct StageResult
 {
     StageState state = StageState::NotRun;

@@ -26,7 +26,7 @@ enum class RunState
 /// "running", "complete", "incomplete", "failed", "interrupted" or "refused".
 const char* runStateName(RunState state);
 
-/// What `state.json` tells.
+/// The content of `state.json`.
 struct RunStatus
 {
     RunState state = RunState::Running;
@@ -89,13 +89,13 @@ struct MadeFile
 /// The text of a manifest, in the encoding of the file system.
 QByteArray manifestText(const std::vector<MadeFile>& files);
 
-/// What the manifest of an earlier run names.
+/// The files that the manifest of an earlier run names.
 class EarlierRun
 {
 public:
     /// Nothing, and half a sentence, if the folder does not hold a run that made files.
     static std::optional<EarlierRun> read(const QString& folder, std::string& problem);
-    /// What it was a run of: Plan::series.
+    /// The series that it ran: Plan::series.
     const QString& series() const { return m_series; }
     /// True if that run may have made the file on the machine.
     bool made(const QString& machine, const QString& path) const;

@@ -16,7 +16,7 @@
 
 namespace {
 
-/// Beyond these a list of reasons is no longer read; results.json tells of every job.
+/// Nobody reads a longer list of reasons; results.json tells of every job.
 constexpr size_t maxReasons = 20;
 constexpr int versionTimeoutMs = 60000;
 

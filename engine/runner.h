@@ -6,7 +6,7 @@
 // The running of a plan: machines are reached, asked, and given their jobs stage by stage. fio does
 // all I/O on the files of the series; this only looks at what it says.
 
-/// What a run does at the moment.
+/// The present work of a run.
 struct RunProgress
 {
     size_t stage = 0;
@@ -16,7 +16,7 @@ struct RunProgress
     std::optional<qint64> doneBytes; ///< of the stage; unknown with servers
 };
 
-/// What the user asks of a run.
+/// The settings of a run that the user chooses.
 struct RunOptions
 {
     QString program = QStringLiteral("fio");
@@ -28,7 +28,7 @@ struct RunOptions
     std::function<void(const RunProgress& progress)> onProgress; ///< may be empty
 };
 
-/// What fio idles for one job file, in ms.
+/// The time that fio idles for one job file, in ms.
 qint64 fioIdleMs(const PlanJobFile& file, bool isLocal);
 
 /// Versions of fio that runs were tried with, as fio spells them.

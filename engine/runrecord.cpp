@@ -19,7 +19,7 @@ namespace {
 constexpr int knownVersion = 1;
 constexpr qint64 largestFile = 256LL << 20;
 
-/// Nothing if there is no such regular file: a pipe of that name would be waited for.
+/// Nothing unless the file is regular: a pipe of that name would block.
 std::optional<QByteArray> contentOf(const QString& folder, const char* name)
 {
     const QString path = folder + '/' + QLatin1String(name);

@@ -5,14 +5,14 @@
 #include <QHash>
 #include <QSet>
 
-/// What fio calls a machine in its output.
+/// The name of a machine in the output of fio.
 struct FioHost
 {
     QString name; ///< empty for this machine without a server
     int port = 0; ///< 0: a socket, whose port means nothing
 };
 
-/// What fio reported in one call, by machine and section.
+/// The report of one call of fio, by machine and section.
 class SectionIndex
 {
 public:

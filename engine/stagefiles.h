@@ -12,5 +12,5 @@ struct StageFile
 };
 
 /// The config files of a series in the order of running: the first, and each to which a marker
-/// leads. What is left out, or can't be read, is a loss.
+/// leads. A file that is left out, or can't be read, is a loss.
 std::vector<StageFile> stageFiles(const SeriesFacts& facts, Losses& losses);

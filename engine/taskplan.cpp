@@ -31,7 +31,7 @@ bool isBuffered(IoMethod method)
     return method == IoMethod::Stream || method == IoMethod::AnsiC;
 }
 
-/// What the library's buffer between task and system does, which fio does not have. With no buffer,
+/// Judges the library's buffer between task and system, which fio does not have. With no buffer,
 /// or one of the size of a chunk, each chunk is one call there as well.
 void judgeBuffer(const LineFact& line, const LossSink& lose)
 {

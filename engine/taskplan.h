@@ -13,7 +13,8 @@
 /// Receives what is lost: the rule, the field of the line (from 1) and a sentence.
 using LossSink = std::function<void(const Rule& rule, int field, std::string text)>;
 
-/// What fio can't do of the settings of a task. Returns false if it can't do the task at all.
+/// Reports the settings of a task that fio can't apply. Returns false if it can't do the task at
+/// all.
 bool judgeSettings(const LineFact& line, const LossSink& lose);
 
 /// The settings of a job for a task, all but its names and its size.

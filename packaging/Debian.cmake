@@ -54,12 +54,12 @@ The speed test for disks, file servers and networks runs on many machines
 at the same moment and reads what to do from config files: one line per
 task, chained into a series.
 .
-twDiskProbe is where such files are made: fill in a form, collect tasks in
+twDiskProbe makes such files: fill in a form, collect tasks in
 a table, save a numbered series, load it back. It runs no test itself; the
 command dpc, which comes with it, checks and runs a series.")
 set(CPACK_DEBIAN_TWDISKPROBE_PACKAGE_DEPENDS "dpc (= ${PROJECT_VERSION})")
 
-# What the programs load decides what the packages depend on; the library of their own comes with dpc.
+# The packages depend on the libraries that the programs load; their own library comes with dpc.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 include(CPack)

@@ -31,7 +31,7 @@ void checkNumbers(const SeriesFacts& facts, Findings& findings);
 void checkPaths(const SeriesFacts& facts, const CheckOptions& options, Findings& findings);
 /// The rules about variables in paths.
 void checkVariables(const SeriesFacts& facts, const CheckOptions& options, Findings& findings);
-/// The rules about folders where files are needed, and the other way round.
+/// The rules about folders in place of files, and the other way round.
 void checkFolders(const SeriesFacts& facts, const FileUses& uses, Findings& findings);
 /// The rules about who makes what a task reads.
 void checkSources(const SeriesFacts& facts, const FileUses& uses, Findings& findings);

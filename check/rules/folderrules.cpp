@@ -10,7 +10,7 @@
 
 #include <algorithm>
 
-// Where a folder is needed, and where a file is.
+// Folders in place of files, and files in place of folders.
 
 namespace {
 

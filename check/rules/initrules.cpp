@@ -35,7 +35,8 @@ struct Need
     FileToCreate file;
 };
 
-/// What a series needs, by its paths, each name once: what a save collects.
+/// The files and folders that a series needs, as its paths name them, each once, as a save collects
+/// them.
 class Needs
 {
 public:
@@ -148,7 +149,7 @@ private:
     std::vector<Need> m_needs;
 };
 
-/// What the active lines of the "_init" file make, by full names.
+/// The files and folders that the active lines of the "_init" file make, by full names.
 class InitFile
 {
 public:
@@ -283,7 +284,7 @@ constexpr Rule initMissing = {
     "init-missing",
     Severity::Warning,
     "series",
-    "The series needs files or folders that do not exist, and there is no _init file that makes "
+    "The series needs files or folders that do not exist, and has no _init file that makes "
     "them.",
     "run dpc init --write, or load and save the series",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
@@ -302,7 +303,7 @@ void InitComparison::reportMissing()
     const Lack& first = m_lacks.front();
     m_findings.add(
         initMissing, *first.need->line, first.need->line->columnOf(first.need->which),
-        Message(fmt::format("{} does not exist{}, and there is no {}_init.dpc that makes it",
+        Message(fmt::format("{} does not exist{}, and the series has no {}_init.dpc that makes it",
                             named(first),
                             names.size() > 1 ? fmt::format(", nor {} more", names.size() - 1) : "",
                             printable(m_facts.name.baseName)),
@@ -411,8 +412,8 @@ void InitComparison::reportSizes()
     }
 }
 
-/// The files that the tasks use, and the folders that these lie in. What differs by machine is
-/// compared as a pattern.
+/// The files that the tasks use, and their folders. Names that differ by machine are compared as
+/// patterns.
 class UsedPaths
 {
 public:

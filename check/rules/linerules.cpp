@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <vector>
 
-// What is wrong with a line as text: its fields, its length, its letters.
+// Faults of a line as text: its fields, its length, its letters.
 
 namespace {
 
@@ -329,7 +329,7 @@ constexpr Rule sameTask = {
     oneFile(plainTask, 2),
     series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
 
-/// What a task does, as text; empty if its names differ from those of the same line elsewhere.
+/// The work of a task, as text; empty if its names differ from those of the same line elsewhere.
 QByteArray contentOf(const LineFact& line)
 {
     QByteArray content = QByteArray::number(line.file);

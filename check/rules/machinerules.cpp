@@ -9,7 +9,7 @@
 
 #include <algorithm>
 
-// What goes wrong only because several machines run the series.
+// Faults that appear only if several machines run the series.
 
 namespace {
 

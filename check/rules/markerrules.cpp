@@ -14,7 +14,7 @@
 
 namespace {
 
-/// What there is of each number.
+/// The config file of one number: whether it exists, and whether it names the next one.
 struct Link
 {
     bool exists = false;
@@ -33,7 +33,7 @@ Chain chainOf(const SeriesFacts& facts)
             continue;
         Link& link = chain[size_t(file.number)];
         link.exists = true;
-        // What can't be read may have one.
+        // A file that can't be read may have one.
         link.hasMarker = link.hasMarker || file.markers > 0 || !file.readable;
     }
     return chain;
@@ -58,7 +58,7 @@ constexpr Rule markerFolder = {
            {"mytest1.dpc", plainTask}),
     series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
 
-/// In the folder or in its "_wait", by whatever name. What another system looks up can't be told.
+/// In the folder or in its "_wait", by whatever name. The lookups of another system are unknown.
 bool isInSeries(const SeriesFacts& facts, const Environment& environment, const QString& path)
 {
     const QString folder = path.left(path.size() - fileNameOf(path).size());

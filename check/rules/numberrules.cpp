@@ -43,7 +43,7 @@ std::string inUnits(const Number& number, std::int32_t value)
     return fmt::format("{}{}", value / number.unitSize, number.unit);
 }
 
-/// What the text says, however large; the reader takes its first characters.
+/// The number that the text means, of any size; the reader takes its first characters.
 long long textValue(const LineFact& line, const Number& number)
 {
     return std::strtoll(line.field(number.field).left(maxNumberLength).constData(), nullptr, 10);
@@ -104,7 +104,8 @@ constexpr Rule noEffect = {
     oneFile("Posix ;NOflush;prealloc  ; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
 
-/// What normalisation takes away because the method or the test type has no use for it.
+/// True for a setting that normalisation removes because the method or the test type does not use
+/// it.
 bool hasNoEffect(const LineFact& line, const Number& number)
 {
     if (number.field == SysBufferField)
@@ -284,7 +285,7 @@ Systems systemsOf(const LineFact& line)
     return systems;
 }
 
-/// What the form says of a cache mode.
+/// The form's texts for a cache mode.
 struct CacheModeInfo
 {
     const char* system;

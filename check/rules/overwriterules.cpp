@@ -72,7 +72,8 @@ public:
         }
     }
 
-    /// What was there, is read after it was overwritten, and never was what a task writes.
+    /// Reports files that were there before, are read after they were overwritten, and never held
+    /// what a task is meant to write.
     void finish()
     {
         for (const File& file : m_files) {

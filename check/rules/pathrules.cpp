@@ -13,7 +13,7 @@
 #include <array>
 #include <string>
 
-// What is wrong with a path by itself: its variables, its form, its folder.
+// Faults of a single path: its variables, its form, its folder.
 
 namespace {
 
@@ -28,7 +28,7 @@ constexpr Rule relativePath = {
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out/[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
 
-/// What a path that is not meant to be relative may be meant as; empty if that can't be told.
+/// The likely meaning of a path that is relative by mistake; empty if that is unknown.
 Message relativeMessage(const QByteArray& path, TaskPath which)
 {
     const std::string name = quoted(path);

@@ -206,7 +206,7 @@ constexpr Rule namesMeet = {
             "true;\n",
             12)};
 
-/// What tasks write, by the first one that writes it.
+/// The names that tasks write, with the first task that writes each.
 class MeetingNames
 {
 public:

@@ -22,7 +22,7 @@ constexpr Rule diskSpace = {
     onMachines("pc01,pc02", withSpace(150, oneFile(plainTask))),
     onMachines("pc01,pc02", withSpace(200, oneFile(plainTask)))};
 
-/// What the series takes of one file system.
+/// The space that the series takes of one file system.
 struct Demand
 {
     double bytes = 0;
@@ -47,7 +47,7 @@ public:
         if (use.role != SourcePath && use.role != DestPath)
             return;
         const UsedName& name = m_uses.nameOf(use);
-        // What is below "[temp]" lies on each machine itself.
+        // Files below "[temp]" lie on each machine itself.
         const int machines = name.byHost && !name.byTemp ? int(m_uses.machines().size()) : 1;
         for (int machine = 0; machine < machines; ++machine)
             addFile(use, m_uses.fileOf(use, machine), machine);

@@ -161,7 +161,7 @@ constexpr Rule otherNotation = {
             "[cfgPath]/out_$HOSTNAME.dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
 
-/// What the words of other programs are called here; null for a word that has no likeness.
+/// The variable that corresponds to a word of other programs; null if none does.
 const char* likenessOf(const QString& word)
 {
     static const QHash<QString, const char*> likenesses = {

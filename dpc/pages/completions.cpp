@@ -18,7 +18,7 @@ std::string commandNames(const char* separator)
     return fmt::format("{}", fmt::join(names, separator));
 }
 
-/// What fits on a line of a shell: the meaning without its second half.
+/// The part of a meaning that fits on a line of a shell: its first half.
 std::string shortMeaning(const char* meaning)
 {
     const std::string text = meaning;

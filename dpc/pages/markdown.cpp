@@ -6,7 +6,7 @@
 
 namespace {
 
-/// A cell of a table, where a bar would end it.
+/// A cell of a table; a bar would end it.
 std::string cell(std::string text)
 {
     for (size_t at = text.find('|'); at != std::string::npos; at = text.find('|', at + 2))

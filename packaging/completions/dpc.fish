@@ -51,7 +51,7 @@ complete -c dpc -n '__fish_seen_subcommand_from export' -l format -x -a 'text js
 complete -c dpc -n '__fish_seen_subcommand_from export' -l hosts -x -a '(__fish_print_hostnames)' -d 'the machines that run the series, with commas between'
 complete -c dpc -n '__fish_seen_subcommand_from export' -l hosts-file -r -F -d 'the same from a file, one name or range per line'
 complete -c dpc -n '__fish_seen_subcommand_from export' -l temp -x -a '(__fish_complete_directories)' -d 'the folder that [temp] stands for on machines whose line of the hosts file has none'
-complete -c dpc -n '__fish_seen_subcommand_from export' -l date -x -d 'what [date] stands for'
+complete -c dpc -n '__fish_seen_subcommand_from export' -l date -x -d 'the text that [date] stands for'
 complete -c dpc -n '__fish_seen_subcommand_from export' -l allow-loss -x -a 'fio-not-run fio-buffer-sizes fio-preallocate fio-flush fio-cache-mode' -d 'go on although fio can\'t do what these rules name, with commas between'
 
 complete -c dpc -n '__fish_seen_subcommand_from run' -x -k -a '(__fish_complete_suffix .dpc)'
@@ -59,7 +59,7 @@ complete -c dpc -n '__fish_seen_subcommand_from run' -l to -x -a '(__fish_comple
 complete -c dpc -n '__fish_seen_subcommand_from run' -l hosts -x -a '(__fish_print_hostnames)' -d 'the machines that run the series, with commas between'
 complete -c dpc -n '__fish_seen_subcommand_from run' -l hosts-file -r -F -d 'the same from a file, one name or range per line'
 complete -c dpc -n '__fish_seen_subcommand_from run' -l temp -x -a '(__fish_complete_directories)' -d 'the folder that [temp] stands for on machines whose line of the hosts file has none'
-complete -c dpc -n '__fish_seen_subcommand_from run' -l date -x -d 'what [date] stands for'
+complete -c dpc -n '__fish_seen_subcommand_from run' -l date -x -d 'the text that [date] stands for'
 complete -c dpc -n '__fish_seen_subcommand_from run' -l allow-loss -x -a 'fio-not-run fio-buffer-sizes fio-preallocate fio-flush fio-cache-mode' -d 'go on although fio can\'t do what these rules name, with commas between'
 complete -c dpc -n '__fish_seen_subcommand_from run' -l dry-run -d 'check the series and ask the machines, and run nothing'
 complete -c dpc -n '__fish_seen_subcommand_from run' -l stage -x -d 'run only this stage of the plan'

@@ -10,8 +10,8 @@
 #include <random>
 #include <vector>
 
-/// A series in which nothing is wrong, drawn at random, as the editor saves it. What it holds is
-/// known from how it was drawn, and not from any code that checks it.
+/// A series without faults, drawn at random, as the editor saves it. Its content is known from the
+/// drawing, and not from any code that checks it.
 class RandomSeries
 {
 public:
@@ -61,7 +61,7 @@ public:
     /// The config file of a number, from the folder.
     static QString fileName(int number);
 
-    /// What a path of a task stands for, on a machine and in an iteration.
+    /// The name that a path of a task stands for, on a machine and in an iteration.
     QByteArray expanded(QByteArray path, const Task& task, const QString& host,
                         int iteration) const;
     /// The same path as any other task has to name it.

@@ -66,7 +66,7 @@ public:
         return checkAll({m_root + chosen}, m_options).findings;
     }
 
-    /// "file:line:column rule" of each finding; only those of the given rules, where some are
+    /// "file:line:column rule" of each finding; only those of the given rules, if some are
     /// given.
     QStringList said(const QSet<QString>& rules = {}, const QString& chosen = "a.dpc") const
     {
@@ -93,7 +93,7 @@ public:
         return {};
     }
 
-    /// The severity of the first finding of a rule; a note if there is none.
+    /// The severity of the first finding of a rule; a note without one.
     Severity severity(const char* rule, const QString& chosen = "a.dpc") const
     {
         for (const Finding& finding : findings(chosen)) {

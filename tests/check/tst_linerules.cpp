@@ -105,7 +105,7 @@ private slots:
         QCOMPARE(m_series->said({"split-line", "bad-line", "missing-fields"}),
                  QStringList{"a.dpc:1:58 split-line"});
         QVERIFY(m_series->text("split-line").contains("goes on to line 2"));
-        // In the _init file, where the line may be a comment as well.
+        // In the _init file, in which the line may be a comment as well.
         m_series->put("a.dpc", goodLine());
         m_series->put("a_init.dpc", "# " + split("/d/x.dat", "/d/x.dat\n"));
         QCOMPARE(m_series->said({"split-line", "bad-line"}),

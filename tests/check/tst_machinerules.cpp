@@ -22,7 +22,7 @@ private slots:
         };
         row("destination", "shared-output", {{11, "[cfgPath]/x"}}, {{11, "[cfgPath]/x_[host]"}});
         row("relative destination", "shared-output", {{11, "x"}}, {{11, "[host]/x"}});
-        row("date is no help", "shared-output", {{11, "[cfgPath]/[date]"}}, {{11, "[temp]/x"}});
+        row("date does not help", "shared-output", {{11, "[cfgPath]/[date]"}}, {{11, "[temp]/x"}});
         row("log", "shared-results", {{12, "[cfgPath]/l.txt"}}, {{12, "[cfgPath]/[host].txt"}});
         row("csv", "shared-results", {{13, "[cfgPath]/c.csv"}}, {{13, "[cfgPath]/[host].csv"}});
         row("any folder", "maybe-shared", {{11, "/mnt/x"}}, {{11, "/mnt/[host]"}});

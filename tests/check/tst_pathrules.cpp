@@ -151,7 +151,7 @@ private slots:
         QCOMPARE(m_series->said({"source-missing"}, "_wait/b.dpc"), QStringList());
     }
 
-    void sourceOfTheCompanionIsNotMissing()
+    void sourceThatTheInitFileMakesIsNotMissing()
     {
         m_series->put("a_init.dpc", creating("[cfgPath]/s_a.dat"));
         QCOMPARE(m_series->hits("source-missing", reading("[cfgPath]/s_[cfgName].dat")), 0);
@@ -208,7 +208,7 @@ private slots:
         QCOMPARE(m_series->hits("overwrites-source", reading("/s.dat") + writing("/s.dat")), 1);
         QCOMPARE(m_series->said({"overwrites-source"}),
                  QStringList{"a.dpc:2:46 overwrites-source"});
-        // What a task wrote may be written again.
+        // A file that a task wrote may be written again.
         QCOMPARE(m_series->hits("overwrites-source",
                                 writing("/s.dat") + reading("/s.dat") + writing("/s.dat")),
                  0);
@@ -220,7 +220,7 @@ private slots:
                  2);
         m_series->setExisting("/n/");
         QCOMPARE(m_series->hits("dest-folder", writing("/n/x")), 0);
-        // A log in the same folder has the companion make it.
+        // A log in the same folder has the _init file make it.
         m_series->put("a_init.dpc", creating("/m/dummyFile"));
         QCOMPARE(m_series->hits("dest-folder", writing("/m/y")), 0);
     }

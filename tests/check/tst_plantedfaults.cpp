@@ -15,7 +15,7 @@ namespace {
 using Task = RandomSeries::Task;
 using State = RandomSeries::State;
 
-/// What a check has to say of a fault.
+/// The findings that a fault must give.
 struct Planted
 {
     QVector<QStringList> wanted;   ///< at least one of each list: "rule place"

@@ -373,7 +373,7 @@ private slots:
         const QString next = m_series->root() + "a1.dpc";
         QVERIFY(QDir(m_series->root()).mkdir("a1.dpc"));
         QVERIFY(m_series->text("unreadable").contains("it is a folder"));
-        // What can't be read may hold a marker.
+        // A file that can't be read may hold a marker.
         m_series->put("a2.dpc", goodLine());
         QCOMPARE(m_series->said({"leftover"}), QStringList());
         QVERIFY(QDir(m_series->root()).rmdir("a1.dpc"));
@@ -508,7 +508,7 @@ private slots:
         m_series->options().limits.entries = 3;
         QCOMPARE(m_series->hits("too-much", goodLine() + goodLine() + goodLine()), 0);
         QCOMPARE(m_series->hits("too-much", goodLine() + goodLine() + goodLine() + goodLine()), 1);
-        // What is no entry does not count.
+        // Lines that are not entries do not count.
         QCOMPARE(m_series->hits("too-much", goodLine() + "\n# c\nx\n" + goodLine() + "\n# c\n"), 0);
     }
 

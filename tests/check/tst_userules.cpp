@@ -153,7 +153,7 @@ private slots:
         QFETCH(QByteArray, init);
         QFETCH(QByteArray, bad);
         QFETCH(QByteArray, good);
-        // What a save needs is not asked here.
+        // The files that a save needs are not asked for here.
         m_series->options().rulesOff = {ruleNamed("init-outdated"), ruleNamed("init-unneeded")};
         m_series->put("a_init.dpc", init);
         m_series->put("a.dpc", bad);
@@ -348,7 +348,7 @@ private slots:
         // A copy is as large as its source, whatever the line says.
         m_series->setExisting("/d/s", 1024 * 1024 + 1);
         QCOMPARE(m_series->hits("disk-space", task("/d/s", "/d/t", 64)), 1);
-        // What lies elsewhere takes nothing here.
+        // Files of other systems take no space here.
         QCOMPARE(m_series->hits("disk-space", writing("//nas/e/x", 4096) + writing("D:\\x", 4096)),
                  0);
     }

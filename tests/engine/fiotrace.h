@@ -7,7 +7,7 @@
 #include <QRegularExpression>
 #include <QStringList>
 
-/// What the processes of a traced program did to files, as strace saw it.
+/// The calls on files that the processes of a traced program made, as strace saw them.
 class FioTrace
 {
 public:

@@ -9,7 +9,7 @@
 
 namespace test {
 
-/// What a program printed, run to its end in a folder.
+/// The output of a program, run to its end in a folder.
 inline Printed printedBy(const QString& folder, const QString& program,
                          const QStringList& arguments)
 {
@@ -22,7 +22,7 @@ inline Printed printedBy(const QString& folder, const QString& program,
     return {process.readAllStandardOutput(), process.readAllStandardError(), process.exitCode()};
 }
 
-/// What fio reports of the sections of a job file in a folder.
+/// The reports of fio about the sections of a job file in a folder.
 inline std::vector<SectionReport> runJobFile(const QString& folder, const QString& file)
 {
     return readFioOutput(printedBy(folder, "fio", {"--output-format=json", file}).out).sections;

@@ -17,7 +17,7 @@ namespace test {
 /// Ends the program as left out if fio is not installed.
 void needFio();
 
-/// What a program printed and how it ended.
+/// The output of a program, and how it ended.
 struct Printed
 {
     QByteArray out;
@@ -29,7 +29,7 @@ struct Printed
 using Snapshot = QMap<QString, QByteArray>;
 Snapshot snapshotOf(const QString& folder);
 
-/// A folder with a series, and room for its runs.
+/// A folder with a series and its runs.
 class SeriesRun
 {
 public:

@@ -1,6 +1,6 @@
-// Stands in for fio where fio itself is not under test: answers a call at once with a report of all
-// jobs, as fio would print it after a good run, and touches no file of theirs. What it is told and
-// what it answers can be bent through the environment:
+// Stands in for fio in tests that are not about fio: answers a call at once with a report of all
+// jobs, as fio would print it after a good run, and touches no file of theirs. Variables of the
+// environment change its behaviour:
 //
 //     STANDIN_VERSION  what --version prints, in place of fio-3.33
 //     STANDIN_KEEP     a folder that each job file is copied into, under its own name
@@ -38,7 +38,8 @@ std::string environment(const char* name, const char* otherwise)
     return value != nullptr ? value : otherwise;
 }
 
-/// What a log of calls reads or writes: all lines "FILE read OFFSET LENGTH", or "... write ...".
+/// The bytes that a log of calls reads or writes: all lines "FILE read OFFSET LENGTH", or "...
+/// write ...".
 long long bytesOfLog(const std::string& path)
 {
     std::istringstream lines(contentOf(path));

@@ -6,7 +6,7 @@
 #include <QRandomGenerator>
 #include <QStandardPaths>
 
-/// What fio does with the job files: the calls of the task lines, and no others.
+/// fio makes the calls of the task lines, and no others.
 class TestFioJobs : public QObject
 {
     Q_OBJECT
@@ -77,7 +77,7 @@ private:
     /// By the words of the form: chunks one after the other, a flush and a wait after each.
     void expect(const Line& line, int size, const QByteArray& source, const QByteArray& destination)
     {
-        // Posix and AnsiC copies have chunks of 1 MiB where the task has none.
+        // Posix and AnsiC copies have chunks of 1 MiB if the task has none.
         const bool isCopy = !source.isEmpty() && !destination.isEmpty();
         const bool isWhole = line.chunk == 0 && !(isCopy && line.method != "Stream");
         const int chunk = line.chunk == 0 ? (isWhole ? size : kib * kib) : line.chunk * kib;

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-/// What fio leaves alone: files that are in the way, and names that mean something to somebody.
+/// Files in the way, and names with a special meaning: fio must leave them alone.
 class TestFioObstacles : public QObject
 {
     Q_OBJECT

@@ -3,7 +3,7 @@
 
 #include <QTest>
 
-// What was recorded is fio's own output, byte for byte.
+// The recordings are fio's own output, byte for byte.
 
 class TestFioOutput : public QObject
 {

@@ -164,7 +164,7 @@ void TestGuards::askingChangesNothing()
         test.kind = GuardTest::Kind::NewFolder;
         test.path = path(name);
         holds(test);
-        test.kind = GuardTest::Kind::Room;
+        test.kind = GuardTest::Kind::Space;
         test.needs = {{path(name), 1}};
         holds(test);
     }
@@ -210,7 +210,7 @@ void TestGuards::roomIsThatOfTheFileSystem()
     QCOMPARE(::statvfs(QFile::encodeName(m_folder->path()).constData(), &system), 0);
     const auto free = qint64(system.f_bavail) * qint64(system.f_frsize);
     GuardTest test;
-    test.kind = GuardTest::Kind::Room;
+    test.kind = GuardTest::Kind::Space;
     const QString missing = path("none/deep er/it's");
     test.needs = {{missing, free / 4}};
     QVERIFY(holds(test));

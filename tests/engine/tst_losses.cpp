@@ -7,7 +7,7 @@
 
 Q_DECLARE_METATYPE(const Rule*)
 
-/// What fio does otherwise than a task says is named, by the right rule, and nothing else is.
+/// Each difference between a task and fio is named by the right rule, and nothing else is.
 class TestLosses : public QObject
 {
     Q_OBJECT

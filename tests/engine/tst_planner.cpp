@@ -137,7 +137,7 @@ void TestPlanner::aSeriesThatWasChosenInsideWaitRunsOutside()
     series.put("_wait/mytest.dpc", writing("[cfgPath]/a.dat").text());
     QCOMPARE(series.plan("_wait/mytest.dpc").plan.jobs[0].destination.path,
              series.root() + "a.dat");
-    // What lies outside already counts.
+    // A file that lies outside already counts.
     series.put("mytest.dpc", writing("[cfgPath]/b.dat").text());
     QCOMPARE(series.textsOf(series.plan("_wait/mytest.dpc")), QStringList("1:1 fio-two-files"));
 }
@@ -236,7 +236,7 @@ void TestPlanner::filesAreAskedForOnce()
     // Only what the first one has made is theirs to write.
     QCOMPARE(plan.jobs[0].destination.proof, QByteArray("made/s0-l1-i0.made"));
     QCOMPARE(plan.jobs[2].destination.proof, plan.jobs[0].destination.proof);
-    // The file and its room.
+    // The file and its space.
     QCOMPARE(guardTests(plan, 0).size(), size_t(2));
 }
 
@@ -254,7 +254,7 @@ void TestPlanner::proofsOnOtherMachinesNeedAFolder()
     QCOMPARE(plan.jobs[1].destination.proof, folder.toUtf8() + "/s0-l1-i0.made");
     QCOMPARE(plan.stages[0].files[0].sections, 2);
     QCOMPARE(plan.stages[1].files[0].sections, 1);
-    // The file, its room, and that the folder is new.
+    // The file, its space, and that the folder is new.
     QCOMPARE(guardTests(plan, 0).size(), size_t(3));
 }
 
@@ -439,9 +439,9 @@ void TestPlanner::roomIsAskedForByFolder()
                                   reading("/d/x/a.dat").text() + writing("/a.dat").text())
                           .plan;
     const std::vector<GuardTest> tests = guardTests(plan, 0);
-    QCOMPARE(tests.back().kind, GuardTest::Kind::Room);
+    QCOMPARE(tests.back().kind, GuardTest::Kind::Space);
     QStringList needs;
-    for (const RoomNeed& need : tests.back().needs)
+    for (const SpaceNeed& need : tests.back().needs)
         needs += QStringLiteral("%1 %2").arg(need.folder).arg(need.bytes / 1024);
     QCOMPARE(needs, QStringList({"/d/x 512", "/d/y 256", "/ 256"}));
 }

@@ -57,7 +57,7 @@ QByteArray contentOf(const SeriesRun& series, const QString& name)
     return test::contentOf(series.file(name));
 }
 
-/// Puts something of a kind where a file is meant to be.
+/// Puts something of a kind in the place of a file.
 void putKind(const SeriesRun& series, const QString& kind, const QString& name)
 {
     const QString path = series.file(name);
@@ -86,7 +86,7 @@ void putKind(const SeriesRun& series, const QString& kind, const QString& name)
         QFAIL("unknown kind");
 }
 
-/// What is there, but for the runs themselves.
+/// All files, except for the runs themselves.
 test::Snapshot canaries(const SeriesRun& series)
 {
     test::Snapshot all = test::snapshotOf(series.folder());
@@ -275,7 +275,7 @@ void TestRun::repeatsOneStage()
     const SeriesRun series;
     series.putSeries({{SeriesRun::line("", "[cfgPath]/a.dat", 128)},
                       {SeriesRun::line("[cfgPath]/a.dat", "", 128)}});
-    // What another stage would make is not there.
+    // The file that another stage would make does not exist.
     QCOMPARE(series.run({"--stage", "1", "--to", series.file("run1")}).status, 1);
     QCOMPARE(series.run({"--stage", "0", "--to", series.file("run2")}).status, 0);
     QCOMPARE(series.run({"--stage", "1", "--to", series.file("run3")}).status, 0);

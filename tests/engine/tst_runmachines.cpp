@@ -272,7 +272,7 @@ void TestRunMachines::tellsOfAFullDisk()
 {
     startServers("size=1m");
     m_series->putSeries({{slowWrite().replace("slow", "[host]_slow")}});
-    // Room for the write is there when the machine is asked, and not any more when it writes.
+    // The disk has space for the write when the machine is asked, and not any more when it writes.
     const pid_t child = m_series->start(withHosts({}));
     test::waitUntil([&] { return QFile::exists(m_servers[0]->seen("pc01_slow.dat")); });
     QFile filler(m_servers[0]->seen("filler"));
@@ -293,7 +293,7 @@ void TestRunMachines::tellsOfAFullDisk()
     m_series->putSeries({{SeriesRun::line("", "[cfgPath]/[host]_new.dat", 640)}});
     const test::Printed printed = m_series->run(again);
     QCOMPARE(printed.status, 1);
-    QVERIFY2(printed.err.contains("pc01: the disk has not enough room"), printed.err.constData());
+    QVERIFY2(printed.err.contains("pc01: not enough disk space"), printed.err.constData());
     QCOMPARE(m_series->state("run2"), QStringLiteral("refused"));
 }
 
@@ -329,7 +329,7 @@ void TestRunMachines::usesNoNetworkThatIsNotTrusted()
     QCOMPARE(printed.status, 2);
     QVERIFY2(printed.err.contains("--trust-network"), printed.err.constData());
     QVERIFY(!QFile::exists(m_series->file("run")));
-    // Trusted, it is not reached: there is no way to it from here.
+    // Trusted, it is not reached: this machine has no route to it.
     QCOMPARE(m_series->run(withHosts({"--trust-network"})).status, 1);
     QCOMPARE(m_series->state("run"), QStringLiteral("refused"));
 }
