@@ -67,7 +67,7 @@ private:
     const Ui::twDiskProbeClass m_form;
 };
 
-// What shows no text, or the same as its neighbours.
+// Names for widgets that show no text, or the same text as their neighbours.
 void AccessibleTexts::setNames() const
 {
     const struct

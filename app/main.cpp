@@ -6,7 +6,7 @@
 
 namespace {
 
-/// The desktop's own icon for the program, or the one that came with it where none is installed.
+/// The desktop's own icon for the program, or the one that came with it if none is installed.
 QIcon programIcon()
 {
     QIcon icon;

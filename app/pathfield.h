@@ -11,9 +11,9 @@ class QInputMethodEvent;
 /// what a field holds for a file that a person has chosen.
 QString toOsPath(const QString& path);
 
-/// What the field of the log file holds for it. Several machines may run the test and each gets a
-/// log of its own, so a name without "[host]" (in any case) gets "_[host].txt" in place of its
-/// ending.
+/// The text that the field of the log file gets for a chosen file. Several machines may run the
+/// test and each gets a log of its own, so a name without "[host]" (in any case) gets "_[host].txt"
+/// in place of its ending.
 QString pathOfLogFile(const QString& file);
 
 /// A pasted or dropped text as one line of a config file can hold it: control characters (C0 and

@@ -1,4 +1,4 @@
-# What every target of the house shares. The folder's CMakeLists.txt names sources and arrows only.
+# Settings that all targets share. The CMakeLists.txt of a folder names sources and dependencies only.
 
 option(TWDP_WARNINGS_AS_ERRORS "Stop at the first warning" OFF)
 set(TWDP_SANITIZE "" CACHE STRING "Sanitizers to build with, as the compiler names them")
@@ -19,7 +19,7 @@ function(twdp_set_sanitizers target)
     endif()
 endfunction()
 
-# What compiler and linker offer against a mistake that nobody found yet. Checked copies need the
+# Protection by compiler and linker against mistakes that nobody found yet. Checked copies need the
 # sizes that only an optimised build knows; the sanitizers check more and must not be bypassed.
 function(twdp_set_hardening target)
     target_compile_options(${target} PRIVATE -fstack-protector-strong -fstack-clash-protection
@@ -49,7 +49,7 @@ function(twdp_set_counters target)
 endfunction()
 
 # twdp_target(<target>): include paths from the project's root, so that every #include names the
-# room it reaches into; warnings and sanitizers as the preset asks.
+# folder it uses; warnings and sanitizers as the preset asks.
 function(twdp_target target)
     target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR})
     target_compile_definitions(${target} PRIVATE QT_DEPRECATED_WARNINGS QT_NO_FOREACH)

@@ -11,7 +11,7 @@ class QLabel;
 class QPushButton;
 class QSpacerItem;
 
-/// What a message is about. Only Warning and Critical show their picture; a value that is none of
+/// The kind of a message. Only Warning and Critical show their picture; a value that is none of
 /// these leaves an empty area in its place.
 enum class kvMessageIcon : std::int32_t
 {
@@ -24,8 +24,8 @@ enum class kvMessageIcon : std::int32_t
 /// Shows an information and waits until it is closed.
 ///
 /// @param parent      the window that the dialog belongs to and blocks; may be null
-/// @param text        the message; shortened as shortenMessage() says where it has too many lines,
-///                    and rich text where Qt takes it for that
+/// @param text        the message; shortened as shortenMessage() says if it has too many lines,
+///                    and rich text if Qt takes it for that
 /// @param button1Text the first button's text; its first letter presses it, see shortcutKeys()
 /// @param countdown   seconds after which the first button counts as pressed; below 1: never
 /// @param button2Text the second button's text; empty: no second button
@@ -34,8 +34,8 @@ enum class kvMessageIcon : std::int32_t
 ///                    among them
 /// @param monospace   true: text in a monospace font, to the left; false: centred
 /// @return true exactly when the first button, its letter or the countdown closed the dialog.
-///         False too, with nothing shown and the flag untouched, where there is no application
-///         object or the caller's thread is not that object's.
+///         False too, with nothing shown and the flag untouched, if the application object
+///         does not exist or belongs to another thread.
 bool kvMessageInformation(QWidget* parent, const QString& text, const QString& button1Text,
                           std::int32_t countdown, const QString& button2Text, bool* cancelled,
                           bool monospace);

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the names of config files are made of.
+// The parts of the names of config files.
 
 /// At the end of every config file's name. A line that ends so names the next config file.
 constexpr char configFileExtension[] = ".dpc";

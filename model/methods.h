@@ -8,7 +8,7 @@
 #include <limits>
 #include <string_view>
 
-// What is particular to each I/O method. A method is one row of `ioMethods`; everything that reads,
+// The properties of each I/O method. A method is one row of `ioMethods`; everything that reads,
 // writes, shows or checks a method asks this table.
 
 /// A way in which a method can buffer a file.
@@ -18,7 +18,7 @@ struct SystemBuffer
     SysBufferMode mode; ///< as a record and a line hold it
 };
 
-/// What copies of a method need.
+/// The chunks that copies of a method need.
 enum class CopyChunks
 {
     Optional, ///< the whole file may be copied at once
@@ -26,7 +26,7 @@ enum class CopyChunks
     OwnWay    ///< the system copies as it likes: the form starts without chunks, a record has some
 };
 
-/// What a method can or can't do.
+/// Abilities and restrictions of a method.
 enum MethodTrait : unsigned
 {
     IsRead = 1U << 0U,          ///< without it, a line is written, but rejected when it is read
@@ -108,7 +108,7 @@ constexpr const char* testTypeName(TestType type)
     return testTypeNames[int(type)];
 }
 
-/// What a method and a test type allow. The defaults are those of an unknown method.
+/// The settings that a method and a test type allow. The defaults are those of an unknown method.
 struct TaskRules
 {
     SysBufferMode maxSystemBuffer = std::numeric_limits<SysBufferMode>::max();

@@ -7,7 +7,7 @@
 #include <iterator>
 #include <optional>
 
-/// What a name in a task can hold in brackets, in the order in which it is replaced.
+/// The variables that a name in a task can hold in brackets, in the order of their replacement.
 enum class PathVariable
 {
     Host,
@@ -44,7 +44,7 @@ constexpr const char* iterVariable = spellingOf(PathVariable::Iter);
 constexpr const char* configPathVariable = spellingOf(PathVariable::CfgPath);
 constexpr const char* tempVariable = spellingOf(PathVariable::Temp);
 
-/// What the variables of a machine stand for. A value that is not set is asked of this machine.
+/// The values of a machine's variables. A value that is not set is asked of this machine.
 struct MachineValues
 {
     std::optional<_kvString<maxPath>> computerName;        ///< "[host]"

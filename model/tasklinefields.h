@@ -22,7 +22,7 @@ enum TaskLineFieldNumber
     DoneField
 };
 
-/// What people call the fields, in the order of the line.
+/// The names of the fields for people, in the order of the line.
 constexpr const char* taskLineFieldNames[] = {
     "method",        "flush",     "pre-allocate", "chunk wait", "chunk size",
     "system buffer", "file size", "iterations",   "cache mode", "source",

@@ -93,7 +93,7 @@ bool isTrue(const Field& field, const char* keyword)
     return field.is(keyword) || field.is("true") || field.is("1");
 }
 
-/// An empty field and a lone "-" count as 0. What 64 bits can't hold is the nearest that they can,
+/// An empty field and a lone "-" count as 0. A number beyond 64 bits is the nearest that they hold,
 /// before it is cut to 32.
 std::optional<std::int32_t> numberOf(const Field& field)
 {

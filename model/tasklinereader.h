@@ -19,7 +19,7 @@ TaskLineFields splitTaskLine(const _kvString<maxLine>& line);
 /// folder of `configPath` in front, and the record is normalised.
 ///
 /// False if the method is unknown or a number holds anything but digits and a leading "-". The
-/// record is then partly filled and of no use; `problem`, where given, says which field it was.
+/// record is then partly filled and of no use; `problem`, if given, says which field it was.
 /// Overlong texts are cut silently: paths at 500 characters, numbers at 249. A system buffer mode
 /// above 5 and a file size above 1 GiB are lowered to that, on a rejected line too.
 bool readTaskLine(TestTask& task, const _kvString<maxLine>& line,

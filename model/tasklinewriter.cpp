@@ -36,8 +36,8 @@ constexpr int maxNumbersText = 6 * maxNumberText + kvdetail::textLength(";"
                                                                         ";  ");
 constexpr int maxPathsText = 4 * (maxPath + kvdetail::textLength(";  "));
 
-/// A line in 8 bits before it is cut. Nothing is checked when a piece is added, for there is room
-/// for the longest line that a record can give.
+/// A line in 8 bits before it is cut. Nothing is checked when a piece is added, because the
+/// capacity suffices for the longest line that a record can give.
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): clearing it would cost more than the line
 class UncutLine
 {

@@ -25,7 +25,7 @@ bool kvCreateFolder(const QString& folder, bool parents)
 _kvString8_allSize<500> kvGetTempDir()
 {
     QString folder = QDir::tempPath();
-    // Qt finds nothing where TMPDIR names no folder. Then "[temp]/file" must not land in "/".
+    // Qt finds nothing if TMPDIR does not name a folder. Then "[temp]/file" must not land in "/".
     if (folder.isEmpty())
         folder = QStringLiteral("/tmp");
     while (folder.endsWith(QLatin1Char('/')))

@@ -25,7 +25,7 @@ _kvString8_allSize<500> kvGetTempDir();
 /// If only rights forbid to put a new file in the old one's place, or if the file is open on an SMB
 /// share, it is written in place and synced instead, and a reader can see a part of it.
 ///
-/// The file keeps its content if there is no room or the disk fails, and if the name belongs to
+/// The file keeps its content if the disk is full or fails, and if the name belongs to
 /// something that is not a regular file or may not be written. No temporary file is left behind
 /// then, except after a crash, and if the old file has vanished from a share meanwhile.
 /// Another name of the same file, a hard link, keeps the old content.

@@ -4,9 +4,9 @@
 #include <string>
 #include <type_traits>
 
-/// What the 8-bit and the 16-bit fixed-capacity strings share: helpers on plain character ranges,
-/// and below them the operations on a `Text`, one of the two. A char counts as its Latin-1 code
-/// unit, never as a sign. Nothing here fails or allocates.
+/// Operations that the 8-bit and the 16-bit fixed-capacity strings share: helpers on plain
+/// character ranges, and below them the operations on a `Text`, one of the two. A char counts as
+/// its Latin-1 code unit, never as a sign. Nothing here fails or allocates.
 namespace kvdetail {
 
 /// A character as an unsigned number.
@@ -77,7 +77,7 @@ constexpr int findText(const A* text, int length, const B* what, int whatLength,
     return -1;
 }
 
-/// Characters that a text can hold; behind them there is room for the terminating zero.
+/// Characters that a text can hold; behind them, the text has space for the terminating zero.
 template <class Text>
 constexpr int capacityOf(const Text& text)
 {
@@ -100,15 +100,15 @@ constexpr void setLength(Text& text, int length)
     terminateAt(text, notNegative > capacityOf(text) ? capacityOf(text) : notNegative);
 }
 
-/// How many of `count` further characters have room.
+/// The number of further characters that fit, at most `count`.
 template <class Text>
 constexpr int fittingOf(const Text& text, int count)
 {
-    const int room = capacityOf(text) - text.length;
-    return count < 0 ? 0 : (count < room ? count : room);
+    const int left = capacityOf(text) - text.length;
+    return count < 0 ? 0 : (count < left ? count : left);
 }
 
-/// Appends `count` characters, as far as there is room; 8-bit ones widen without sign.
+/// Appends `count` characters, as far as they fit; 8-bit ones widen without sign.
 template <class Text, class Char>
 constexpr void append(Text& text, const Char* source, int count)
 {

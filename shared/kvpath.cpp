@@ -69,7 +69,7 @@ private:
         m_result.add(segment, length);
     }
 
-    /// False where there is no segment, or one that ".." must not cancel.
+    /// False if no segment is left, or if ".." must not cancel the last one.
     bool removeLastSegment()
     {
         int start = m_result.length;

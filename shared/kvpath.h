@@ -27,12 +27,12 @@ QString kvConvertPDToOS(const QString& path);
 /// The same for the system given.
 QString kvConvertPDToOS(const QString& path, _kvOS os);
 
-/// The folder part: up to and including the last "/"; empty where there is none.
+/// The folder part: up to and including the last "/"; empty without one.
 _kvString8_allSize<500> kvGetDirName(_kvString8_allSize<500> path);
 /// The same up to and including the last separator.
 QString kvGetDirName(QString path, unsigned short separator);
 
-/// The folder part of a path in either notation: the separator is "/" where the text has one, else
+/// The folder part of a path in either notation: the separator is "/" if the text has one, else
 /// "\".
 QString kvGetDirNameAutoPD(QString path);
 

@@ -88,7 +88,7 @@ public:
     /// The same, padded with blanks on the left to at least `width` characters.
     constexpr void addNr(const long long& number, const unsigned char& width)
     {
-        // Filled from its end: a sign and the 19 digits of the smallest number have room.
+        // Filled from its end: a sign and the 19 digits of the smallest number fit.
         char digits[20] = {};
         int start = 20;
         // Negating as unsigned keeps the smallest number, which has no positive counterpart.

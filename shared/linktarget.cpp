@@ -13,7 +13,7 @@ namespace {
 struct Link
 {
     struct stat status = {};
-    QByteArray target; ///< empty if there is no link
+    QByteArray target; ///< empty if the path is not a link
 };
 
 Link linkAt(const QByteArray& path)

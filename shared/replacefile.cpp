@@ -45,7 +45,7 @@ enum class Result
 {
     Done,
     Forbidden, ///< only rights forbid it
-    Failed     ///< no room, a broken disk, or something else
+    Failed     ///< a full or broken disk, or something else
 };
 
 Result resultOf(int error)
@@ -74,7 +74,8 @@ void syncAt(const QByteArray& path, int flags)
     ::close(descriptor);
 }
 
-/// What can't be looked at, or is no regular file that may be written, can't be replaced.
+/// A file can be replaced only if its status is known, and if it is a regular file that may be
+/// written.
 Target lookAt(const QByteArray& path)
 {
     Target target;
@@ -188,7 +189,7 @@ Result writeWhole(const QByteArray& path, Rights rights, const struct stat& old,
         result = takeRights(descriptor, old);
     if (result == Result::Done && !syncToDisk(descriptor))
         result = Result::Failed;
-    // A network share may tell only now that there was no room.
+    // A network share may report only now that its disk is full.
     if (::close(descriptor) != 0 && result == Result::Done)
         result = Result::Failed;
     if (result != Result::Done)
@@ -261,7 +262,7 @@ Result moveOver(const QByteArray& beside, const QByteArray& path)
     return result;
 }
 
-/// Needs room first, for what is longer than the old text, and touches that only then. True if the
+/// Asks for the space of a longer text first, and touches the old text only then. True if the
 /// file holds the old text or the new one afterwards.
 bool overwrite(int descriptor, off_t oldSize, Content content)
 {

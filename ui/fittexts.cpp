@@ -137,7 +137,7 @@ void TextFitter::watchScreen(QScreen* screen)
             shrinkIntoScreen();
             moveIntoScreen();
         });
-    // Who moves the window from screen to screen also says where it goes.
+    // A caller that moves the window to another screen also places it.
     shrinkIntoScreen();
 }
 
@@ -215,7 +215,7 @@ bool TextFitter::fillsScreen() const
     return m_window.isMaximized() || m_window.isFullScreen();
 }
 
-// What the window manager's frame leaves of the screen.
+// The part of the screen inside the window manager's frame.
 QSize TextFitter::available() const
 {
     return m_window.screen()->availableGeometry().marginsRemoved(m_frame).size();
