@@ -59,7 +59,7 @@ _kvString<maxPath> nameWith(const char* variables, int characters)
     return name;
 }
 
-/// What the name of one task costs must not depend on how many there are.
+/// The cost of one task's names must not depend on the number of tasks.
 void countOtherTasks()
 {
     const TaskList tasks = samples::distinctTasks(1000, 1);

@@ -28,7 +28,7 @@ void count(const QByteArray& name, const Work& work)
     countOnce(name, work);
 }
 
-/// Prints a figure that is no cost of callgrind's, such as a number of allocations.
+/// Prints a figure that callgrind does not count, such as a number of allocations.
 void print(const QByteArray& name, qint64 figure);
 
 /// How often memory of just this size has been asked for so far.

@@ -1,6 +1,6 @@
 #pragma once
 
-// What a program would do without the records and lines of the house: the same fields in plain
+// A task without this project's records and lines, for comparison: the same fields in plain
 // members, written and read by the means of the C library, of C++ and of Qt.
 
 struct PlainTask

@@ -3,7 +3,7 @@
 #include "model/tasklinewriter.h"
 #include "model/tasklist.h"
 
-// What the costs are measured with.
+// The input of the measurements.
 
 namespace samples {
 

@@ -18,7 +18,7 @@
 //
 // A file loses the line end before the next "==>", so that each can end with or without one. Names
 // that lead elsewhere are passed over. The files are written to a folder of this process in memory,
-// or among the temporary files where the system has no such place.
+// or among the temporary files if the system lacks such a place.
 
 namespace fuzz {
 

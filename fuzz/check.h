@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 
-/// What libFuzzer calls with each input, and the replay test with each file of the corpus. A broken
+/// libFuzzer calls this with each input, and the replay test with each file of the corpus. A broken
 /// promise aborts, which both count as a failure of this input.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
@@ -37,7 +37,7 @@ inline QByteArray bytesOf(const std::uint8_t* data, std::size_t size)
     return {reinterpret_cast<const char*>(data), static_cast<int>(size)};
 }
 
-/// Zeros are characters like others, where QString's own conversion of a byte array ends.
+/// Zeros are characters like others, unlike in QString's own conversion of a byte array.
 inline QString latin1(const QByteArray& bytes)
 {
     return QString::fromLatin1(bytes.constData(), bytes.size());

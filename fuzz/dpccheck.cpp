@@ -45,7 +45,7 @@ CheckRequest requestFor(const QString& path, const QString& root, const QByteArr
     request.paths = QStringList{path};
     for (const QByteArray& host : hosts.split(','))
         request.options.hosts += fuzz::latin1(host);
-    // What is there outside of the folder must not matter.
+    // Files outside of the folder must not matter.
     const Environment real = realEnvironment();
     request.options.environment.look = [root, real](const QString& file) {
         return file.startsWith(root) ? real.look(file) : PathStatus();
@@ -78,7 +78,7 @@ QStringList rejectedBy(const QJsonArray& findings)
     return rejected;
 }
 
-/// Checks a path in every format and returns what a program is told; nothing where it failed.
+/// Checks a path in every format and returns the JSON; nothing if it failed.
 std::optional<QJsonArray> check(CheckRequest request)
 {
     Run text;
@@ -91,7 +91,7 @@ std::optional<QJsonArray> check(CheckRequest request)
         request.quiet = true;
         quiet = run([&](const Output& output) { return runCheck(request, output); });
     });
-    fuzz::same("the format is no matter", text.code, json.code);
+    fuzz::same("the format does not matter", text.code, json.code);
     fuzz::same("quiet is as bad", quiet.code, json.code);
     fuzz::same("quiet is quiet", quiet.out.size(), 0);
     if (quiet.code == exitUsage) {
@@ -129,7 +129,7 @@ Run show(const QString& path, const std::string& format, bool expands)
     return runWith(arguments);
 }
 
-/// Lists the tasks in every format and returns them; nothing where that failed.
+/// Lists the tasks in every format and returns them; nothing if that failed.
 std::optional<QJsonArray> list(const QString& path)
 {
     const Run json = show(path, "json", false);
@@ -161,7 +161,7 @@ void loadAndSave(const QString& chosen)
         saveSeries(tasks, info.text(), seriesNameForSaving(name.folder + name.baseName + ".dpc"));
 }
 
-/// What `dpc roundtrip` tells of is what changes.
+/// Checks that `dpc roundtrip` reports exactly the files that change.
 void checkRoundTrip(const fuzz::ArchiveFolder& folder, const QByteArray& input,
                     const QString& chosen)
 {

@@ -15,7 +15,7 @@
 #include <algorithm>
 #include <sstream>
 
-// What dpc prints, looked at without its code but for the catalogue of rules.
+// The output of dpc, judged without its code except for the catalogue of rules.
 
 namespace dpc {
 
@@ -101,8 +101,7 @@ inline void checkFinding(const QJsonObject& finding)
     const int line = finding["line"].toInt();
     const int column = finding["column"].toInt();
     if (line < 1 || line > lines.size() || column < 1 || column > lines[line - 1].size() + 1)
-        qFatal("a finding is where something is: %s:%d:%d %s", qPrintable(file), line, column,
-               rule->name);
+        qFatal("a finding has a place: %s:%d:%d %s", qPrintable(file), line, column, rule->name);
 }
 
 inline void checkCounts(const QJsonObject& all)

@@ -7,7 +7,7 @@
 
 namespace {
 
-// The characters as they are, where kvToQString() would turn some back into bytes.
+// The characters as they are; kvToQString() would turn some back into bytes.
 QString unitsOf(const _kvString8_allSize<500>& text)
 {
     return kvToQString(text);

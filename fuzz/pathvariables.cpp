@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int maxHostLength = 499; // The 8-bit twin takes no more, which is a rule of its own.
+constexpr int maxHostLength = 499; // The 8-bit expansion takes no more: a separate rule.
 
 slow::NameValues valuesOf(QByteArray& input)
 {
@@ -90,9 +90,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::same("variables are replaced by the rules", is.text, expected.text);
     fuzz::same("an expanded name is a resolved path", is.resolved, expected.resolved);
 
-    const Result twin = narrow(name, values);
-    fuzz::same("the twins expand alike", twin.text, is.text);
-    fuzz::same("the twins resolve alike", twin.resolved, is.resolved);
+    const Result narrowed = narrow(name, values);
+    fuzz::same("both widths expand alike", narrowed.text, is.text);
+    fuzz::same("both widths resolve alike", narrowed.resolved, is.resolved);
 
     const Result other = wide(name, withOthersChanged(values, expected.variables));
     fuzz::same("a variable that is not there has no part in the result", other.text, is.text);

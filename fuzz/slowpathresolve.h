@@ -10,7 +10,7 @@ inline bool holdsBracketedWord(const QString& segment)
     return segment.contains('[') && segment.section('[', 1).contains(']');
 }
 
-/// False where ".." leads out of something unknown, or out of nothing.
+/// False if ".." leads out of something unknown, or out of nothing.
 inline bool canBeLeft(const QStringList& folders)
 {
     return !folders.isEmpty() && folders.last() != ".." && !holdsBracketedWord(folders.last());

@@ -7,7 +7,7 @@
 
 namespace slow {
 
-/// What a load gives, as text.
+/// The result of a load, as text.
 struct Load
 {
     QStringList tasks;
@@ -20,7 +20,7 @@ struct Load
     }
 };
 
-/// What a line of a file holds for its readers.
+/// The text of a line of a file for its readers.
 inline QString lineText(const QByteArray& bytes)
 {
     return slowreading::trimmed(QString::fromLatin1(bytes.split('\0').first()).left(1000));

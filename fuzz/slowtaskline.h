@@ -39,7 +39,7 @@ inline QString markedPath(const QString& line, const QString& configPath, const 
     return expandName(line.section(QChar(0), 0, 0).left(500), values).resolved;
 }
 
-/// What describe() says of the record that a line gives; nothing where the line is rejected.
+/// The text of describe() for the record that a line gives; nothing if the line is rejected.
 inline std::optional<QString> describeLine(const QString& line, const QString& configPath,
                                            const QString& date)
 {

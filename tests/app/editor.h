@@ -36,7 +36,7 @@ public:
 
     void click(const char* button) { clickButton(find<QAbstractButton>(button)); }
 
-    /// Brings a check box or radio button into the state, by a click where it is in the other.
+    /// Brings a check box or radio button into the state, by a click if it is in the other.
     void check(const char* button, bool checked = true)
     {
         if (isChecked(button) != checked)
@@ -116,7 +116,7 @@ public:
         click("buttonSave");
     }
 
-    /// Loads a file into the window, agreeing to lose the list where that is asked.
+    /// Loads a file into the window, agreeing to lose the list if that is asked.
     void load(const QString& file)
     {
         DialogAnswers answers;

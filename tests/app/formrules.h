@@ -19,7 +19,7 @@ enum Type
     Read
 };
 
-/// What the form must look like, said once for every method and test type.
+/// The expected state of the form, stated once for every method and test type.
 struct Expected
 {
     int type = 0; ///< after what the method forces

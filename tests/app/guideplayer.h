@@ -25,7 +25,7 @@ public:
             qFatal("the window has no control '%s'", qPrintable(action.name));
     }
 
-    /// What a picture shows, by the last word of its name: the file dialog of the last save, the
+    /// The picture of a name, by its last word: the file dialog of the last save, the
     /// task list, the form as far down as most tasks need it, or else the window.
     QPixmap picture(const QString& name)
     {
@@ -93,7 +93,7 @@ private:
         for (int i = 0; i < combo.count(); ++i)
             if (isCalled(combo.itemText(i), name))
                 return i;
-        qFatal("there is nothing called '%s' to choose", qPrintable(name));
+        qFatal("nothing called '%s' can be chosen", qPrintable(name));
     }
 
     void save(const QString& file)

@@ -71,8 +71,8 @@ inline QVector<GuideSection> guideSections(const QString& page)
     return sections;
 }
 
-/// What a command prints, without the figures that differ from run to run, and the width of columns
-/// with them.
+/// The output of a command, without the figures that differ from run to run, and the width of their
+/// columns.
 inline QString withoutFigures(QString text)
 {
     static const QRegularExpression figure("\\d+(\\.\\d+)?(e\\+\\d+)?");

@@ -6,8 +6,8 @@
 
 namespace {
 
-/// What a screen reader calls a widget: by the label that is related to it, or else its own name.
-/// Qt relates everything in a group to the group's title as well; that tells nothing apart.
+/// The name that a screen reader speaks: the label that is related to the widget, or else its own
+/// name. Qt relates everything in a group to the group's title as well; that tells nothing apart.
 QString spokenName(QWidget* widget)
 {
     QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(widget);
@@ -19,7 +19,7 @@ QString spokenName(QWidget* widget)
     return interface->text(QAccessible::Name).simplified();
 }
 
-/// What a person can operate. The parts that Qt's own widgets are made of have no name, or one
+/// The widgets that a person can operate. The parts of Qt's own widgets have no name, or one
 /// that begins with "qt_".
 QVector<QWidget*> controls(const twDiskProbe& window)
 {

@@ -136,13 +136,13 @@ private:
         QCOMPARE(withoutFigures(output.replace(here, "pc07")), withoutFigures(part.value));
     }
 
-    /// Runs a dpc command of the page. Paths begin with "/". How much room the test's own disk has
-    /// is no matter of the page.
+    /// Runs a dpc command of the page. Paths begin with "/". The free space of the
+    /// test's own disk is not a subject of the page.
     QString outputOf(const QString& command) const
     {
         const QStringList words = command.split(' ');
         if (words[0] != "dpc")
-            return "this is no command of ours";
+            return "not a command of this project";
         std::vector<std::string> arguments;
         for (const QString& word : words.mid(1))
             arguments.push_back((word.startsWith('/') ? m_root + word : word).toStdString());

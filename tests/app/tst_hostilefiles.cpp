@@ -8,7 +8,7 @@
 #include <QTcpServer>
 #include <QTemporaryDir>
 
-// Files come from anywhere. What they hold is shown as text and does nothing.
+// Files come from anywhere. Their content is shown as text and does nothing.
 
 class TestHostileFiles : public QObject
 {

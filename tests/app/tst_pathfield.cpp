@@ -4,7 +4,7 @@
 #include <QClipboard>
 #include <QMimeData>
 
-// What a person enters into a path field, in each of the ways there are.
+// Every way in which a person enters a text into a path field.
 
 namespace {
 

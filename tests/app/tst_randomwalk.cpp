@@ -54,7 +54,7 @@ private:
         return choices[number(0, int(std::size(choices)) - 1)];
     }
 
-    /// What the table must show from its last refresh on.
+    /// Notes the rows that the table must show from its last refresh on.
     void refreshed()
     {
         m_shown.clear();
@@ -114,7 +114,7 @@ private:
             return;
         DialogAnswers answers;
         const int which = number(0, 3);
-        // A source must exist; there is none here.
+        // A source must exist, and none does here.
         answers.answerNext(which < 3 && coin() ? chooseFile(m_folder + "chosen.dat")
                                                : cancelDialog());
         m_editor.click(buttons[which]);

@@ -6,7 +6,7 @@
 #include <QDir>
 #include <QTemporaryDir>
 
-// Whole roads through the real window: what a person does from an empty form to files and back.
+// A person's work in the real window: from an empty form to files and back.
 
 namespace {
 
@@ -177,7 +177,7 @@ private slots:
         QCOMPARE(content("_wait/mytest2.dpc"), QString());
     }
 
-    void loadingAndSavingMendsTheNamesOfTheCompanion()
+    void loadingAndSavingMendsTheNamesOfTheInitFile()
     {
         Editor editor;
         editor.click("buttonCreateNew");

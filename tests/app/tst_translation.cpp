@@ -5,12 +5,12 @@
 #include <QTemporaryDir>
 #include <QXmlStreamReader>
 
-// A translator's road: lupdate collects the texts of the form, and what is translated shows in the
-// window.
+// The steps of a translation: lupdate collects the texts of the form, and translated texts show in
+// the window.
 
 namespace {
 
-/// What lupdate writes into a new .ts file of the form, by context.
+/// The texts that lupdate writes into a new .ts file of the form, by context.
 QHash<QString, QSet<QString>> textsFoundByLupdate()
 {
     const QTemporaryDir folder;
@@ -92,7 +92,7 @@ QString marked(const QString& text)
     return text.isEmpty() || text == "has no text" ? text : '~' + text;
 }
 
-// The form is the window's own, and private. What is instantiated explicitly may name it.
+// The form is a private member of the window. An explicit instantiation may name it.
 Ui::twDiskProbeClass& formOf(twDiskProbe& window);
 
 template <Ui::twDiskProbeClass twDiskProbe::*form>
@@ -178,7 +178,7 @@ private slots:
         const Texts after = textsOf(editor.window);
         QCOMPARE(after.keys(), before.keys());
         for (const QString& place : after.keys()) {
-            // What the window had put into the form gives way to the form's own text; only choices
+            // Texts that the window had put into the form give way to the form's own; only choices
             // beyond the form's stay as they are.
             const QString expected = form.contains(place) ? marked(form[place]) : before[place];
             QVERIFY2(after[place] == expected, qPrintable(place + ": " + after[place]));

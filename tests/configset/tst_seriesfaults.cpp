@@ -37,7 +37,7 @@ class TestSeriesFaults : public QObject
 private slots:
     void initTestCase()
     {
-        // What is done once in the life of a process is not done again in its children.
+        // Children do not repeat calls that a process makes only once.
         const QTemporaryDir warmUp;
         TaskList tasks = seriesMarked("warm");
         saveSeries(tasks, "", {warmUp.path() + '/', "a"});
@@ -70,7 +70,7 @@ private:
 
     SeriesName name() const { return {m_root.path() + '/', "a"}; }
 
-    /// What a save without faults writes, with or without the folder for waiting files.
+    /// The files that a save without faults writes, with or without the folder for waiting files.
     Contents contentsOf(TaskList tasks, FollowUpFiles place) const
     {
         prepareTasks(tasks);
@@ -134,7 +134,7 @@ private:
         QVERIFY(injected >= 4);
     }
 
-    /// Each file is one of those that a save may leave; where the error could be handled, no other
+    /// Each file is one of those that a save may leave; if the error could be handled, no other
     /// file lies beside them.
     void checkFiles(bool hasOldSeries, bool nothingElse, const QString& where) const
     {

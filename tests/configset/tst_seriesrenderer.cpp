@@ -26,7 +26,7 @@ QStringList textsOf(const FileToCreateList& list)
     return texts;
 }
 
-/// What one task in a file of its own needs.
+/// The files that one task in a file of its own needs.
 QVector<FileToCreate> filesOf(const TestTask& task)
 {
     FileToCreateList list;
@@ -226,7 +226,7 @@ private slots:
                                      << "a";
         QTest::newRow("twice") << "/[iter]/../[iter]"
                                << "a";
-        // What comes later may push the number out, or the end of it.
+        // Later text may push the number out, or the end of it.
         QTest::newRow("pushed out")
             << "[cfgName]/[cfgName]/[cfgName]/[cfgName]/[cfgName]/[cfgName]/[iter]" << longName;
         for (int length = 124; length < 130; ++length)

@@ -2,9 +2,9 @@
 
 #include <QString>
 
-// What another program knows of libkvShared.so.1: names, signatures and the layout of its types,
-// and nothing of how it works. No header of the library is used here, so what does not link here
-// links nowhere.
+// The view that another program has of libkvShared.so.1: names, signatures and the layout of its
+// types, and nothing of how it works. No header of the library is used here, so what does not link
+// here links nowhere.
 
 // NOLINTBEGIN(cppcoreguidelines-pro-type-member-init)
 

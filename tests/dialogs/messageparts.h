@@ -9,7 +9,7 @@
 
 #include <memory>
 
-/// What a message dialog is built from; a test names only what it is about.
+/// The arguments of a message dialog; a test names only those that it is about.
 struct MessageSettings
 {
     QWidget* parent = nullptr;
@@ -31,7 +31,7 @@ inline std::unique_ptr<kvMessageBox> makeMessage(const MessageSettings& settings
         settings.second, settings.cancelled, false, settings.centred, settings.monospace);
 }
 
-/// A message dialog's parts, found by their places in its layouts; null where there is none.
+/// A message dialog's parts, found by their places in its layouts; null for a missing part.
 struct MessageParts
 {
     explicit MessageParts(const QDialog& box)

@@ -194,7 +194,7 @@ void TestKvMessageAnswers::ctrlCCopiesTheTextAsShown()
     DialogAnswers answers;
     answers.answerNext([](QDialog& box) {
         pressKey(box, Qt::Key_C, Qt::ControlModifier);
-        QVERIFY2(box.isVisible(), "copying is no answer");
+        QVERIFY2(box.isVisible(), "copying is not an answer");
         pressKey(box, Qt::Key_Escape);
     });
     QVERIFY(!kvMessageInformation(nullptr, text, "Ok", -1, {}, nullptr, false));

@@ -14,7 +14,7 @@
 
 #include <limits>
 
-/// What golden files can't say: properties, limits, and input that nobody writes on purpose.
+/// Tests beyond golden files: properties, limits, and input that nobody writes on purpose.
 class TestDpcCommands : public QObject
 {
     Q_OBJECT
@@ -53,7 +53,7 @@ private slots:
                                   m_series->options());
         QCOMPARE(findingsAsText(all.findings, false), findingsAsText(once.findings, false));
         QCOMPARE(all.problems, std::vector<std::string>());
-        // What is wrong with a path is said all the same.
+        // A problem of another path is still told.
         const auto some = checkAll({root + "a.dpc", root + "a.dpc.dpc"}, m_series->options());
         QCOMPARE(some.problems.size(), size_t(1));
         QVERIFY(!some.findings.empty());
@@ -100,7 +100,7 @@ private slots:
             QVERIFY(finding.line >= 1 && finding.column >= 1);
             QVERIFY(finding.text.find('\n') == std::string::npos);
         }
-        // Neither do the others fail; what they say is no matter here.
+        // Neither do the others fail; their output does not matter here.
         for (const char* command :
              {"show", "show --expand --format=csv", "show --format=json", "roundtrip"})
             QVERIFY(m_dpc.run(QString(command) + ' ' + m_series->root() + "a.dpc").code <= 2);

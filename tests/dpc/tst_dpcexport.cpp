@@ -115,7 +115,7 @@ void TestDpcExport::lossesAreFindings()
     QCOMPARE(rules, QStringList({"warning fio-buffer-sizes", "warning fio-flush",
                                  "error fio-no-sendfile"}));
     QVERIFY(!wasWritten());
-    // What was allowed stays with the plan.
+    // The losses that were allowed stay with the plan.
     put(lossy);
     QCOMPARE(run("--allow-loss fio-buffer-sizes,fio-flush").code, 0);
     const QJsonObject plan = QJsonDocument::fromJson(test::contentOf("out/plan.json")).object();

@@ -177,7 +177,7 @@ private:
         return dom.mid(begin, dom.indexOf("</title>") - begin);
     }
 
-    /// The page after its scripts ran, as the browser sees it. What it logs goes into m_log.
+    /// The page after its scripts ran, as the browser sees it. Its log goes into m_log.
     QByteArray opened(const QByteArray& text, const QStringList& options = {})
     {
         test::put(in("page.html"), text);

@@ -1,4 +1,4 @@
-# What the scripts inside the machine share. Results go to files in /machine/results, one in a line:
+# Functions that the scripts inside the machine share. Results go to files in /machine/results, one in a line:
 # file system|what was tried|what came of it
 
 saver=/machine/saver
@@ -8,7 +8,7 @@ result() {
     echo "$1|$2|$3" >>"$results"
 }
 
-# What has to work before anything can be tried; the machine ends with a word about it if it does not.
+# Runs a command that must work before anything can be tried; else the machine says so and ends.
 must() {
     "$@" && return
     echo "$*" >/machine/failed

@@ -10,7 +10,7 @@
 #include <optional>
 
 // A second reading of a task line: slow, obvious, and written from the rules of the format alone,
-// with lists and big strings where the program has views and fixed ones.
+// with lists and big strings in place of the program's views and fixed ones.
 
 struct SlowReading
 {
@@ -98,7 +98,7 @@ inline void normalise(SlowReading& r)
     }
 }
 
-/// What the line reads as; nothing where it is rejected. For lines that are no markers.
+/// The reading of a line that is not a marker; nothing if it is rejected.
 inline std::optional<SlowReading> read(const QString& line, const QString& folder)
 {
     QStringList fields = line.split(';');

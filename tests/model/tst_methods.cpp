@@ -6,7 +6,7 @@
 
 #include <QtTest>
 
-/// What every method of the table promises, whichever methods there are.
+/// Promises that every method of the table keeps, whichever methods it holds.
 class TestMethods : public QObject
 {
     Q_OBJECT

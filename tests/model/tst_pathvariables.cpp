@@ -143,7 +143,7 @@ private slots:
         for (const char* variable : pathVariables) {
             const QString text = expanded(task, QStringLiteral("x%1y").arg(variable), 3, 5);
             QVERIFY2(!text.contains(variable) && text != "xy", variable);
-            // What is spelled otherwise is not a variable.
+            // Another spelling is not a variable.
             const QString capitals = QString(variable).toUpper();
             QCOMPARE(expanded(task, capitals), capitals);
         }
@@ -151,8 +151,7 @@ private slots:
 
     void variablesAreReplacedInTheirOrder()
     {
-        // What a machine gives for a variable may be another variable: only a later one is
-        // replaced.
+        // The value of a variable may hold another variable: only a later one is replaced.
         for (int i = 0; i < pathVariableCount; ++i) {
             MachineValues values = machine(pathVariables[i]);
             const bool isLater = i > int(PathVariable::Host);

@@ -348,7 +348,7 @@ private slots:
 
     void rejectedLineLeavesCappedSettings()
     {
-        // What was read before the bad field is within the limits already.
+        // The fields before the bad one are within the limits already.
         const Reading badIterations = readLine("Posix;flush;prealloc;1;64;9;2000000;x;0;/s;/d;");
         QVERIFY(!badIterations.accepted);
         QCOMPARE(badIterations.problem.field, 8);

@@ -1,4 +1,4 @@
-# What the package tests share. Each is called with the folders of sources and build.
+# Functions that the package tests share. Each test is called with the folders of sources and build.
 set -eu
 source=$1
 build=$2
@@ -12,7 +12,7 @@ fail() {
     exit 1
 }
 
-# Installs the build where the test may look at it, as a user of the prefix would.
+# Installs the build in a folder of the test, as a user of the prefix would.
 install_to() {
     cmake --install "$build" --prefix "$1" >/dev/null
 }

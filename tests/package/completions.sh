@@ -6,7 +6,7 @@ mkdir folder
 touch a.dpc b.txt
 completions=$source/packaging/completions
 
-# What bash offers for a command line, as its completion machinery asks for it.
+# The words that bash offers for a command line, as its completion asks for them.
 in_bash() {
     bash --norc -c '
         set -e
@@ -23,7 +23,7 @@ in_bash() {
         printf "%s\n" "${COMPREPLY[@]}"' bash "$completions/dpc.bash" "$1" 2>&1
 }
 
-# What zsh types and lists when Tab is pressed: its completion runs in a terminal only. The line is
+# The words that zsh types and lists when Tab is pressed: its completion runs in a terminal only. The line is
 # cleared after that, and a command says that all was typed.
 in_zsh() {
     zsh --no-rcs -c '

@@ -32,7 +32,7 @@ for file in "$scratch/_wait/mytest.dpc" "$scratch/mytest_init.dpc"; do
         [ "$type" = text/x-twdiskprobe ] || fail "$file is of type $type"
     done
 done
-# A companion that lost its ending is known by its content.
+# An _init file that lost its ending is known by its content.
 sed 's/^# //' "$scratch/mytest_init.dpc" >"$scratch/unnamed"
 type=$(gio info --attributes=standard::content-type "$scratch/unnamed" | sed -n 's/.*content-type: //p')
 [ "$type" = text/x-twdiskprobe ] || fail "without its ending the file is of type $type"

@@ -8,7 +8,7 @@ faults=$(mandoc -T lint "$source"/packaging/man/* | sed '/referenced manual not 
 [ -z "$faults" ] || fail "$faults"
 sed -n 's/^\.Xr \([^ ]*\) \([0-9]\).*/\2 \1/p' "$source"/packaging/man/* | sort -u >"$scratch/references"
 while read -r section name; do
-    man --where "$section" "$name" >"$scratch/page" || fail "there is no $name($section)"
+    man --where "$section" "$name" >"$scratch/page" || fail "missing page $name($section)"
 done <"$scratch/references"
 for program in "$scratch/usr/bin"/*; do
     man --where 1 "${program##*/}" >"$scratch/page" || fail "$program has no manual page"

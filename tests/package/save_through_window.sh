@@ -8,7 +8,7 @@ shift
 editor=$!
 trap 'kill "$editor" 2>/dev/null' EXIT
 
-# There is no window manager here that would give windows the keyboard.
+# Without a window manager, nobody gives the window the keyboard.
 focus() {
     window=$(xdotool search --sync --onlyvisible --name "$1" | head -1)
     xdotool windowfocus --sync "$window"

@@ -152,8 +152,8 @@ static_assert(bytesFromKib(4194304) == 0 && bytesFromKib(-1) == -1024);
 
 // A record can't be made in a constant expression: its settings have a constructor inside the
 // library, which leaves two members to their owners and zeroes a block as bytes, and C++17 allows
-// neither. What the language does tell of it: it owns nothing, and copying it can't fail. It is no
-// trivially copyable type, for its settings have virtual operations.
+// neither. The language only shows that it owns nothing, and that copying it can't fail. It is not
+// a trivially copyable type, because its settings have virtual operations.
 template <class Record>
 constexpr bool isAPlainValue()
 {

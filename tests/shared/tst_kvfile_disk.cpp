@@ -10,7 +10,7 @@
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 
-// Disks without room, at every level around the size of a file and around 16,384 bytes, where the
+// Full disks, at every level around the size of a file and around 16,384 bytes, at which the
 // buffers of Qt's files end. The file system is a tmpfs; it counts in pages.
 
 namespace {
@@ -85,7 +85,7 @@ private slots:
         }
     }
 
-    /// A file replaces its like only where there is room for both.
+    /// A file replaces another only if the disk has space for both.
     void aFileOfTheSameSizeNeedsRoomForBoth()
     {
         const test::SmallDisk disk(root.path(), size());
@@ -129,7 +129,7 @@ private slots:
         QCOMPARE(test::contentOf(in("file")), QByteArray("new"));
     }
 
-    /// One inode: the folder can be made, and then there is none for the file.
+    /// One inode: the folder can be made, and then none is left for the file.
     void aDiskWithoutInodesGetsNoNewFile()
     {
         const test::SmallDisk disk(root.path(), "size=1m,nr_inodes=10");

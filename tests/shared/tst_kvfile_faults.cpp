@@ -22,7 +22,7 @@ struct Scene
 {
     QString file;           ///< the name that is saved
     QString target;         ///< where the text belongs
-    bool isNew = false;     ///< there is no old text
+    bool isNew = false;     ///< the file does not exist before
     bool isForeign = false; ///< it belongs to another user, as far as root runs the test
 };
 
@@ -77,8 +77,8 @@ class TestKvFileFaults : public QObject
     Q_OBJECT
 
 private slots:
-    /// What is done once in the life of a process is not done again in its children, so each of
-    /// them makes the same calls.
+    /// Makes the calls that a process makes only once, so that each of its children makes the same
+    /// calls.
     void initTestCase() { test::save(in("warm-up"), "x"); }
 
     void theTextIsOnDiskBeforeItHasItsName_data() { addScenes(); }
@@ -177,8 +177,8 @@ private slots:
         QCOMPARE(test::contentOf(in(left.first())), newText);
     }
 
-    /// What the longer text needs is asked for before the old one is touched.
-    void aFileThatIsWrittenInPlaceGetsItsRoomFirst()
+    /// The space of the longer text is asked for before the old one is touched.
+    void aFileThatIsWrittenInPlaceGetsItsSpaceFirst()
     {
         const auto writeInPlace = [this](const test::Injection& with) {
             test::clearFolder(root.path());
@@ -320,7 +320,7 @@ private:
         return old;
     }
 
-    /// How many calls there are where nothing fails.
+    /// The number of calls if nothing fails.
     int prepareAndCount()
     {
         prepare();
@@ -357,7 +357,7 @@ private:
         QVERIFY(injected > 0);
     }
 
-    /// The error means no loss where it comes from these calls.
+    /// The error means no loss if it comes from these calls.
     template <class IsMeant>
     void expectNewText(int error, const IsMeant& isMeant)
     {

@@ -30,7 +30,7 @@ bool isWhole(const QByteArray& text)
            text == version(text.at(0) - 'a');
 }
 
-/// What everybody would write at first. Other threads and processes run between any two calls.
+/// The obvious way to write a file. Other threads and processes run between any two calls.
 void overwrite(const QByteArray& path, const QByteArray& text)
 {
     const int file = ::open(path.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);

@@ -9,7 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-// What a user may not do, by a user who may not do it.
+// Saving as a user who may not do everything.
 
 namespace {
 

@@ -17,7 +17,7 @@
 #include <functional>
 #include <utility>
 
-/// Presses @p key in @p window, where the system would deliver it: focus, shortcuts and default
+/// Presses @p key in @p window, as the system would deliver it: focus, shortcuts and default
 /// buttons then do their part.
 inline void pressKey(const QWidget& window, Qt::Key key, Qt::KeyboardModifiers modifiers = {})
 {
@@ -139,7 +139,7 @@ inline DialogAnswers::Answer chooseFile(const QString& name,
                                         const DialogAnswers::Answer& beforeEnter = {})
 {
     return [name, beforeEnter](QDialog& dialog) {
-        QVERIFY2(qobject_cast<QFileDialog*>(&dialog) != nullptr, "this is no file dialog");
+        QVERIFY2(qobject_cast<QFileDialog*>(&dialog) != nullptr, "not a file dialog");
         auto* edit = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
         QVERIFY(edit != nullptr);
         edit->selectAll();

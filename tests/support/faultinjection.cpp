@@ -34,7 +34,7 @@ bool concernsFiles(long call)
     return std::find(std::begin(others), std::end(others), call) == std::end(others);
 }
 
-/// By this signal the child says that what it does from now on is no part of its work.
+/// By this signal the child says that its calls from now on are not part of its work.
 constexpr int endOfWork = SIGUSR1;
 
 class Tracer

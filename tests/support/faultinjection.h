@@ -19,7 +19,7 @@ enum class Fault
     FailOnwards, ///< this call and all that follow return the error: the disk is gone
     Refuse,      ///< this call and all later ones of its kind return the error
     Short,       ///< a write takes only half of its bytes
-    Kill         ///< the process ends where the call would begin
+    Kill         ///< the process ends just before the call
 };
 
 struct Injection

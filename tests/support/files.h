@@ -13,7 +13,7 @@ namespace test {
 /// A pattern without repetition over short distances, so that a missing piece shows.
 QByteArray textOf(int length, char first = 'a');
 
-/// Content of a file; a null array where there is none.
+/// Content of a file; a null array for a missing one.
 QByteArray contentOf(const QString& path);
 
 /// Makes or overwrites a file. Aborts the test program when that fails.
@@ -22,11 +22,11 @@ void put(const QString& path, const QByteArray& content, mode_t mode = 0644);
 /// Removes everything in a folder, but not the folder. Aborts the test program when that fails.
 void clearFolder(const QString& folder);
 
-/// What is there under the name itself, links not followed; all zero where there is nothing.
+/// The status of the name itself, links not followed; all zero if nothing has the name.
 struct stat statusOf(const QString& path);
 mode_t modeOf(const QString& path);
 
-/// Where a link points to, word for word; empty where there is no link.
+/// The target of a link, word for word; empty if the path is not a link.
 QByteArray linkOf(const QString& path);
 
 /// Everything in a folder and its subfolders, hidden entries too, sorted, relative to the folder.

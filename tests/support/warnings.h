@@ -31,7 +31,7 @@ private:
 
     static void collect(QtMsgType type, const QMessageLogContext& context, const QString& message)
     {
-        // What the offscreen platform says of a top-level window's size, order and grabs.
+        // Warnings of the offscreen platform about a top-level window's size, order and grabs.
         if (message.startsWith(QLatin1String("This plugin does not support ")))
             return;
         if (type != QtDebugMsg && type != QtInfoMsg)

@@ -2,7 +2,8 @@
 
 #include <QtWidgets>
 
-// Measures whether a shown window has room for its texts, by what its widgets would paint where.
+// Measures whether the texts of a shown window fit, from the rectangles that its widgets would
+// paint.
 
 inline QSize textSize(const QWidget& widget, const QString& text, int width, int flags)
 {
@@ -14,18 +15,18 @@ inline QSize textSize(const QWidget& widget, const QString& text, int width, int
     return size;
 }
 
-inline bool holds(const QRect& room, const QSize& needed)
+inline bool holds(const QRect& space, const QSize& needed)
 {
-    return needed.width() <= room.width() && needed.height() <= room.height();
+    return needed.width() <= space.width() && needed.height() <= space.height();
 }
 
 inline bool showsItsText(const QLabel& label)
 {
     const int margin = label.margin();
-    const QRect room =
+    const QRect space =
         label.contentsRect().adjusted(margin + qMax(label.indent(), 0), margin, -margin, -margin);
     const int flags = label.wordWrap() ? Qt::TextWordWrap : 0;
-    return holds(room, textSize(label, label.text(), room.width(), flags));
+    return holds(space, textSize(label, label.text(), space.width(), flags));
 }
 
 inline bool showsItsText(const QAbstractButton& button)
@@ -37,8 +38,8 @@ inline bool showsItsText(const QAbstractButton& button)
                           : qobject_cast<const QRadioButton*>(&button)
                               ? QStyle::SE_RadioButtonContents
                               : QStyle::SE_PushButtonContents;
-    const QRect room = button.style()->subElementRect(contents, &option, &button);
-    return holds(room, textSize(button, button.text(), QWIDGETSIZE_MAX, Qt::TextShowMnemonic));
+    const QRect space = button.style()->subElementRect(contents, &option, &button);
+    return holds(space, textSize(button, button.text(), QWIDGETSIZE_MAX, Qt::TextShowMnemonic));
 }
 
 inline bool showsItsText(const QGroupBox& box)
@@ -58,13 +59,13 @@ inline bool showsItsText(const QComboBox& combo)
     QStyleOptionComboBox option;
     option.initFrom(&combo);
     option.subControls = QStyle::SC_All;
-    const QRect room = combo.style()->subControlRect(QStyle::CC_ComboBox, &option,
-                                                     QStyle::SC_ComboBoxEditField, &combo);
+    const QRect space = combo.style()->subControlRect(QStyle::CC_ComboBox, &option,
+                                                      QStyle::SC_ComboBoxEditField, &combo);
     for (int i = 0; i < combo.count(); ++i) {
         // The box reckons with advances; bounds are rounded up and may say one pixel more.
         QSize size = textSize(combo, combo.itemText(i), QWIDGETSIZE_MAX, 0);
         size.setWidth(combo.fontMetrics().horizontalAdvance(combo.itemText(i)));
-        if (!holds(room, size))
+        if (!holds(space, size))
             return false;
     }
     return true;
@@ -115,7 +116,7 @@ inline bool isAtItsLimit(const QWidget& widget)
     return widget.width() == widget.maximumWidth() || widget.height() == widget.maximumHeight();
 }
 
-/// What is wrong with the window's texts; empty where every text is whole.
+/// The faults of the window's texts; empty if every text is whole.
 inline QStringList cutTexts(const QMainWindow& window)
 {
     QStringList faults;
@@ -149,7 +150,7 @@ inline QScrollBar* scrollBar(const QMainWindow& window, Qt::Orientation orientat
     return nullptr;
 }
 
-/// What of the window its scroll bars leave to the central widget.
+/// The part of the window that its scroll bars leave to the central widget.
 inline QRect viewOf(const QMainWindow& window)
 {
     QRect view = window.rect();
@@ -160,8 +161,8 @@ inline QRect viewOf(const QMainWindow& window)
     return view;
 }
 
-/// What no scrolling brings into sight: the central widget ends where the window shows it, at both
-/// ends of both scroll bars. Scrolls back to the start.
+/// The edges that no scrolling brings into sight: the central widget ends where the window shows
+/// it, at both ends of both scroll bars. Scrolls back to the start.
 inline QStringList unreachableEdges(const QMainWindow& window)
 {
     QStringList faults;

@@ -141,7 +141,7 @@ inline QString settings(const QWidget& widget)
 
 inline QString marginsOf(const QLayout& layout)
 {
-    // A layout in a layout leaves no margin where it sets none.
+    // A layout in a layout leaves no margin unless it sets one.
     const bool nested = qobject_cast<QLayout*>(layout.parent()) != nullptr;
     const int unset = nested ? 0 : TellTaleStyle::margin;
     const auto side = [unset](int margin) {

@@ -5,7 +5,7 @@
 
 #include <QTranslator>
 
-// What a translation of the form changes, and what it must leave.
+// The parts of the form that a translation changes, and those that it must leave.
 
 /// The keys that press buttons.
 inline QStringList formKeys()
@@ -64,8 +64,8 @@ inline QStringList cellsOf(const QTableWidget& table)
     return lines;
 }
 
-/// Everything of the window that is no text of the form: every property of every widget, what the
-/// items stand for, and the tasks.
+/// Everything of the window but the texts of the form: every property of every widget, the values
+/// of the items, and the tasks.
 inline QStringList stateOf(const QMainWindow& window)
 {
     static const QSet<QString> texts = {"text", "title", "plainText", "toolTip", "currentText"};

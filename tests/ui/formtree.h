@@ -2,10 +2,10 @@
 
 #include <QStringList>
 
-// The whole form, one line for each widget, layout and spacer, in the order of the layouts. What
-// stands behind a name differs from what a new object of its class has; what does not differ is not
-// listed. Margins are left, top, right, bottom, "-" being the style's own; grid cells are
-// row,column and the rows x columns that they span.
+// The whole form, one line for each widget, layout and spacer, in the order of the layouts. Each
+// name is followed by the properties that differ from those of a new object of its class. Margins
+// are left, top, right, bottom, "-" being the style's own; grid cells are row,column and the rows x
+// columns that they span.
 inline QStringList expectedTree()
 {
     const QString tree = R"(

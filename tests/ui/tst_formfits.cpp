@@ -20,7 +20,7 @@ QFont pixelFont(int pixels)
 
 } // namespace
 
-// The form, shown with room for its texts: none is cut and nothing overlaps.
+// The form, shown large enough for its texts: none is cut and nothing overlaps.
 class TestFormFits : public QObject
 {
     Q_OBJECT
@@ -66,7 +66,8 @@ void TestFormFits::cleanup()
     m_window.reset();
 }
 
-// What this is all about, and the proof that the measuring finds every kind of fault.
+// The fault that the other tests guard against, which also proves that the measuring finds every
+// kind.
 void TestFormFits::formAsGivenCutsTexts()
 {
     QMainWindow window;
@@ -115,7 +116,7 @@ void TestFormFits::everyTextIsWholeAtFirstShow()
     verifyEveryTextIsWhole();
 }
 
-// A scroll bar exists only where the screen is too small.
+// A scroll bar exists only if the screen is too small.
 void TestFormFits::scrollBarExistsOnlyIfTheScreenIsTooSmall()
 {
     m_window->show();
