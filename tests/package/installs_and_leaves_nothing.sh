@@ -89,6 +89,14 @@ echo 'Stream;NOflush;NOprealloc; 50; 1024; -1; 1024;1;0;  MEMORY;  /tmp/a;  /tmp
 # shellcheck disable=SC2086 # the command and its options
 $as_user "$root" dpc show /tmp/series/_wait/mytest.dpc | grep -q Stream ||
     fail "dpc does not show a series without a desktop"
+# All examples are there, and have no fault where they lie.
+examples=$root/usr/share/doc/dpc/examples
+(cd "$source/examples" && find . -name '*.dpc' -o -name README.md) | while read -r file; do
+    cmp "$source/examples/$file" "$examples/$file" || fail "example $file is not as in the sources"
+done
+# shellcheck disable=SC2086
+found=$($as_user "$root" dpc check /usr/share/doc/dpc/examples 2>&1) && [ -z "$found" ] ||
+    fail "dpc check of the examples: $found"
 remove_and_compare dpc
 
 # Both.
