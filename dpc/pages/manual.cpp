@@ -168,6 +168,15 @@ std::string statuses()
     return text + item(exitUsage, usageStatus) + ".El\n";
 }
 
+/// The documents that explain more than this page, at their installed place.
+std::string documents()
+{
+    std::string text;
+    for (const char* name : {"dpc.md", "rules.md", "running.md", "report.md", "results.md"})
+        text += fmt::format("{}.Pa /usr/share/doc/dpc/docs/{}", text.empty() ? "" : " ,\n", name);
+    return text + '\n';
+}
+
 } // namespace
 
 std::string manualPage()
@@ -195,5 +204,5 @@ std::string manualPage()
     text += ".Sh EXIT STATUS\n" + statuses() + ".Sh EXAMPLES\n";
     for (const Command* command : allCommands())
         text += literal({command->examples.begin(), command->examples.end()});
-    return text + ".Sh SEE ALSO\n.Xr twDiskProbe 1 ,\n.Xr dpc 5\n";
+    return text + ".Sh SEE ALSO\n.Xr twDiskProbe 1 ,\n.Xr dpc 5\n.Pp\n" + documents();
 }

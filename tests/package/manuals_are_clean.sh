@@ -1,4 +1,5 @@
-# The manual pages have no fault that mandoc knows of, refer to pages that exist, and are found.
+# The manual pages have no fault that mandoc knows of, refer to pages and documents that exist, and are
+# found. Links between documents lead to installed files.
 . "$(dirname "$0")/common.sh"
 
 install_to "$scratch/usr"
@@ -14,3 +15,14 @@ for program in "$scratch/usr/bin"/*; do
     man --where 1 "${program##*/}" >"$scratch/page" || fail "$program has no manual page"
 done
 man 5 dpc | grep -q 'fourteen fields' || fail "dpc(5) can't be read"
+sed -n 's|^\.Pa /usr/\(share/doc/[^ ]*\).*|\1|p' "$source"/packaging/man/* >"$scratch/documents"
+[ -s "$scratch/documents" ] || fail "the manual pages name no documents"
+while read -r document; do
+    [ -f "$scratch/usr/$document" ] || fail "$document is named, but not installed"
+done <"$scratch/documents"
+for document in "$scratch"/usr/share/doc/*/docs/*.md; do
+    grep -o '](\w[^):#]*[)#]' "$document" | tr -d '](#)' | sort -u >"$scratch/links"
+    while read -r link; do
+        [ -e "${document%/*}/$link" ] || fail "$document has a link to $link"
+    done <"$scratch/links"
+done
