@@ -105,7 +105,7 @@ QByteArray jobSection(const PlanJob& job, const PlanSection& section)
         text += "thinktime_blocks=2\n";
     const bool isFirst = section.offset == 0;
     text += "exec_prerun=" + asPrerun(jobCondition(job, isFirst)) + '\n';
-    const QByteArray output = QByteArray(outputFolderName) + '/' + section.name;
+    const QByteArray output = QByteArray(outputFolderName) + '/' + logNameOf(job, section);
     text += "write_bw_log=" + output + "\nwrite_lat_log=" + output +
             "\nlog_avg_msec=100\nlog_unix_epoch=1\n";
     return text;
@@ -146,6 +146,11 @@ QByteArray preparationSection(const QByteArray& name, const QByteArray& command,
     const QByteArray size = number(preparationBytes);
     return '[' + name + "]\nioengine=null\nrw=read\nsize=" + size + "\nbs=" + size + '\n' +
            (stonewall ? "stonewall\n" : "") + "exec_prerun=" + asPrerun(command) + '\n';
+}
+
+QByteArray logNameOf(const PlanJob& job, const PlanSection& section)
+{
+    return job.machine == 0 ? section.name : section.name + "-m" + number(job.machine);
 }
 
 int longestLineOf(const PlanJob& job)

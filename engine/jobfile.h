@@ -7,6 +7,10 @@
 /// The job file of one machine in one stage.
 QByteArray jobFileText(const Plan& plan, size_t stage, const PlanJobFile& file);
 
+/// Begins the names of the logs that fio writes for a section. fio adds the address of the machine
+/// and not its port, so two servers at one address need a name each.
+QByteArray logNameOf(const PlanJob& job, const PlanSection& section);
+
 /// Bytes of the longest line that a job needs; at most maxNameLine can be written.
 int longestLineOf(const PlanJob& job);
 

@@ -1,5 +1,7 @@
 #include "engine/results.h"
 
+#include "engine/jobfile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
@@ -76,12 +78,13 @@ void addSection(const PlanJob& job, const SectionReport& report, JobResult& resu
 void addLogs(const PlanJob& job, const FioHost& host, const FioLogs& logs, JobResult& result)
 {
     for (const PlanSection& section : job.sections) {
-        for (const QString& file : logs.bandwidth(section.name, host.name))
+        for (const QString& file : logs.bandwidth(logNameOf(job, section), host.name))
             result.bandwidthLogs.push_back(file);
     }
     if (result.startMs.has_value() || !result.runtimeMs.has_value())
         return;
-    const std::optional<qint64> last = logs.lastMoment(job.sections.back().name, host.name);
+    const std::optional<qint64> last =
+        logs.lastMoment(logNameOf(job, job.sections.back()), host.name);
     // A wait follows the last chunk as well, unless a flush is the last that happens.
     const qint64 end = last.value_or(0) + (job.flush ? 0 : job.waitMs);
     if (last.has_value() && end >= *result.runtimeMs)
@@ -165,7 +168,7 @@ FioLogs::FioLogs(const QString& folder, const QString& prefix)
     : m_folder(folder)
     , m_prefix(prefix)
 {
-    // SECTION_KIND.NUMBER.log, and with servers the host behind it.
+    // NAME_KIND.NUMBER.log, and with servers the host behind it.
     static const QRegularExpression form(
         QStringLiteral("^([a-z0-9-]+)_(bw|lat)\\.[0-9]+\\.log(?:\\.(.+))?$"));
     const QStringList names = QDir(folder).entryList(QDir::Files, QDir::Name);
@@ -178,22 +181,22 @@ FioLogs::FioLogs(const QString& folder, const QString& prefix)
     }
 }
 
-FioLogs::Key FioLogs::keyOf(const QByteArray& section, const QByteArray& kind, const QString& host)
+FioLogs::Key FioLogs::keyOf(const QByteArray& begin, const QByteArray& kind, const QString& host)
 {
-    return section + '\n' + kind + '\n' + host.toUtf8();
+    return begin + '\n' + kind + '\n' + host.toUtf8();
 }
 
-std::vector<QString> FioLogs::bandwidth(const QByteArray& section, const QString& host) const
+std::vector<QString> FioLogs::bandwidth(const QByteArray& begin, const QString& host) const
 {
-    const QString name = m_files.value(keyOf(section, "bw", host));
+    const QString name = m_files.value(keyOf(begin, "bw", host));
     if (name.isEmpty())
         return {};
     return {m_prefix + name};
 }
 
-std::optional<qint64> FioLogs::lastMoment(const QByteArray& section, const QString& host) const
+std::optional<qint64> FioLogs::lastMoment(const QByteArray& begin, const QString& host) const
 {
-    const QString name = m_files.value(keyOf(section, "lat", host));
+    const QString name = m_files.value(keyOf(begin, "lat", host));
     QFile file(m_folder + QLatin1Char('/') + name);
     if (name.isEmpty() || !file.open(QIODevice::ReadOnly))
         return std::nullopt;

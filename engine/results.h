@@ -66,14 +66,15 @@ public:
     /// Lists `folder`; the names of the files are given as `prefix` and their names in it.
     FioLogs(const QString& folder, const QString& prefix);
 
-    /// Logs of the bandwidth of a section. `host` as fio reports it, empty without a server.
-    std::vector<QString> bandwidth(const QByteArray& section, const QString& host) const;
+    /// Logs of the bandwidth, whose names start with `begin` (logNameOf). `host` as fio reports it,
+    /// empty without a server.
+    std::vector<QString> bandwidth(const QByteArray& begin, const QString& host) const;
     /// The moment of the last line in the log of latencies, ms since 1970.
-    std::optional<qint64> lastMoment(const QByteArray& section, const QString& host) const;
+    std::optional<qint64> lastMoment(const QByteArray& begin, const QString& host) const;
 
 private:
     using Key = QByteArray;
-    static Key keyOf(const QByteArray& section, const QByteArray& kind, const QString& host);
+    static Key keyOf(const QByteArray& begin, const QByteArray& kind, const QString& host);
 
     QString m_folder;
     QString m_prefix;

@@ -32,6 +32,7 @@ private slots:
     void tellsBothSizesOfASource();
     void tellsOfAFullDisk();
     void reachesMachinesThroughSockets();
+    void keepsTheLogsOfTwoServersAtOneAddressApart();
     void usesNoNetworkThatIsNotTrusted();
     void refusesTwoNamesForOneServer();
     void needsTheTemporaryFolderOfAMachine();
@@ -39,6 +40,7 @@ private slots:
 private:
     void startServers(const QByteArray& options = "size=64m");
     QStringList withHosts(const QStringList& more) const;
+    QSet<QString> logsOfJobs() const;
 
     std::unique_ptr<SeriesRun> m_series;
     std::vector<std::unique_ptr<FioServer>> m_servers;
@@ -297,6 +299,19 @@ void TestRunMachines::tellsOfAFullDisk()
     QCOMPARE(m_series->state("run2"), QStringLiteral("refused"));
 }
 
+/// The logs of bandwidth of all jobs, one each, that hold something.
+QSet<QString> TestRunMachines::logsOfJobs() const
+{
+    QSet<QString> logs;
+    for (const QJsonValue& job : m_series->jobs("run")) {
+        for (const QJsonValue& log : job["bandwidthLogs"].toArray()) {
+            if (!test::contentOf(m_series->file("run/" + log.toString())).isEmpty())
+                logs.insert(log.toString());
+        }
+    }
+    return logs;
+}
+
 void TestRunMachines::reachesMachinesThroughSockets()
 {
     QByteArray hosts;
@@ -314,11 +329,22 @@ void TestRunMachines::reachesMachinesThroughSockets()
     for (int i = 0; i < 2; ++i)
         QCOMPARE(QFileInfo(m_servers[size_t(i)]->seen(machineName(i) + ".dat")).size(),
                  qint64(1000 * kib));
-    for (const QJsonValue& job : m_series->jobs("run")) {
-        QCOMPARE(job["bandwidthLogs"].toArray().size(), 1);
-        const QString log = job["bandwidthLogs"].toArray()[0].toString();
-        QVERIFY(!test::contentOf(m_series->file("run/" + log)).isEmpty());
+    QCOMPARE(logsOfJobs().size(), 2);
+}
+
+void TestRunMachines::keepsTheLogsOfTwoServersAtOneAddressApart()
+{
+    QByteArray hosts;
+    for (int i = 0; i < 2; ++i) {
+        const QByteArray address = "ip:127.0.0.11," + QByteArray::number(8765 + i);
+        hosts += machineName(i).toUtf8() + '=' + address + '\n';
+        m_servers.push_back(std::make_unique<FioServer>(address, m_series->folder()));
     }
+    test::put(m_series->file("hosts.txt"), hosts);
+    m_series->putSeries({{SeriesRun::line("", "[cfgPath]/[host].dat", 1000, 100, 20)}});
+    const test::Printed printed = m_series->run(withHosts({}));
+    QVERIFY2(printed.status == 0, printed.err.constData());
+    QCOMPARE(logsOfJobs().size(), 2);
 }
 
 void TestRunMachines::usesNoNetworkThatIsNotTrusted()
