@@ -15,7 +15,8 @@ struct GuidePart
         Action,  ///< "**name**: `value`" in a numbered line: a control, and what to bring it to
         Picture, ///< "![text](images/guide-name.png)": the picture's name
         Listing, ///< "`file`:" before a fenced block: a file and its content
-        Command  ///< a fenced block that begins with "$": a command and what it prints
+        Command, ///< a fenced block that begins with "$": a command and what it prints
+        Script   ///< a fenced block of shell commands
     };
 
     Kind kind;
@@ -31,7 +32,8 @@ inline QVector<GuidePart> guideParts(const QString& markdown)
         R"(^\d+\. [^\n]*$)" // a step
         R"(|!\[[^]]*\]\((?:docs/)?images/(?<picture>guide-[^)]+)\.png\))"
         R"(|`(?<file>/[^`]+)`:\n\n```text\n(?<content>.*?)```)"
-        R"(|```console\n\$ (?<command>[^\n]+)\n(?<output>.*?)```)",
+        R"(|```console\n\$ (?<command>[^\n]+)\n(?<output>.*?)```)"
+        R"(|```sh\n(?<script>.*?)```)",
         QRegularExpression::MultilineOption | QRegularExpression::DotMatchesEverythingOption);
     static const QRegularExpression action(
         R"(\*\*(?<name>[^*]+)\*\*(?::? (?:\*\*(?<item>[^*]+)\*\*|`(?<typed>[^`]+)`))?)");
@@ -46,6 +48,8 @@ inline QVector<GuidePart> guideParts(const QString& markdown)
         else if (!match.captured("command").isEmpty())
             parts +=
                 {GuidePart::Kind::Command, match.captured("command"), match.captured("output")};
+        else if (!match.captured("script").isEmpty())
+            parts += {GuidePart::Kind::Script, {}, match.captured("script")};
         else
             for (auto each = action.globalMatch(match.captured()); each.hasNext();) {
                 const QRegularExpressionMatch found = each.next();

@@ -1,10 +1,9 @@
 #include "dpc/commandline.h"
 #include "tests/engine/fioserver.h"
 #include "tests/engine/seriesrun.h"
-#include "tests/support/files.h"
+#include "tests/support/examples.h"
 #include "tests/support/ownmounts.h"
 
-#include <QDir>
 #include <QtTest>
 
 #include <memory>
@@ -21,18 +20,6 @@ QByteArray fileSizeKib()
 {
     const QByteArray asked = qgetenv("TWDP_EXAMPLE_KIB");
     return asked.isEmpty() ? "4096" : asked;
-}
-
-/// Copies the examples, with files of the test's size.
-void copyExamples(const QString& folder)
-{
-    const QString source = TWDP_SOURCE_DIR "/examples";
-    QDir().mkpath(folder + "/_wait");
-    for (const QString& name : test::entriesOf(source)) {
-        if (name.endsWith(".dpc"))
-            test::put(folder + '/' + name, test::contentOf(source + '/' + name)
-                                               .replace("; 102400;", "; " + fileSizeKib() + ';'));
-    }
 }
 
 } // namespace
@@ -65,7 +52,7 @@ void TestRunExamples::runsToItsEnd()
     QFETCH(QString, example);
     QFETCH(int, machines);
     const test::SeriesRun share;
-    copyExamples(share.folder());
+    test::copyExamples(share.folder(), fileSizeKib());
     QStringList command = {"run", "--to", share.file("run"), share.file(example + ".dpc")};
     // The servers have the folder of the series in common, as machines have a share.
     const QTemporaryDir apart;
