@@ -36,22 +36,23 @@ public:
     explicit TableFocus(QTableWidget& table)
         : QObject(&table)
         , m_table(table)
+        , m_viewport(*table.viewport())
         , m_frame(*new FocusFrame(table))
     {
         table.setTabKeyNavigation(false);
         table.installEventFilter(this);
-        table.viewport()->installEventFilter(this);
+        m_viewport.installEventFilter(this);
     }
 
     bool eventFilter(QObject* watched, QEvent* event) override
     {
-        if (watched == m_table.viewport()) {
+        if (watched == &m_viewport) {
             if (event->type() == QEvent::Resize || event->type() == QEvent::Move)
-                m_frame.setGeometry(m_table.viewport()->geometry());
+                m_frame.setGeometry(m_viewport.geometry());
         } else if (event->type() == QEvent::FocusOut) {
             m_frame.hide();
         } else if (event->type() == QEvent::FocusIn) {
-            m_frame.setGeometry(m_table.viewport()->geometry());
+            m_frame.setGeometry(m_viewport.geometry());
             m_frame.show();
             m_frame.raise();
             return enter(dynamic_cast<QFocusEvent&>(*event));
@@ -71,6 +72,7 @@ private:
     }
 
     QTableWidget& m_table;
+    QWidget& m_viewport; // a table that is being destroyed can't be asked for it any more
     FocusFrame& m_frame;
 };
 

@@ -45,6 +45,7 @@ const QWidget* wheelTaker(const QWidget* widget)
 CentralScroller::CentralScroller(QMainWindow& window)
     : QObject(&window)
     , m_window(window)
+    , m_content(window.centralWidget())
 {}
 
 void CentralScroller::show(QSize content, QSize view)
@@ -58,8 +59,8 @@ void CentralScroller::show(QSize content, QSize view)
     if (scrolls)
         qApp->installEventFilter(this);
     // Keeps the window's own layout from making it as small as the window.
-    m_window.centralWidget()->setMinimumSize(scrolls ? content : QSize(0, 0));
-    m_window.centralWidget()->resize(content);
+    m_content->setMinimumSize(scrolls ? content : QSize(0, 0));
+    m_content->resize(content);
     place();
 }
 
@@ -82,8 +83,8 @@ void CentralScroller::setRange(QPointer<QScrollBar>& bar, Qt::Orientation orient
 
 void CentralScroller::place()
 {
-    m_window.centralWidget()->move(m_sideways != nullptr ? -m_sideways->value() : 0,
-                                   m_down != nullptr ? -m_down->value() : 0);
+    m_content->move(m_sideways != nullptr ? -m_sideways->value() : 0,
+                    m_down != nullptr ? -m_down->value() : 0);
     // The central widget reaches under both bars, and so into the corner between them: one of them
     // covers it.
     if (m_sideways != nullptr) {
@@ -101,7 +102,7 @@ bool CentralScroller::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::FocusIn && watched->isWidgetType()) {
         follow(dynamic_cast<QFocusEvent&>(*event), dynamic_cast<QWidget&>(*watched));
-    } else if (event->type() == QEvent::Move && watched == m_window.centralWidget()) {
+    } else if (event->type() == QEvent::Move && watched == m_content) {
         place(); // The window's own layout has put it back to where it would be without scroll
                  // bars.
     } else if (event->type() == QEvent::Wheel &&
@@ -118,14 +119,14 @@ void CentralScroller::follow(const QFocusEvent& event, const QWidget& widget)
     const bool clicked = event.reason() == Qt::MouseFocusReason;
     const bool isBack =
         event.reason() == Qt::ActiveWindowFocusReason || event.reason() == Qt::PopupFocusReason;
-    if (!clicked && !isBack && m_window.centralWidget()->isAncestorOf(&widget))
+    if (!clicked && !isBack && m_content != nullptr && m_content->isAncestorOf(&widget))
         reveal(widget);
 }
 
 void CentralScroller::reveal(const QWidget& widget)
 {
     constexpr int margin = 8;
-    const QRect place = QRect(widget.mapTo(m_window.centralWidget(), QPoint()), widget.size())
+    const QRect place = QRect(widget.mapTo(m_content, QPoint()), widget.size())
                             .marginsAdded({margin, margin, margin, margin});
     ::reveal(m_sideways, place.left(), place.right() + 1);
     ::reveal(m_down, place.top(), place.bottom() + 1);

@@ -36,7 +36,10 @@ private:
     bool isForForm(const QObject& watched, const QWheelEvent& event) const;
     void scroll(QWheelEvent& event);
 
-    QMainWindow& m_window;
+    // The parent as the part of it that is still there while it is destroyed and children get
+    // events.
+    QWidget& m_window;
+    QPointer<QWidget> m_content;
     QSize m_view;
     QPointer<QScrollBar> m_down;
     QPointer<QScrollBar> m_sideways;
