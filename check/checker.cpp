@@ -101,6 +101,7 @@ std::vector<Finding> checkSeries(const SeriesFacts& facts, const CheckOptions& o
     const SeriesFacts& once = reduced ? *reduced : facts;
     const FileUses uses(once, options.hosts, options.environment);
     checkLines(once, findings);
+    checkSameTasks(once, uses, findings);
     checkNumbers(once, findings);
     checkPaths(once, options, findings);
     checkVariables(once, options, findings);

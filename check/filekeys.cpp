@@ -63,6 +63,13 @@ QByteArray toKey(const QByteArray& latin1)
     return toQString(latin1).toUtf8();
 }
 
+/// True for a drive or a server by itself, which is not a file: "c:", "//server".
+bool isForeignRoot(const QByteArray& folded)
+{
+    const bool isDrive = folded.size() == 2 && folded[1] == ':';
+    return isDrive || (isSharePath(folded) && folded.indexOf('/', 2) < 0);
+}
+
 /// Where the last name begins.
 int nameStart(const QByteArray& path)
 {
@@ -114,6 +121,7 @@ KeyedPath FileKeys::find(const QByteArray& path, bool isHere)
     found.namesFolder = isSeparator(last) || lastName == "." || lastName == "..";
     while (text.size() > 1 && text.endsWith('/'))
         text.chop(1);
+    found.namesFolder = found.namesFolder || (isForeignPath(path) && isForeignRoot(text));
 
     const int start = nameStart(text);
     found.folder = folderAt(text.left(start > 1 ? start - 1 : start), found.isSeen);

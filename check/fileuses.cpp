@@ -185,21 +185,20 @@ int FileUses::fileAt(const QByteArray& path, bool isHere)
     if (known != m_fileOfKey.cend())
         return *known;
     UsedFile file;
-    file.isOwn = isOwnFile(keyed);
+    file.isOwn = isOwnFile(keyed.key);
     file.isShared = isSharePath(path) || keyed.key.startsWith(m_runFolderKey);
     file.path = std::move(keyed);
     m_files.push_back(std::move(file));
     return *m_fileOfKey.insert(m_files.back().path.key, int(m_files.size()) - 1);
 }
 
-/// By the name and the folder: the files come and go while the series runs.
-bool FileUses::isOwnFile(const KeyedPath& path) const
+bool FileUses::isOwnFile(const QByteArray& key) const
 {
-    const int start = path.key.lastIndexOf('/') + 1;
-    const QByteArray folder = path.key.left(start);
+    const int start = key.lastIndexOf('/') + 1;
+    const QByteArray folder = key.left(start);
     if (folder != m_runFolderKey && folder != m_runFolderKey + waitFolder().toUtf8())
         return false;
-    const QByteArray name = path.key.mid(start);
+    const QByteArray name = key.mid(start);
     const QByteArray base = m_facts.name.baseName.toUtf8();
     constexpr int extensionLength = int(std::size(configFileExtension)) - 1;
     if (!name.startsWith(base) || !name.endsWith(configFileExtension))
@@ -251,4 +250,16 @@ int FileUses::fileOf(const FileUse& use, int machine) const
     const UsedName& name = nameOf(use);
     const int place = name.firstPlace + (name.byHost ? std::max(machine, 0) : 0);
     return m_places[size_t(place)];
+}
+
+bool FileUses::isWrittenBefore(const UsedFile& file, const FileUse& reading) const
+{
+    return std::any_of(file.ways.begin(), file.ways.end(), [&](const FileWay& way) {
+        const int first = m_names[size_t(way.name)].firstUse[DestPath];
+        if (first < 0)
+            return false;
+        const FileUse& write = m_uses[size_t(first)];
+        return write.line < reading.line ||
+               (write.line == reading.line && write.iteration < reading.iteration);
+    });
 }

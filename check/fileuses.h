@@ -127,6 +127,13 @@ public:
         return m_files[size_t(fileOf(use, machine))];
     }
 
+    /// True for the key of a config file of the series, or of its "_init" file, by its name and
+    /// folder: the files come and go while the series runs.
+    bool isOwnFile(const QByteArray& key) const;
+
+    /// True if an earlier task, or an earlier iteration, writes a file before a use reads it.
+    bool isWrittenBefore(const UsedFile& file, const FileUse& reading) const;
+
     /// The full name of a use on a machine, Latin-1; "[date]" stays.
     QByteArray pathOn(const FileUse& use, int machine) const;
 
@@ -141,7 +148,6 @@ private:
     void placeNames();
     void addInit();
     int fileAt(const QByteArray& path, bool isHere);
-    bool isOwnFile(const KeyedPath& path) const;
 
     const SeriesFacts& m_facts;
     MachineValues m_here;

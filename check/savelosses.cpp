@@ -86,6 +86,24 @@ std::string lossOfLength(const SeriesFacts& facts)
     return {};
 }
 
+/// A source that exists, and that a save takes for missing: out of "_wait" it looks for the file
+/// there. Empty if there is none.
+QByteArray sourceMadeAnew(const SeriesFacts& facts, const FileUses& uses)
+{
+    for (const UsedName& name : uses.names()) {
+        const int first = name.firstUse[SourcePath];
+        if (first < 0 || !name.text.contains(configPathVariable))
+            continue;
+        const FileUse& use = uses.uses()[size_t(first)];
+        const FileFact& file = facts.fileOf(facts.lines[size_t(use.line)]);
+        const bool waits = !file.path.startsWith(facts.runFolder) ||
+                           file.path.indexOf('/', facts.runFolder.size()) >= 0;
+        if (waits && uses.file(use, 0).isFile())
+            return name.text;
+    }
+    return {};
+}
+
 } // namespace
 
 std::string lossOfSave(const SeriesFacts& facts)
@@ -101,12 +119,17 @@ std::string lossOfSave(const SeriesFacts& facts)
     return loss.empty() ? lossOfLength(facts) : loss;
 }
 
-std::string adviceToRenewInit(const SeriesFacts& facts)
+std::string adviceToRenewInit(const SeriesFacts& facts, const FileUses& uses)
 {
     const std::string loss = lossOfSave(facts);
-    if (loss.empty())
-        return "run dpc init --write, or load and save the series again";
-    return fmt::format("correct the series before a save, which would not keep it ({}), then run "
-                       "dpc init --write",
-                       loss);
+    if (!loss.empty())
+        return fmt::format("first correct the series, which a save would not keep as it is ({}); "
+                           "then run dpc init --write",
+                           loss);
+    const QByteArray destroyed = sourceMadeAnew(facts, uses);
+    if (!destroyed.isEmpty())
+        return fmt::format("write the line into the _init file by hand: after a save the _init "
+                           "file would make {} anew, which is there already",
+                           quoted(destroyed));
+    return "run dpc init --write, or load and save the series again";
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "check/seriesfacts.h"
+#include "check/fileuses.h"
 
 #include <string>
 
@@ -9,5 +9,5 @@
 std::string lossOfSave(const SeriesFacts& facts);
 
 /// Advice for an "_init" file that does not fit the series. It recommends a load and a save only if
-/// they keep the series.
-std::string adviceToRenewInit(const SeriesFacts& facts);
+/// they keep the series, and if the "_init" file that they write destroys nothing.
+std::string adviceToRenewInit(const SeriesFacts& facts, const FileUses& uses);

@@ -61,12 +61,18 @@ QString fileMadeBy(const QByteArray& line, const SeriesFacts& facts)
     return path;
 }
 
+/// True for a file that only keeps its folder: it has no bytes to lose.
+bool isDummy(const QFileInfo& file)
+{
+    return file.fileName() == QLatin1String("dummyFile") && file.size() <= 1;
+}
+
 void addDestroyedFiles(const SeriesFacts& facts, const ResavedFile& file, Reasons& reasons)
 {
     const QList<QByteArray> lines = file.content.split('\n');
     for (int i = 0; i < lines.size(); ++i) {
         const QFileInfo made(fileMadeBy(lines[i], facts));
-        if (!made.filePath().isEmpty() && made.exists() && !made.isDir())
+        if (!made.filePath().isEmpty() && made.exists() && !made.isDir() && !isDummy(made))
             reasons.push_back(
                 fmt::format("line {} would make {} anew, which is there already, with {}", i + 1,
                             quoted(made.filePath()), counted(made.size(), "byte")));

@@ -50,6 +50,8 @@ QJsonObject jsonOf(const Finding& finding)
         names.append(QString::fromStdString(name));
     if (!names.isEmpty())
         object.insert("names", names);
+    if (finding.more > 0)
+        object.insert("more", finding.more);
     return object;
 }
 

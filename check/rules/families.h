@@ -25,6 +25,8 @@ RuleList spaceRules();
 bool checkFolderLetters(const SeriesFacts& facts, Findings& findings);
 /// The rules about a line as text and its fields.
 void checkLines(const SeriesFacts& facts, Findings& findings);
+/// The rule about tasks that are the same, whatever the lines look like.
+void checkSameTasks(const SeriesFacts& facts, const FileUses& uses, Findings& findings);
 /// The rules about numbers and settings of tasks.
 void checkNumbers(const SeriesFacts& facts, Findings& findings);
 /// The rules about a path by itself: its form and its length.

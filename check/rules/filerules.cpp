@@ -87,22 +87,31 @@ bool checkUnread(const FileFact& file, int index, Findings& findings)
         findings.add(initPlace, index, 1, 1,
                      "this is not the _init file of the series, which lies beside _wait");
     } else if (file.role == FileRole::WaitFolder) {
-        findings.add(unreadable, index, 1, 1,
-                     fmt::format("the folder can't be read: {}. The files in it are not checked",
-                                 file.whyUnreadable));
+        findings.add(
+            unreadable, index, 1, 1,
+            fmt::format("the folder can't be read ({}), so the files in it are not checked",
+                        file.whyUnreadable));
     } else if (!file.readable) {
         const char* result = file.isInit() ? "nothing that the series needs is made"
                                            : "the editor skips it without a message";
         findings.add(unreadable, index, 1, 1,
-                     fmt::format("the file can't be read: {}. {}", file.whyUnreadable, result));
+                     fmt::format("the file can't be read ({}): {}", file.whyUnreadable, result));
     } else {
         return false;
     }
     return true;
 }
 
-void checkFile(const FileFact& file, int index, Findings& findings)
+/// True if a line of the file does not load: it may be the task that seems to lack.
+bool hasRejectedLine(const SeriesFacts& facts, const FileFact& file)
 {
+    return std::any_of(facts.lines.begin() + file.firstEntry, facts.lines.begin() + file.endEntry,
+                       [](const LineFact& line) { return line.kind == LineFact::Kind::Rejected; });
+}
+
+void checkFile(const SeriesFacts& facts, int index, Findings& findings)
+{
+    const FileFact& file = facts.files[size_t(index)];
     if (file.path.size() > maxFileName)
         findings.add(longName, index, 1, 1,
                      fmt::format("the path has {} characters: a save cuts it at {}, and writes "
@@ -113,7 +122,8 @@ void checkFile(const FileFact& file, int index, Findings& findings)
     if (file.wasCut)
         findings.add(tooMuch, index, file.lineCount, 1,
                      fmt::format("only the first {} MiB of the file are read", maxFileRead >> 20));
-    else if (file.isRead() && file.tasks == 0 && file.markers == 0 && !file.isCopy)
+    else if (file.isRead() && file.tasks == 0 && file.markers == 0 && !file.isCopy &&
+             !hasRejectedLine(facts, file))
         findings.add(emptyFile, index, 1, 1,
                      "the file holds neither a task nor a marker: machines that start it do "
                      "nothing");
@@ -218,7 +228,7 @@ bool hasForeignLetters(const SeriesName& name)
 void checkFiles(const SeriesFacts& facts, Findings& findings)
 {
     for (size_t i = 0; i < facts.files.size(); ++i)
-        checkFile(facts.files[i], int(i), findings);
+        checkFile(facts, int(i), findings);
     if (facts.closedWaitFolder() == nullptr)
         checkGap(facts, findings);
     checkBothFolders(facts, findings);

@@ -35,6 +35,14 @@ constexpr Rule logIsFolder = {
             "[cfgPath]/out_[host].dat;  [cfgPath]/;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
 
+/// True if a path ends in "." or "..", which are gone once it is resolved.
+bool endsInDots(const QByteArray& path)
+{
+    const int start = std::max(path.lastIndexOf('/'), path.lastIndexOf('\\')) + 1;
+    const QByteArray last = path.mid(start);
+    return last == "." || last == "..";
+}
+
 /// Of all iterations and machines one is enough.
 void checkNamedFolder(const SeriesFacts& facts, const FileUses& uses, int line, TaskPath role,
                       Findings& findings)
@@ -42,10 +50,10 @@ void checkNamedFolder(const SeriesFacts& facts, const FileUses& uses, int line, 
     for (int iteration = 0; iteration < uses.useCount(line, role); ++iteration) {
         const FileUse& use = uses.use(line, role, iteration);
         const KeyedPath& path = uses.file(use, 0).path;
-        const bool isThere = path.kind == PathStatus::Kind::Folder;
-        if (!isThere && !path.namesFolder)
-            continue;
         const LineFact& fact = facts.lines[size_t(line)];
+        const bool isThere = path.kind == PathStatus::Kind::Folder;
+        if (!isThere && !path.namesFolder && !endsInDots(fact.path(role)))
+            continue;
         findings.add(role == SourcePath || role == DestPath ? fileIsFolder : logIsFolder, fact,
                      fact.columnOf(role),
                      fmt::format("the {} {} {}, and a file is needed",
@@ -89,13 +97,18 @@ public:
             const KeyedFolder& folder = m_uses.folders()[i];
             if (m_firstUser[i] >= 0)
                 m_folderOfKey.insert(folder.key, int(i));
-            if (m_firstUser[i] >= 0 && folder.kind == PathStatus::Kind::File)
+            if (m_firstUser[i] >= 0 &&
+                (folder.kind == PathStatus::Kind::File || m_uses.isOwnFile(folder.key)))
                 say(m_uses.uses()[size_t(m_firstUser[i])],
-                    fmt::format("is a file: {} can't lie below it", quoted(nameOf(m_firstUser[i]))),
+                    fmt::format("is a file{}: {} can't lie below it",
+                                m_uses.isOwnFile(folder.key) ? " of the series itself" : "",
+                                quoted(nameOf(m_firstUser[i]))),
                     folder.shownPath);
         }
         for (int i = 0; i < int(m_uses.uses().size()); ++i)
             checkFile(i);
+        for (const InitUse& made : m_uses.init())
+            checkMade(made);
     }
 
 private:
@@ -128,6 +141,23 @@ private:
             return;
         m_said.insert(path.key);
         sayClash(use, m_uses.uses()[size_t(m_firstUser[size_t(*folder)])], path.key);
+    }
+
+    /// A file that the "_init" file makes, and that a task needs as a folder.
+    void checkMade(const InitUse& made)
+    {
+        const KeyedPath& path = m_uses.files()[size_t(made.file)].path;
+        const auto folder = m_folderOfKey.constFind(path.key);
+        const bool isKnown = path.kind != PathStatus::Kind::Nothing || path.namesFolder;
+        if (!made.entry.isActive || folder == m_folderOfKey.cend() || isKnown ||
+            m_said.contains(path.key))
+            return;
+        m_said.insert(path.key);
+        const FileUse& below = m_uses.uses()[size_t(m_firstUser[size_t(*folder)])];
+        say(below,
+            fmt::format("leads through a file: line {} of the _init file makes {}", made.entry.line,
+                        quoted(made.name)),
+            m_uses.nameOf(below).text);
     }
 
     /// At the file or at what lies below it, whichever has fewer uses, or the later one.

@@ -1,13 +1,11 @@
 #include "check/filekeys.h"
 #include "check/fileuses.h"
-#include "check/nameexpander.h"
+#include "check/initneeds.h"
 #include "check/rules/exampletasks.h"
 #include "check/rules/families.h"
 #include "check/savelosses.h"
 #include "check/text.h"
-#include "configset/filestocreate.h"
 #include "shared/kvpath.h"
-#include "shared/kvtext.h"
 
 #include <QHash>
 #include <QRegularExpression>
@@ -26,172 +24,6 @@ QString folderOf(const QString& path)
 {
     return kvGetDirName(path, '/');
 }
-
-/// A file or folder that a task needs before it can run.
-struct Need
-{
-    const LineFact* line;
-    TaskPath which;
-    FileToCreate file;
-};
-
-/// The files and folders that a series needs, as its paths name them, each once, as a save collects
-/// them.
-class Needs
-{
-public:
-    Needs(const SeriesFacts& facts, const FileUses& uses)
-        : m_facts(facts)
-        , m_uses(uses)
-        , m_names(facts, noMachine())
-        , m_isFolderKnown(uses.names().size(), false)
-    {
-        for (const FileUse& use : uses.uses())
-            addUse(use);
-    }
-
-    const std::vector<Need>& all() const { return m_needs; }
-
-    /// As a task without a config file would name it: the _init file of a first save does. Empty if
-    /// that is the same.
-    QString namelessText(const Need& need)
-    {
-        TestTask task = withPath(m_names.record(*need.line), need.which);
-        const QStringList names = textsOf(task, need.line->taskNumber);
-        task.configPath.clear();
-        const QStringList nameless = textsOf(task, need.line->taskNumber);
-        const int place = names.indexOf(need.file.text);
-        const bool differs =
-            place >= 0 && place < nameless.size() && nameless[place] != names[place];
-        return differs ? nameless[place] : QString();
-    }
-
-private:
-    static TestTask withPath(const TestTask& all, TaskPath which)
-    {
-        TestTask task = all;
-        if (which != SourcePath)
-            task.sourcePath.clear();
-        if (which != DestPath)
-            task.destPath.clear();
-        if (which != LogPath)
-            task.logPath.clear();
-        if (which != CsvPath)
-            task.csvPath.clear();
-        return task;
-    }
-
-    QStringList textsOf(const TestTask& task, int taskNumber) const
-    {
-        FileToCreateList list;
-        collectFilesOfTask(list, task, taskNumber, m_noMachine);
-        QStringList texts;
-        for (const FileToCreate& file : list.files())
-            texts += file.text;
-        return texts;
-    }
-
-    void addUse(const FileUse& use)
-    {
-        const LineFact& line = m_facts.lines[size_t(use.line)];
-        if (use.role == SourcePath) {
-            add(use, m_uses.nameOf(use).text, line.used.fileSize, false);
-            return;
-        }
-        const bool isElsewhere =
-            use.role == DestPath && !line.path(DestPath).startsWith(configPathVariable);
-        if (isElsewhere || m_isFolderKnown[size_t(use.name)])
-            return;
-        m_isFolderKnown[size_t(use.name)] = true;
-        add(use, folderName(line, use), 1, true);
-    }
-
-    /// The file that has the folder of a path made.
-    QByteArray folderName(const LineFact& line, const FileUse& use)
-    {
-        const UsedName& name = m_uses.nameOf(use);
-        if (!name.mustExpandAnew)
-            return name.text.left(name.text.lastIndexOf('/') + 1) + "dummyFile";
-        const QByteArray path = line.path(use.role);
-        const QByteArray dummy = path.left(path.lastIndexOf('/') + 1) + "dummyFile";
-        return m_names.initName(line, dummy, use.iteration).toLatin1();
-    }
-
-    void add(const FileUse& use, const QByteArray& text, qint64 size, bool isDummy)
-    {
-        if (m_known.contains(text))
-            return;
-        m_known.insert(text);
-        QByteArray path = text;
-        path.replace("[cfgPath]/", m_runFolder).replace(configPathVariable, m_runFolder);
-        const bool isResolved = !path.contains("//") && !path.contains("/.");
-        m_needs.push_back(
-            {&m_facts.lines[size_t(use.line)],
-             use.role,
-             {QString::fromLatin1(text), isResolved ? QString::fromLatin1(path) : resolved(path),
-              size, isDummy}});
-    }
-
-    static QString resolved(const QByteArray& path)
-    {
-        _kvString8_allSize<maxPath> text;
-        text.add(path.constData(), path.size());
-        return kvToQString(kvPathResolve(text));
-    }
-
-    const SeriesFacts& m_facts;
-    const FileUses& m_uses;
-    const MachineValues m_noMachine = noMachine();
-    NameExpander m_names;
-    const QByteArray m_runFolder = m_facts.runFolder.toLatin1();
-    std::vector<bool> m_isFolderKnown; ///< of each name
-    QSet<QByteArray> m_known;
-    std::vector<Need> m_needs;
-};
-
-/// The files and folders that the active lines of the "_init" file make, by full names.
-class InitFile
-{
-public:
-    explicit InitFile(const SeriesFacts& facts)
-    {
-        if (facts.initFile < 0)
-            return;
-        NameExpander names(facts, thisMachine());
-        LineFact line;
-        line.file = facts.initFile;
-        for (auto it = facts.init.cbegin(); it != facts.init.cend(); ++it) {
-            const QString path = names.resolve(line, it.key());
-            if (!m_entries.contains(path) || it->isActive)
-                m_entries.insert(path, *it);
-            if (it->isActive)
-                addFolders(path);
-        }
-    }
-
-    /// The line that names a file, or null.
-    const InitEntry* entryOf(const QString& path) const
-    {
-        const auto found = m_entries.constFind(path);
-        return found == m_entries.cend() ? nullptr : &*found;
-    }
-
-    /// True if a line makes a file in the folder or below it.
-    bool makesFolder(const QString& folder) const { return m_folders.contains(folder); }
-
-    const QHash<QString, InitEntry>& entries() const { return m_entries; }
-
-private:
-    void addFolders(const QString& path)
-    {
-        for (QString folder = folderOf(path); !folder.isEmpty() && !m_folders.contains(folder);
-             folder = folderOf(folder.chopped(1)))
-            m_folders.insert(folder);
-    }
-
-    QHash<QString, InitEntry> m_entries;
-    QSet<QString> m_folders;
-};
 
 /// A need that nothing meets.
 struct Lack
@@ -213,7 +45,7 @@ public:
         , m_environment(environment)
         , m_findings(findings)
         , m_needs(facts, uses)
-        , m_init(facts)
+        , m_init(facts, uses)
     {
         for (const Need& need : m_needs.all())
             compare(need);
@@ -235,7 +67,7 @@ private:
     const std::string& advice()
     {
         if (m_advice.empty())
-            m_advice = adviceToRenewInit(m_facts);
+            m_advice = adviceToRenewInit(m_facts, m_uses);
         return m_advice;
     }
 
@@ -257,6 +89,8 @@ void InitComparison::compare(const Need& need)
     if (dependsOnMachine(path) || isForeignPath(need.line->path(need.which)))
         return;
     const InitEntry* entry = m_init.entryOf(path);
+    if (need.isWritten)
+        return;
     if (!isMet(need))
         m_lacks.push_back({&need, entry});
     else if (entry != nullptr && entry->isActive && !need.file.isDummy &&
@@ -315,24 +149,21 @@ constexpr Rule initOutdated = {
     "init-outdated",
     Severity::Warning,
     "series",
-    "A source or a folder that a task needs does not exist, and the _init file does not make it, "
-    "or "
-    "makes the source in another size.",
+    "A folder that a task needs does not exist, and the _init file does not make it, or it makes a "
+    "source in another size than the task has.",
     "run dpc init --write, or load and save the series",
     series({"mytest.dpc",
-            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/new.dat;  "
-            "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
-           {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 102400;1;0;  MEMORY;  "
-                               "[cfgPath]/old.dat;  ;  ;  true;\n"
-                               "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
+            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out/[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
+           {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
                                "[cfgPath]/dummyFile;  ;  ;  true;\n"}),
     series({"mytest.dpc",
-            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/new.dat;  "
-            "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
-           {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 102400;1;0;  MEMORY;  "
-                               "[cfgPath]/new.dat;  ;  ;  true;\n"
+            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out/[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
+           {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
+                               "[cfgPath]/dummyFile;  ;  ;  true;\n"
                                "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
-                               "[cfgPath]/dummyFile;  ;  ;  true;\n"})};
+                               "[cfgPath]/out/dummyFile;  ;  ;  true;\n"})};
 
 constexpr Rule initNames = {
     "init-names",
@@ -386,15 +217,18 @@ void InitComparison::reportLack(const Lack& lack, const std::vector<std::string>
                            .about(names));
         return;
     }
+    // A source that nothing makes has a finding of its own.
+    if (!need.file.isDummy)
+        return;
     const std::string others =
-        names.size() > 1 ? fmt::format(" and {} more", names.size() - 1) : std::string();
+        names.size() > 1 ? fmt::format(", nor {} more", names.size() - 1) : std::string();
     const std::string reason =
         lack.entry != nullptr
             ? fmt::format("line {} of the _init file is commented out", lack.entry->line)
             : "the _init file does not make it";
     m_findings.add(
         initOutdated, *need.line, column,
-        Message(fmt::format("{}{} does not exist, and {}", named(lack), others, reason), advice())
+        Message(fmt::format("{} does not exist{}, and {}", named(lack), others, reason), advice())
             .about(names));
 }
 
@@ -482,22 +316,53 @@ constexpr Rule initUnneeded = {
                                "[cfgPath]/old.dat;  ;  ;  true;\n"}),
     series({"mytest.dpc", plainTask}, plainInit)};
 
-/// The uses of all tasks are looked at only if a line makes what no task needs.
+/// True if the files hold all that the series is meant to have. If not, the lines of the "_init"
+/// file may be for what lacks.
+bool isWhole(const SeriesFacts& facts)
+{
+    const bool isLoaded =
+        std::none_of(facts.lines.begin(), facts.lines.end(), [](const LineFact& line) {
+            return line.kind == LineFact::Kind::Rejected || line.splitEnd > 0;
+        });
+    int next = 0;
+    for (const FileFact& file : facts.files) {
+        if (!file.isRead() || file.isCopy)
+            continue;
+        if (!file.readable || file.number > next)
+            return false;
+        next = file.number + (file.markers > 0 ? 1 : 0);
+    }
+    const auto hasNumber = [&](const FileFact& file) {
+        return file.isRead() && file.number == next;
+    };
+    return isLoaded && std::any_of(facts.files.begin(), facts.files.end(), hasNumber);
+}
+
+/// The uses of all tasks are looked at only if a line makes what no task needs, and a save only if
+/// it is none of them: the save puts names there that are not used as they are, such as the folder
+/// of an empty field.
 void InitComparison::reportUnneeded()
 {
+    if (!isWhole(m_facts))
+        return;
     QSet<QString> needed;
     for (const Need& need : m_needs.all())
         needed.insert(need.file.resolved);
     std::optional<UsedPaths> used;
-    for (auto it = m_init.entries().cbegin(); it != m_init.entries().cend(); ++it) {
-        if (!it->isActive || needed.contains(it.key()))
+    std::optional<QSet<QString>> saved;
+    for (const InitTarget& made : m_init.files()) {
+        if (!made.entry.isActive || made.isOwn || needed.contains(made.path))
             continue;
         if (!used)
             used.emplace(m_facts, m_uses);
-        if (!used->contains(it.key()))
-            m_findings.add(initUnneeded, m_facts.initFile, it->line, 1,
+        if (used->contains(made.path))
+            continue;
+        if (!saved)
+            saved = namesAfterSave(m_facts);
+        if (!saved->contains(QString::fromLatin1(made.name)))
+            m_findings.add(initUnneeded, m_facts.initFile, made.entry.line, 1,
                            fmt::format("the line makes {}, which no task of the series uses",
-                                       quoted(it.key())));
+                                       quoted(made.path)));
     }
 }
 

@@ -3,6 +3,7 @@
 #include "check/taskfields.h"
 #include "check/text.h"
 
+#include <QCryptographicHash>
 #include <QHash>
 
 #include <fmt/format.h>
@@ -329,32 +330,27 @@ constexpr Rule sameTask = {
     oneFile(plainTask, 2),
     series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
 
-/// The work of a task, as text; empty if its names differ from those of the same line elsewhere.
-QByteArray contentOf(const LineFact& line)
+/// The work of a task, as text: its settings as they are loaded, and its files in each iteration,
+/// however they are spelled.
+QByteArray contentOf(const LineFact& line, int place, const FileUses& uses)
 {
-    QByteArray content = QByteArray::number(line.file);
-    for (int field = MethodField; field <= DoneField; ++field)
-        content += ';' + line.field(field);
-    const bool tellsTask = content.contains("[cfgTaskID]") || content.contains("[cfgline]");
-    return tellsTask ? QByteArray() : content;
-}
-
-void checkSameTasks(const SeriesFacts& facts, Findings& findings)
-{
-    QHash<QByteArray, int> firstLines;
-    for (const LineFact& line : facts.lines) {
-        const QByteArray content = isTask(line) ? contentOf(line) : QByteArray();
-        if (content.isEmpty())
-            continue;
-        const auto first = firstLines.constFind(content);
-        if (first == firstLines.cend())
-            firstLines.insert(content, line.line);
-        else
-            findings.add(sameTask, line, line.column + 1,
-                         fmt::format("the task is the same as in line {}: it runs again on the "
-                                     "same files",
-                                     *first));
+    const TaskSettings& task = line.used;
+    QByteArray content;
+    for (const int value :
+         {line.file, int(task.method), int(task.flush), int(task.preallocate), int(task.chunkWait),
+          int(task.chunkSize), int(task.sysBufferMode), int(task.fileSize), int(task.iterations),
+          int(task.cacheMode), int(task.writeDone)})
+        content += QByteArray::number(value) + ';';
+    for (const TaskPath role : {SourcePath, DestPath, LogPath, CsvPath}) {
+        for (int i = 0; i < uses.useCount(place, role); ++i) {
+            const FileUse& use = uses.use(place, role, i);
+            // On another machine it may be another file.
+            content += uses.nameOf(use).byHost ? 'h' : 'f';
+            content += QByteArray::number(uses.fileOf(use, 0));
+        }
+        content += ';';
     }
+    return QCryptographicHash::hash(content, QCryptographicHash::Sha1);
 }
 
 } // namespace
@@ -365,9 +361,27 @@ void checkLines(const SeriesFacts& facts, Findings& findings)
         for (const LineFact& line : *lines)
             checkLine(line, findings);
     }
-    checkSameTasks(facts, findings);
     for (size_t i = 0; i < facts.files.size(); ++i)
         checkFileSize(facts.files[i], int(i), findings);
+}
+
+void checkSameTasks(const SeriesFacts& facts, const FileUses& uses, Findings& findings)
+{
+    QHash<QByteArray, int> firstLines;
+    for (int i = 0; i < int(facts.lines.size()); ++i) {
+        const LineFact& line = facts.lines[size_t(i)];
+        if (!isTask(line))
+            continue;
+        const QByteArray content = contentOf(line, i, uses);
+        const auto first = firstLines.constFind(content);
+        if (first == firstLines.cend())
+            firstLines.insert(content, line.line);
+        else
+            findings.add(sameTask, line, line.column + 1,
+                         fmt::format("the task is the same as in line {}: it runs again on the "
+                                     "same files",
+                                     *first));
+    }
 }
 
 RuleList lineRules()

@@ -151,7 +151,8 @@ private:
 
 void checkMachines(const SeriesFacts& facts, const FileUses& uses, Findings& findings)
 {
-    if (uses.machines().size() < 2)
+    // An "_init" file runs on one machine.
+    if (uses.machines().size() < 2 || facts.isInit)
         return;
     SharedFileRule shared(facts, uses, findings);
     for (int line = 0; line < int(facts.lines.size()); ++line) {

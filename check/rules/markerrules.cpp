@@ -24,6 +24,15 @@ struct Link
 /// One more than a load reads: the file after the last one may be there as well.
 using Chain = std::array<Link, seriesFileCount + 1>;
 
+/// True if a line does not load that holds no field of a task: a marker may be meant.
+bool hasMistypedMarker(const SeriesFacts& facts, const FileFact& file)
+{
+    return std::any_of(facts.lines.begin() + file.firstEntry, facts.lines.begin() + file.endEntry,
+                       [](const LineFact& line) {
+                           return line.kind == LineFact::Kind::Rejected && !line.text.contains(';');
+                       });
+}
+
 Chain chainOf(const SeriesFacts& facts)
 {
     Chain chain;
@@ -34,7 +43,8 @@ Chain chainOf(const SeriesFacts& facts)
         Link& link = chain[size_t(file.number)];
         link.exists = true;
         // A file that can't be read may have one.
-        link.hasMarker = link.hasMarker || file.markers > 0 || !file.readable;
+        link.hasMarker =
+            link.hasMarker || file.markers > 0 || !file.readable || hasMistypedMarker(facts, file);
     }
     return chain;
 }
@@ -205,7 +215,7 @@ void checkLeftovers(const SeriesFacts& facts, const Chain& chain, Findings& find
         reached[n] = n == 0 || !chain[n - 1].exists || (reached[n - 1] && chain[n - 1].hasMarker);
     for (size_t i = 0; i < facts.files.size(); ++i) {
         const FileFact& file = facts.files[i];
-        if (file.isRead() && !file.isCopy && !reached[size_t(file.number)])
+        if (file.isRead() && file.readable && !file.isCopy && !reached[size_t(file.number)])
             findings.add(
                 leftover, int(i), 1, 1,
                 fmt::format(

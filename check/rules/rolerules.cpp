@@ -59,6 +59,9 @@ constexpr Rule doneName = {
         "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
 
+/// Begins the name of the file that tells that a machine is done; its name follows.
+constexpr const char* donePrefix = "done_";
+
 /// The roles of one file: how many uses each has, and the first.
 struct Roles
 {
@@ -79,8 +82,12 @@ public:
     {
         for (const FileUse& use : m_uses.uses())
             ++m_counts[size_t(use.name)][use.role];
+        for (const MachineName& machine : m_uses.machines())
+            m_doneNames.insert(donePrefix + machine.inPath);
         for (const UsedFile& file : m_uses.files())
             checkFile(file);
+        for (const InitUse& made : m_uses.init())
+            checkMade(made);
     }
 
 private:
@@ -154,16 +161,42 @@ private:
             if (roles.first[role] < 0)
                 continue;
             const FileUse& use = firstUse(roles, role);
+            const int place = use.line * taskPathCount + use.role;
+            if (m_saidOwn.contains(place))
+                continue;
+            m_saidOwn.insert(place);
             add(overwritesSeries, use,
                 fmt::format("{} is a file of the series itself, which the task overwrites",
                             quoted(QString::fromUtf8(file.path.key))));
         }
     }
 
+    /// The "_init" file is a part of the series, and may destroy another one.
+    void checkMade(const InitUse& made)
+    {
+        if (made.entry.isActive && m_uses.files()[size_t(made.file)].isOwn)
+            m_findings.add(overwritesSeries, m_facts.initFile, made.entry.line, 1,
+                           {fmt::format("the line makes {} anew, which is a file of the series "
+                                        "itself",
+                                        quoted(made.name)),
+                            "remove the line, and correct the name in the task that has it"});
+    }
+
+    /// True for the name of a done file on a machine of the series.
+    bool isDoneName(const UsedName& name) const
+    {
+        const int start = std::max(name.text.lastIndexOf('/'), name.text.lastIndexOf('\\')) + 1;
+        const QByteArray last = name.text.mid(start);
+        return last == donePrefix + QByteArray(hostVariable) ||
+               (m_uses.givenMachines() > 0 && m_doneNames.contains(last));
+    }
+
     void sayDone(const UsedFile& file, const Roles& roles)
     {
-        const UsedName& name = m_uses.names()[size_t(file.ways.empty() ? 0 : file.ways[0].name)];
-        if (file.ways.empty() || !name.text.endsWith("/done_[host]"))
+        const auto way = std::find_if(file.ways.begin(), file.ways.end(), [&](const FileWay& w) {
+            return isDoneName(m_uses.names()[size_t(w.name)]);
+        });
+        if (way == file.ways.end())
             return;
         for (const TaskPath role : {DestPath, LogPath, CsvPath}) {
             if (roles.first[role] < 0 || m_saidDone.contains(roles.first[role]))
@@ -172,7 +205,7 @@ private:
             add(doneName, firstUse(roles, role),
                 fmt::format("{} is named like the file by which a machine tells that it is done "
                             "with a config file",
-                            quoted(name.text)));
+                            quoted(m_uses.names()[size_t(way->name)].text)));
         }
     }
 
@@ -186,8 +219,10 @@ private:
     const FileUses& m_uses;
     Findings& m_findings;
     std::vector<std::array<int, taskPathCount>> m_counts{m_uses.names().size()}; ///< of each name
-    QSet<int> m_said;     ///< by line and role
-    QSet<int> m_saidDone; ///< uses
+    QSet<QByteArray> m_doneNames; ///< on the machines of the series
+    QSet<int> m_said;             ///< by line and role
+    QSet<int> m_saidOwn;          ///< by line and role
+    QSet<int> m_saidDone;         ///< uses
 };
 
 constexpr Rule namesMeet = {

@@ -114,40 +114,53 @@ public:
     /// One finding for each task is enough.
     void check(int line)
     {
+        std::vector<const FileUse*> missing;
         for (int i = 0; i < m_uses.useCount(line, SourcePath); ++i) {
-            if (!isGood(m_uses.use(line, SourcePath, i)))
-                return;
+            const FileUse& source = m_uses.use(line, SourcePath, i);
+            const KeyedPath& path = m_uses.file(source, 0).path;
+            // A folder in the place of the source has a finding of its own.
+            if (path.namesFolder || path.kind == PathStatus::Kind::Folder)
+                continue;
+            if (isOfMachine(source)) {
+                if (checkOfMachine(source))
+                    return;
+            } else if (originOf(source, 0) == Origin::Nobody) {
+                missing.push_back(&source);
+            }
         }
+        if (!missing.empty())
+            sayMissing(missing);
     }
 
 private:
-    bool isGood(const FileUse& source)
+    /// True for a name that is another one at each run or on each machine.
+    bool isOfMachine(const FileUse& source) const
     {
         const UsedName& name = m_uses.nameOf(source);
-        const KeyedPath& path = m_uses.file(source, 0).path;
-        // A folder in the place of the source has a finding of its own.
-        if (path.namesFolder || path.kind == PathStatus::Kind::Folder)
-            return true;
+        return name.byDate || name.byHost || name.byTemp;
+    }
+
+    /// True if something was said.
+    bool checkOfMachine(const FileUse& source)
+    {
+        const UsedName& name = m_uses.nameOf(source);
         if (name.byDate)
             return sayDated(source);
-        const bool isLocal = name.byHost || name.byTemp;
-        if (isLocal && m_uses.givenMachines() == 0)
-            return originOf(source, 0) == Origin::Task || sayLocal(source, {});
+        if (m_uses.givenMachines() == 0)
+            return originOf(source, 0) != Origin::Task && sayLocal(source, {});
         std::vector<int> lacking;
         for (int machine = 0; machine < int(m_uses.machines().size()); ++machine) {
             const Origin origin = originOf(source, machine);
             if (origin == Origin::Nobody || (origin == Origin::Unseen && name.byTemp))
                 lacking.push_back(machine);
-            if (!isLocal)
-                break;
         }
-        return lacking.empty() || (isLocal ? sayLocal(source, lacking) : sayMissing(source));
+        return !lacking.empty() && sayLocal(source, lacking);
     }
 
     Origin originOf(const FileUse& source, int machine) const
     {
         const UsedFile& file = m_uses.file(source, machine);
-        if (isWrittenBefore(file, source))
+        if (m_uses.isWrittenBefore(file, source))
             return Origin::Task;
         // The "_init" file runs on one machine, and makes nothing in the folders of the others.
         if (m_uses.nameOf(source).byTemp && !m_uses.isThisMachine())
@@ -158,20 +171,6 @@ private:
         return file.path.isSeen ? Origin::Nobody : Origin::Unseen;
     }
 
-    bool isWrittenBefore(const UsedFile& file, const FileUse& source) const
-    {
-        for (const FileWay& way : file.ways) {
-            const int first = m_uses.names()[size_t(way.name)].firstUse[DestPath];
-            if (first < 0)
-                continue;
-            const FileUse& write = m_uses.uses()[size_t(first)];
-            if (write.line < source.line ||
-                (write.line == source.line && write.iteration < source.iteration))
-                return true;
-        }
-        return false;
-    }
-
     bool sayDated(const FileUse& source)
     {
         const LineFact& line = lineOf(source);
@@ -179,7 +178,7 @@ private:
                        fmt::format("[date] gives the source {} another name every second: no "
                                    "existing file can match it",
                                    quoted(line.path(SourcePath))));
-        return false;
+        return true;
     }
 
     bool sayLocal(const FileUse& source, const std::vector<int>& lacking)
@@ -193,32 +192,40 @@ private:
                        fmt::format("{} is another file on each machine{}: the _init file makes it "
                                    "on one only",
                                    quoted(line.path(SourcePath)), which));
-        return false;
+        return true;
     }
 
-    bool sayMissing(const FileUse& source)
+    void sayMissing(const std::vector<const FileUse*>& sources)
     {
-        const LineFact& line = lineOf(source);
-        m_findings.add(sourceMissing, line, line.columnOf(SourcePath), messageOnMissing(source));
-        return false;
+        const LineFact& line = lineOf(*sources.front());
+        if (m_findings.isFull(sourceMissing, line.file)) {
+            m_findings.add(sourceMissing, line, line.columnOf(SourcePath), "");
+            return;
+        }
+        std::vector<std::string> names;
+        for (const FileUse* source : sources)
+            names.push_back(printable(QString::fromLatin1(m_uses.nameOf(*source).text)));
+        m_findings.add(sourceMissing, line, line.columnOf(SourcePath),
+                       messageOnMissing(*sources.front(), names.size()).about(std::move(names)));
     }
 
-    Message messageOnMissing(const FileUse& source)
+    Message messageOnMissing(const FileUse& source, size_t count)
     {
         const std::string missing =
-            fmt::format("the source {} does not exist, and ", quoted(m_uses.nameOf(source).text));
+            fmt::format("the source {} does not exist{}, and ", quoted(m_uses.nameOf(source).text),
+                        count > 1 ? fmt::format(", nor {} more", count - 1) : std::string());
         const UsedFile& file = m_uses.file(source, 0);
         if (file.init >= 0)
             return {fmt::format("{}line {} of the _init file is commented out", missing,
                                 m_uses.init()[size_t(file.init)].entry.line),
-                    adviceToRenewInit(m_facts)};
+                    advice()};
         const LineFact& line = lineOf(source);
         const QString nameless =
             m_expander.namelessInitName(line, line.path(SourcePath), source.iteration);
         if (m_facts.init.contains(nameless.toLatin1()))
             return {fmt::format("{}nothing makes it: the _init file makes {}", missing,
                                 quoted(nameless)),
-                    adviceToRenewInit(m_facts)};
+                    advice()};
         for (const FileWay& way : file.ways) {
             const int first = m_uses.names()[size_t(way.name)].firstUse[DestPath];
             if (first >= 0)
@@ -226,7 +233,16 @@ private:
                                     placeOf(m_facts, m_uses.uses()[size_t(first)].line)),
                         "change the order of the tasks, or correct the name"};
         }
-        return {missing + "nothing makes it", "correct the name, or " + adviceToRenewInit(m_facts)};
+        return {missing + "nothing makes it",
+                "correct the name; or, for the _init file to make it, " + advice()};
+    }
+
+    /// Found out once, and only if it is asked for.
+    const std::string& advice()
+    {
+        if (m_advice.empty())
+            m_advice = adviceToRenewInit(m_facts, m_uses);
+        return m_advice;
     }
 
     const LineFact& lineOf(const FileUse& use) const { return m_facts.lines[size_t(use.line)]; }
@@ -235,6 +251,7 @@ private:
     const FileUses& m_uses;
     Findings& m_findings;
     NameExpander m_expander;
+    std::string m_advice;
 };
 
 constexpr Rule sourceSize = {
@@ -271,17 +288,21 @@ public:
     void check(int line)
     {
         bool isSaid = false;
-        for (int i = 0; i < m_uses.useCount(line, SourcePath); ++i)
-            isSaid = checkSource(line, m_uses.fileOf(m_uses.use(line, SourcePath, i), 0), isSaid);
+        for (int i = 0; i < m_uses.useCount(line, SourcePath); ++i) {
+            const FileUse& use = m_uses.use(line, SourcePath, i);
+            if (!m_uses.nameOf(use).byDate)
+                isSaid = checkSource(line, m_uses.fileOf(use, 0), isSaid);
+        }
         for (int i = 0; i < m_uses.useCount(line, DestPath); ++i)
             m_isWritten[size_t(m_uses.fileOf(m_uses.use(line, DestPath, i), 0))] = true;
     }
 
 private:
+    /// Also if the line is still to be written: a save takes every source that does not exist.
     bool isMadeByInit(const UsedFile& file) const
     {
         if (file.init < 0)
-            return false;
+            return !file.exists() && file.path.isSeen && !file.path.namesFolder;
         const InitEntry& entry = m_uses.init()[size_t(file.init)].entry;
         return file.exists() ? file.isFile() && file.path.size == entry.size : entry.isActive;
     }

@@ -383,7 +383,7 @@ bool plantUnmadeSource(RandomSeries& series, Planted& planted)
         return false;
     lines.erase(line);
     put(series, "m_init.dpc", lines);
-    planted.wanted = {{at("source-missing", *task)}, {"init-outdated"}};
+    planted.wanted = {{at("source-missing", *task)}};
     return true;
 }
 
@@ -443,7 +443,7 @@ bool changeLastTask(RandomSeries& series, const QByteArray& from, const QByteArr
 
 bool plantMisspelledMethod(RandomSeries& series, Planted& planted)
 {
-    planted.alsoTrue = QStringList{"init-unneeded", "init-outdated", "empty-file"};
+    planted.alsoTrue = QStringList{"init-outdated"};
     return changeLastTask(series, "Stream", "Straem", "bad-line", planted);
 }
 
@@ -460,7 +460,7 @@ bool plantMissingLastFile(RandomSeries& series, Planted& planted)
         return false;
     QFile::remove(series.folder() + RandomSeries::fileName(series.files() - 1));
     planted.wanted = {{"last-marker"}};
-    planted.alsoTrue = QStringList{"init-unneeded", "init-outdated"};
+    planted.alsoTrue = QStringList{"init-outdated"};
     return true;
 }
 

@@ -221,6 +221,20 @@ private slots:
                  (QStringList{"_wait/a1.dpc:1:1 leftover", "_wait/a2.dpc:1:1 leftover"}));
     }
 
+    /// Who follows the advice to remove the file loses what the line was meant to be.
+    void mistypedLineIsNotAlsoAnotherMistake()
+    {
+        m_series->put("a1.dpc", goodLine());
+        for (const char* marker : {"[cfgPath]/a1.DPC\n", "[cfgPath]/a1.dcp\n"})
+            QCOMPARE(m_series->hits("leftover", goodLine() + marker), 0);
+        QCOMPARE(m_series->hits("leftover", goodLine() + "Posx;\n"), 1);
+        QCOMPARE(m_series->hits("empty-file", goodLine({{1, "Posx"}})), 0);
+        // A file that can't be read has a finding of its own.
+        QVERIFY(QFile::remove(m_series->root() + "a1.dpc"));
+        QVERIFY(QDir(m_series->root()).mkdir("a1.dpc"));
+        QCOMPARE(m_series->hits("leftover", goodLine()), 0);
+    }
+
     void fileWithoutTasks()
     {
         QCOMPARE(m_series->hits("empty-file", "# info\n\n"), 1);
@@ -275,11 +289,13 @@ private slots:
         const QByteArray init = test::contentOf(m_series->root() + "a_init.dpc");
         m_series->save(tasks);
         m_series->put("a_init.dpc", init);
-        QCOMPARE(m_series->said(rules),
-                 (QStringList{"_wait/a.dpc:3:55 init-outdated", "a_init.dpc:1:1 init-unneeded"}));
-        QCOMPARE(m_series->text("init-outdated"),
-                 QString("the source '[cfgPath]/other.dat' does not exist, and the _init file does "
-                         "not make it; run dpc init --write, or load and save the series again"));
+        // One finding is enough for a source that nothing makes.
+        QCOMPARE(m_series->said(),
+                 (QStringList{"_wait/a.dpc:3:55 source-missing", "a_init.dpc:1:1 init-unneeded"}));
+        QCOMPARE(m_series->text("source-missing"),
+                 QString("the source '[cfgPath]/other.dat' does not exist, and nothing makes it; "
+                         "correct the name; or, for the _init file to make it, run dpc init "
+                         "--write, or load and save the series again"));
         tasks = {reading("[cfgPath]/s.dat")};
         tasks[0].io.fileSize = 4096 * 1024;
         m_series->save(tasks);
@@ -297,10 +313,11 @@ private slots:
         m_series->put("a_init.dpc", "");
         const auto findings = m_series->findings();
         const auto lack = std::find_if(findings.begin(), findings.end(), [](const Finding& f) {
-            return f.rule == ruleNamed("init-outdated");
+            return f.rule == ruleNamed("source-missing");
         });
         QVERIFY(lack != findings.end());
-        QVERIFY(QString::fromStdString(lack->text).contains("'[cfgPath]/s_0.dat' and 2 more"));
+        QVERIFY(QString::fromStdString(lack->text)
+                    .startsWith("the source '[cfgPath]/s_0.dat' does not exist, nor 2 more, and "));
         QCOMPARE(lack->names, (std::vector<std::string>{"[cfgPath]/s_0.dat", "[cfgPath]/s_1.dat",
                                                         "[cfgPath]/s_2.dat"}));
     }
@@ -315,6 +332,44 @@ private slots:
             m_series->text("init-outdated").contains("line 1 of the _init file is commented out"));
         QVERIFY(QDir(m_series->root()).mkdir("out"));
         QCOMPARE(m_series->hits("init-outdated", line), 0);
+    }
+
+    /// A line that does not load may be the one that needs it, and so may a file that lacks.
+    void whatTheInitFileMakesForLinesThatDoNotLoadIsNotUnneeded()
+    {
+        const QByteArray read = goodLine({{10, "[cfgPath]/s.dat"}, {11, "MEMORY"}});
+        m_series->put("a_init.dpc", lineTo("[cfgPath]/s.dat").toLatin1());
+        m_series->put("a.dpc", goodLine());
+        QCOMPARE(m_series->said({"init-unneeded"}), QStringList{"a_init.dpc:1:1 init-unneeded"});
+        for (const QByteArray& lines :
+             {QByteArray(read).replace("Posix", "Posx"), goodLine() + "[cfgPath]/a1.dpc\n"})
+            QCOMPARE(m_series->hits("init-unneeded", goodLine() + lines), 0);
+    }
+
+    /// The editor puts them there: the folder of an empty field, a path of another system.
+    void whatASaveWritesIntoTheInitFileIsNotUnneeded()
+    {
+        for (const char* log : {"", "x.txt", "D:\\log\\x.txt"}) {
+            TestTask task = reading("[cfgPath]/s.dat");
+            task.logPath = path(log);
+            m_series->save({task});
+            TaskList tasks;
+            loadSeries({m_series->root(), "a"}, tasks, silent());
+            m_series->save(tasks);
+            QCOMPARE(m_series->said({"init-unneeded"}), QStringList());
+        }
+    }
+
+    /// A save takes a source for missing that lies beside the config files in "_wait".
+    void saveIsNotAdvisedWhereASourceWouldBeMadeAnew()
+    {
+        m_series->put("_wait/a.dpc",
+                      goodLine({{10, "[cfgPath]/s.dat"}, {11, "[cfgPath]/new/x.dat"}}));
+        m_series->put("a_init.dpc", "");
+        QVERIFY(m_series->text("init-outdated").endsWith("load and save the series again"));
+        m_series->setExisting(m_series->root() + "s.dat", 77);
+        QVERIFY(m_series->text("init-outdated").contains("into the _init file by hand"));
+        QVERIFY(m_series->text("init-outdated").contains("'[cfgPath]/s.dat' anew"));
     }
 
     /// A load and a save lose a line that does not load, so nobody is told to do that.

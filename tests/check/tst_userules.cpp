@@ -123,6 +123,12 @@ private slots:
             writing("[cfgPath]/out"));
         row("destination ends in a backslash", "file-is-folder", writing("C:\\out\\"),
             writing("C:\\out"));
+        row("destination ends in a dot", "file-is-folder", writing("[cfgPath]/out/."),
+            writing("[cfgPath]/out/.x"));
+        row("destination ends in two dots", "file-is-folder", writing("[cfgPath]/out/x/.."),
+            writing("[cfgPath]/out..") + writing("[cfgPath]/x"));
+        row("destination is a drive", "file-is-folder", writing("d:"), writing("d:x"));
+        row("destination is a server", "file-is-folder", writing("\\\\nas"), writing("\\\\nas\\x"));
         row("destination is the folder", "file-is-folder", writing("[cfgPath]"),
             writing("[cfgPath]out"));
         row("destination is a folder that exists", "file-is-folder", writing("[cfgPath]/_wait"),
@@ -136,6 +142,13 @@ private slots:
         row("file that is a folder of another task", "folder-is-file",
             writing("[cfgPath]/o") + writing("[cfgPath]/o/x"),
             writing("[cfgPath]/o") + writing("[cfgPath]/ox"), making("[cfgPath]/o/dummyFile", 0));
+        row("folder that is a config file", "folder-is-file", writing("[cfgPath]/a1.dpc/x"),
+            writing("[cfgPath]/a1.dpx/x"), making("[cfgPath]/a1.dpx/dummyFile", 0));
+        row("folder that the _init file makes as a file", "folder-is-file",
+            writing("[cfgPath]/o/x"), writing("[cfgPath]/ox/x"),
+            making("[cfgPath]/o") + making("[cfgPath]/ox/dummyFile", 0));
+        row("named like a done file", "done-name", writing("[cfgPath]\\done_[host]"),
+            writing("[cfgPath]\\done_[host].dat"));
         row("date that is written and then read", "source-date",
             writing("[cfgPath]/[date].dat") + reading("[cfgPath]/[date].dat"),
             writing("[cfgPath]/d.dat") + reading("[cfgPath]/d.dat"));
@@ -165,6 +178,22 @@ private slots:
         m_series->put("a.dpc", good);
         QCOMPARE(m_series->hits(rule, good), 0);
         QCOMPARE(errorsAndWarnings(), QStringList());
+    }
+
+    /// Nothing has to be made before.
+    void filesThatTasksWriteThemselvesNeedNoInitFile()
+    {
+        for (const QByteArray& lines :
+             {writing("[cfgPath]/x") + reading("[cfgPath]/x", 2048),
+              writing("[cfgPath]/x[iter]", 1024, 3) + reading("[cfgPath]/x2"),
+              writing("[cfgPath]/x") + task("[cfgPath]/x", "[cfgPath]/y") +
+                  reading("[cfgPath]/y")}) {
+            m_series->put("a.dpc", lines);
+            QCOMPARE(m_series->said(), QStringList());
+            m_series->put("a_init.dpc", dummy);
+            QCOMPARE(m_series->said(), QStringList());
+            QVERIFY(QFile::remove(m_series->root() + "a_init.dpc"));
+        }
     }
 
     void naturalSeriesAreClean_data()
@@ -276,6 +305,66 @@ private slots:
         m_series->setExisting(m_series->root() + "testfile_a-0.dat", 777);
         m_series->put("a_init.dpc", "# " + making("[cfgPath]/testfile_a-0.dat") + dummy);
         QCOMPARE(errorsAndWarnings(), QStringList());
+    }
+
+    /// With the source itself, which a save would put into the "_init" file.
+    void sizesOfASourceThatNothingMakesYet()
+    {
+        const QByteArray two = reading("[cfgPath]/s.dat") + reading("[cfgPath]/s.dat", 2048);
+        QCOMPARE(m_series->hits("source-size", two), 1);
+        QCOMPARE(m_series->hits("source-size", writing("[cfgPath]/s.dat") + two), 0);
+        m_series->setExisting(m_series->root() + "s.dat", 777);
+        QCOMPARE(m_series->hits("source-size", two), 0);
+    }
+
+    void initFileThatMakesAFileOfTheSeries()
+    {
+        m_series->put("a.dpc", writing("[cfgPath]/x_[host]"));
+        m_series->put("a_init.dpc", making("[cfgPath]/a1.dpc") + dummy);
+        QCOMPARE(m_series->said(), QStringList{"a_init.dpc:1:1 overwrites-series"});
+        m_series->put("a_init.dpc", "# " + making("[cfgPath]/a1.dpc") + dummy);
+        QCOMPARE(m_series->said(), QStringList());
+    }
+
+    void filesOfTheSeriesInAllIterationsAreOneFinding()
+    {
+        QCOMPARE(m_series->hits("overwrites-series", writing("[cfgPath]/a[iter].dpc", 1024, 3)), 1);
+    }
+
+    /// It runs on one machine.
+    void initFileByItselfIsNotSharedByMachines()
+    {
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+        m_series->put("a_init.dpc", making("[cfgPath]/s.dat") + dummy);
+        QCOMPARE(m_series->said({}, "a_init.dpc"), QStringList());
+    }
+
+    void doneFileOfAMachine()
+    {
+        const QByteArray line = writing("[cfgPath]/done_pc2");
+        QCOMPARE(m_series->hits("done-name", line), 0);
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+        QCOMPARE(m_series->hits("done-name", line), 1);
+        QCOMPARE(m_series->hits("done-name", writing("[cfgPath]/done_pc3")), 0);
+    }
+
+    void tasksAreTheSameIfTheirFilesAre()
+    {
+        const auto twice = [](const QByteArray& one, const QByteArray& other) {
+            return writing(one, 1024, 2) + writing(other, 1024, 2);
+        };
+        const QByteArray plain = "[cfgPath]/x_[host]";
+        QCOMPARE(m_series->hits("same-task", twice(plain, plain)), 1);
+        QCOMPARE(m_series->hits("same-task", twice(plain, "[cfgPath]/e/../x_[host]")), 1);
+        QCOMPARE(m_series->hits("same-task", twice("[cfgPath]/[cfgTaskID]", "[cfgPath]/0")), 1);
+        QCOMPARE(m_series->hits("same-task", twice("[cfgPath]/[cfgTaskID]", "[cfgPath]/[cfgline]")),
+                 0);
+        QCOMPARE(m_series->hits("same-task", twice(plain, "[cfgPath]/x_[host][iter]")), 0);
+        const QByteArray line = writing(plain);
+        QCOMPARE(m_series->hits("same-task", line + QByteArray(line).replace("true", "false")), 0);
+        // On another machine it is another file.
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+        QCOMPARE(m_series->hits("same-task", twice(plain, "[cfgPath]/x_pc1")), 0);
     }
 
     void initFileThatMakesAFileAnew()

@@ -146,6 +146,20 @@ private slots:
         QCOMPARE(item["text"].toString(), QString("1 Windows path"));
     }
 
+    void jsonCountsTheFindingsThatAreNotListed()
+    {
+        m_series->put("a.dpc", goodLine({{1, "Posx"}}).repeated(maxFindingsPerRule + 3));
+        const QJsonArray findings =
+            parsed(run("check --format=json " + m_series->root() + "a.dpc").out)["findings"]
+                .toArray();
+        QJsonArray more;
+        for (const auto& finding : findings) {
+            if (finding.toObject().contains("more"))
+                more.append(finding.toObject()["more"]);
+        }
+        QCOMPARE(more, QJsonArray{3});
+    }
+
     void annotationsEscapeWhatEndsTheirParts()
     {
         QVERIFY(QDir(m_series->root()).mkdir("a:b,c%"));

@@ -72,6 +72,20 @@ private slots:
         QCOMPARE(test::entriesOf(m_series->root() + "_wait"), QStringList{"a.dpc"});
     }
 
+    /// It is empty, and only there to have its folder made.
+    void aDummyFileThatIsThereIsNotDestroyed()
+    {
+        m_series->put("a.dpc", goodLine({{10, "[cfgPath]/s"}, {11, "[cfgPath]/out/x"}}));
+        QVERIFY(QFile::rename(m_series->root() + "a.dpc", m_series->root() + "_wait/a.dpc"));
+        m_series->put("out/dummyFile", "");
+        QCOMPARE(run("init --write").code, 0);
+        m_series->put("out/dummyFile", "notes");
+        const DpcRun::Result result = run("init --write");
+        QCOMPARE(result.code, 1);
+        QVERIFY2(result.err.contains("dummyFile' anew, which is there already, with 5 bytes"),
+                 result.err);
+    }
+
     void refusesASeriesWithALineThatDoesNotLoad()
     {
         m_series->put("a.dpc", goodLine() + goodLine({{1, "WinApi"}}) + goodLine({{1, "Posx"}}));

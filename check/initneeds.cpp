@@ -1,0 +1,160 @@
+#include "check/initneeds.h"
+
+#include "model/tasklinereader.h"
+#include "shared/kvpath.h"
+#include "shared/kvtext.h"
+
+#include <algorithm>
+
+namespace {
+
+QString folderOf(const QString& path)
+{
+    return kvGetDirName(path, '/');
+}
+
+QString resolved(const QByteArray& path)
+{
+    _kvString8_allSize<maxPath> text;
+    text.add(path.constData(), path.size());
+    return kvToQString(kvPathResolve(text));
+}
+
+TestTask withPath(const TestTask& all, TaskPath which)
+{
+    TestTask task = all;
+    if (which != SourcePath)
+        task.sourcePath.clear();
+    if (which != DestPath)
+        task.destPath.clear();
+    if (which != LogPath)
+        task.logPath.clear();
+    if (which != CsvPath)
+        task.csvPath.clear();
+    return task;
+}
+
+} // namespace
+
+Needs::Needs(const SeriesFacts& facts, const FileUses& uses)
+    : m_facts(facts)
+    , m_uses(uses)
+    , m_names(facts, noMachine())
+    , m_isFolderKnown(uses.names().size(), false)
+{
+    for (const FileUse& use : uses.uses())
+        addUse(use);
+}
+
+QString Needs::namelessText(const Need& need)
+{
+    TestTask task = withPath(m_names.record(*need.line), need.which);
+    const QStringList names = textsOf(task, need.line->taskNumber);
+    task.configPath.clear();
+    const QStringList nameless = textsOf(task, need.line->taskNumber);
+    const int place = names.indexOf(need.file.text);
+    const bool differs = place >= 0 && place < nameless.size() && nameless[place] != names[place];
+    return differs ? nameless[place] : QString();
+}
+
+QStringList Needs::textsOf(const TestTask& task, int taskNumber) const
+{
+    FileToCreateList list;
+    collectFilesOfTask(list, task, taskNumber, m_noMachine);
+    QStringList texts;
+    for (const FileToCreate& file : list.files())
+        texts += file.text;
+    return texts;
+}
+
+void Needs::addUse(const FileUse& use)
+{
+    const LineFact& line = m_facts.lines[size_t(use.line)];
+    if (use.role == SourcePath) {
+        add(use, m_uses.nameOf(use).text, line.used.fileSize, false);
+        return;
+    }
+    const bool isElsewhere =
+        use.role == DestPath && !line.path(DestPath).startsWith(configPathVariable);
+    if (isElsewhere || m_isFolderKnown[size_t(use.name)])
+        return;
+    m_isFolderKnown[size_t(use.name)] = true;
+    add(use, folderName(line, use), 1, true);
+}
+
+/// The file that has the folder of a path made.
+QByteArray Needs::folderName(const LineFact& line, const FileUse& use)
+{
+    const UsedName& name = m_uses.nameOf(use);
+    if (!name.mustExpandAnew)
+        return name.text.left(name.text.lastIndexOf('/') + 1) + "dummyFile";
+    const QByteArray path = line.path(use.role);
+    const QByteArray dummy = path.left(path.lastIndexOf('/') + 1) + "dummyFile";
+    return m_names.initName(line, dummy, use.iteration).toLatin1();
+}
+
+void Needs::add(const FileUse& use, const QByteArray& text, qint64 size, bool isDummy)
+{
+    if (m_known.contains(text))
+        return;
+    m_known.insert(text);
+    QByteArray path = text;
+    path.replace("[cfgPath]/", m_runFolder).replace(configPathVariable, m_runFolder);
+    const bool isResolved = !path.contains("//") && !path.contains("/.");
+    m_needs.push_back({&m_facts.lines[size_t(use.line)],
+                       use.role,
+                       {QString::fromLatin1(text),
+                        isResolved ? QString::fromLatin1(path) : resolved(path), size, isDummy},
+                       !isDummy && m_uses.isWrittenBefore(m_uses.file(use, 0), use)});
+}
+
+InitFile::InitFile(const SeriesFacts& facts, const FileUses& uses)
+{
+    if (facts.initFile < 0)
+        return;
+    NameExpander names(facts, thisMachine());
+    LineFact line;
+    line.file = facts.initFile;
+    for (const InitUse& made : uses.init()) {
+        const QString path = names.resolve(line, made.name);
+        m_files.push_back({path, made.name, made.entry, uses.files()[size_t(made.file)].isOwn});
+        if (!m_entries.contains(path) || made.entry.isActive)
+            m_entries.insert(path, made.entry);
+        if (made.entry.isActive)
+            addFolders(path);
+    }
+}
+
+const InitEntry* InitFile::entryOf(const QString& path) const
+{
+    const auto found = m_entries.constFind(path);
+    return found == m_entries.cend() ? nullptr : &*found;
+}
+
+void InitFile::addFolders(const QString& path)
+{
+    for (QString folder = folderOf(path); !folder.isEmpty() && !m_folders.contains(folder);
+         folder = folderOf(folder.chopped(1)))
+        m_folders.insert(folder);
+}
+
+QSet<QString> namesAfterSave(const SeriesFacts& facts)
+{
+    FileToCreateList list;
+    const MachineValues machine = thisMachine();
+    for (const LineFact& line : facts.lines) {
+        TestTask task;
+        _kvString<maxLine> text;
+        text.addSignExtended(line.text.constData(), line.text.size());
+        const FileFact& file = facts.fileOf(line);
+        if (!isTask(line) || !readTaskLine(task, text, kvToString8<maxPath>(file.path)))
+            continue;
+        task.configId = file.number;
+        task.iterations = std::min(task.iterations, facts.iterationLimit);
+        collectFilesOfTask(list, task, line.taskNumber, machine);
+    }
+    QSet<QString> names;
+    for (const FileToCreate& file : list.files())
+        names.insert(file.text);
+    return names;
+}
