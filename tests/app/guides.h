@@ -60,6 +60,23 @@ inline QVector<GuidePart> guideParts(const QString& markdown)
     return parts;
 }
 
+/// True for a picture of a report, which shows nothing of the window.
+inline bool isOfReport(const GuidePart& picture)
+{
+    return picture.name.endsWith("-report");
+}
+
+/// The dpc commands in a script, without their comments.
+inline QStringList dpcCommands(const GuidePart& part)
+{
+    QStringList commands;
+    if (part.kind == GuidePart::Kind::Script)
+        for (const QString& line : part.value.split('\n'))
+            if (line.startsWith("dpc "))
+                commands += line.section(" #", 0, 0).trimmed();
+    return commands;
+}
+
 /// A section of a page, from its heading to the next one of the same level.
 struct GuideSection
 {

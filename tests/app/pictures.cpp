@@ -84,7 +84,7 @@ void takeGuide(const QString& guide, const QString& folder)
     for (const GuidePart& part : guideParts(guide)) {
         if (part.kind == GuidePart::Kind::Action)
             player.act(part);
-        else if (part.kind == GuidePart::Kind::Picture)
+        else if (part.kind == GuidePart::Kind::Picture && !isOfReport(part))
             save(player.picture(part.name), folder + part.name + ".png");
     }
 }

@@ -64,8 +64,9 @@ void composeDisk(Editor& editor)
 
 void composeFileServer(Editor& editor)
 {
-    editor.typeInfo("What is left for each of several machines? Each writes files of its own, then "
-                    "all read one file.");
+    editor.typeInfo(
+        "How much is left for each of several machines? Each writes files of its own, then "
+        "all read one file.");
     editor.type("editExcel", "[cfgPath]/[cfgName]/[host]-[cfgTaskID].csv");
     editor.enter("spinIterations", 3);
     addTasks(editor, Write, "[host]_[iter].dat", {1024});

@@ -47,7 +47,9 @@ private slots:
         GuidePlayer player(m_root);
         for (const GuidePart& part : guideParts(text)) {
             QVERIFY(makeFolder(part.value));
-            play(player, part);
+            // Runs of the guides are played with servers, and without the window, elsewhere.
+            if (part.kind != GuidePart::Kind::Script || !showsAllFiles)
+                play(player, part);
             if (QTest::currentTestFailed())
                 return;
         }
@@ -109,10 +111,12 @@ private:
         case GuidePart::Kind::Action:
             return player.act(part);
         case GuidePart::Kind::Picture:
-            QVERIFY(!player.picture(part.name).isNull());
+            QVERIFY(isOfReport(part) || !player.picture(part.name).isNull());
             return;
         case GuidePart::Kind::Listing:
             m_shown += part.name;
+            if (!part.name.endsWith(".dpc")) // which the reader makes
+                test::put(m_root + part.name, part.value.toLatin1());
             QCOMPARE(QString::fromLatin1(test::contentOf(m_root + part.name)).remove(m_root),
                      part.value);
             return;
@@ -120,9 +124,8 @@ private:
             compareOutput(part);
             return;
         case GuidePart::Kind::Script:
-            for (const QString& line : part.value.split('\n'))
-                if (line.startsWith("dpc "))
-                    runToItsEnd(line.section('#', 0, 0).trimmed());
+            for (const QString& command : dpcCommands(part))
+                runToItsEnd(command);
             return;
         }
     }

@@ -1,67 +1,79 @@
-#include "dpc/commandline.h"
-#include "tests/app/guides.h"
-#include "tests/engine/fioserver.h"
-#include "tests/engine/seriesrun.h"
+#include "tests/engine/pagerun.h"
 #include "tests/support/files.h"
-#include "tests/support/leaveout.h"
 #include "tests/support/ownmounts.h"
 
 #include <QDir>
 #include <QtTest>
 
-#include <memory>
-#include <sched.h>
-#include <sstream>
-#include <unistd.h>
-
-/// docs/running.md is played: its files are made, its commands run on fio, and what they print is
-/// what the page shows, but for the figures.
+/// Pages that show runs are played: their files are made and their commands run on fio. The page of
+/// running shows what dpc prints, but for the figures. The series of the guides are those that the
+/// window saves, as another test knows, with smaller files.
 class TestRunDocument : public QObject
 {
     Q_OBJECT
 
 private slots:
     void showsWhatDpcPrints();
+    void guideEndsWithARun_data();
+    void guideEndsWithARun();
+
+private:
+    static QString page(const char* name)
+    {
+        return test::contentOf(TWDP_SOURCE_DIR + QByteArray("/docs/") + name);
+    }
 };
 
 void TestRunDocument::showsWhatDpcPrints()
 {
     const QTemporaryDir folder;
-    const QString root = QFileInfo(folder.path()).canonicalFilePath();
-    // The page's folders, and those that stand for them here.
-    const auto placed = [&](QString text) {
-        return text.replace("/share/test", root + "/test").replace("/tmp/run", root + "/run");
-    };
-    const auto shown = [&](QString text) {
-        return text.replace(root + "/test", "/share/test").replace(root + "/run", "/tmp/run");
-    };
-    const QString page = test::contentOf(TWDP_SOURCE_DIR "/docs/running.md");
-    QDir().mkpath(root + "/test");
-    std::vector<std::unique_ptr<test::FioServer>> servers;
+    test::PageRun run(QFileInfo(folder.path()).canonicalFilePath());
     int commands = 0;
-    for (const GuidePart& part : guideParts(page)) {
-        if (part.kind == GuidePart::Kind::Listing) {
-            const QString path = placed(part.name);
-            QDir().mkpath(QFileInfo(path).path());
-            test::put(path, placed(part.value).toLatin1());
-        }
+    for (const GuidePart& part : guideParts(page("running.md"))) {
+        if (part.kind == GuidePart::Kind::Listing)
+            run.makeFile(part);
+        if (part.kind == GuidePart::Kind::Listing && part.name.endsWith("hosts.txt"))
+            run.startServers(part.value, run.placed("/share/test"));
         if (part.kind != GuidePart::Kind::Command)
             continue;
-        if (part.name.contains("hosts.txt")) {
-            for (const char* address : {"ip:127.0.0.11,8765", "ip:127.0.0.12,8765"})
-                servers.push_back(
-                    std::make_unique<test::FioServer>(address, root + "/test", "size=200m"));
-        }
-        std::vector<std::string> words;
-        for (const QString& word : placed(part.name).split(' ').mid(1))
-            words.push_back(word.toStdString());
-        std::ostringstream both;
-        runDpc(words, {both, both, false});
-        QCOMPARE(withoutFigures(shown(QString::fromStdString(both.str()))),
-                 withoutFigures(part.value));
+        const test::Printed printed = run.run(part.name);
+        QCOMPARE(withoutFigures(run.shown(printed.out)), withoutFigures(part.value));
         ++commands;
     }
     QCOMPARE(commands, 3);
+}
+
+void TestRunDocument::guideEndsWithARun_data()
+{
+    QTest::addColumn<QString>("text");
+    int guides = 0;
+    for (const GuideSection& section : guideSections(page("user-guide.md"))) {
+        if (guideParts(section.text).isEmpty())
+            continue;
+        QTest::newRow(qPrintable(section.title)) << section.text;
+        ++guides;
+    }
+    QCOMPARE(guides, 4);
+}
+
+void TestRunDocument::guideEndsWithARun()
+{
+    QFETCH(QString, text);
+    const QTemporaryDir folder;
+    test::PageRun run(QFileInfo(folder.path()).canonicalFilePath());
+    QVERIFY(QDir().mkpath(run.placed("/tmp/apart")));
+    const QVector<GuidePart> parts = guideParts(text);
+    for (const GuidePart& part : parts) {
+        if (part.kind == GuidePart::Kind::Listing)
+            run.makeFile(part, "2048");
+        if (part.kind == GuidePart::Kind::Listing && part.name.endsWith("hosts.txt"))
+            run.startServers(part.value, run.placed("/tmp/apart"));
+        for (const QString& command : dpcCommands(part)) {
+            const test::Printed printed = run.run(command);
+            QVERIFY2(printed.status == 0, (command.toUtf8() + '\n' + printed.out).constData());
+        }
+    }
+    QVERIFY(parts.last().name.endsWith("-report"));
 }
 
 int main(int count, char** arguments)
@@ -69,8 +81,7 @@ int main(int count, char** arguments)
     test::needFio();
     test::allowMounts();
     test::useOwnNetwork();
-    if (::unshare(CLONE_NEWUTS) != 0 || ::sethostname("pc07", 4) != 0)
-        test::leaveOut("can't give this machine another name; run this test as root");
+    test::useNameOfThePages();
     TestRunDocument tests;
     return QTest::qExec(&tests, count, arguments);
 }
