@@ -5,12 +5,12 @@
 #include "engine/calllog.h"
 #include "engine/lossrules.h"
 #include "engine/names.h"
+#include "model/methods.h"
 
 #include <fmt/format.h>
 
 namespace {
 
-// Fields of a task line, from 1.
 constexpr int kib = 1024;
 
 /// fio counts waits in 32 bits of microseconds.
@@ -26,9 +26,10 @@ enum CacheMode
     DropCaches = 3
 };
 
-bool isBuffered(IoMethod method)
+/// The method of a task; a line that is read has a known one.
+const MethodInfo& methodOf(const LineFact& line)
 {
-    return method == IoMethod::Stream || method == IoMethod::AnsiC;
+    return *methodInfo(line.used.method);
 }
 
 /// Judges the library's buffer between task and system, which fio does not have. With no buffer,
@@ -38,18 +39,20 @@ void judgeBuffer(const LineFact& line, const LossSink& lose)
     constexpr int streamBuffer = 8 * kib;
     const TaskSettings& used = line.used;
     const bool hasSetting = used.sysBufferMode >= 0;
-    if (hasSetting && (isBuffered(used.method) || used.sysBufferMode == 0)) {
+    const LibraryBuffer buffer = methodOf(line).libraryBuffer;
+    if (hasSetting && (buffer != LibraryBuffer::None || used.sysBufferMode == 0)) {
         lose(fioSystemBuffer, SysBufferField,
              "fio has no buffer between a task and the system: every chunk is one call, as with "
              "this setting");
         return;
     }
     const bool isWhole = used.chunkSize <= 0 || used.chunkSize >= used.fileSize;
-    if (used.method == IoMethod::AnsiC)
+    if (buffer == LibraryBuffer::CutsChunks)
         lose(fioBufferSizes, MethodField,
-             "the buffer of AnsiC cuts chunks into calls of other sizes; fio makes one call for "
-             "each chunk");
-    else if (used.method == IoMethod::Stream && !isWhole && used.chunkSize < streamBuffer)
+             fmt::format("the buffer of {} cuts chunks into calls of other sizes; fio makes one "
+                         "call for each chunk",
+                         methodOf(line).name));
+    else if (buffer == LibraryBuffer::JoinsSmallChunks && !isWhole && used.chunkSize < streamBuffer)
         lose(fioBufferSizes, ChunkSizeField,
              fmt::format("the buffer of a stream joins chunks of less than 8 KiB; fio makes one "
                          "call for each chunk of {} KiB",
@@ -141,7 +144,7 @@ bool isTooLong(const std::string& problem, const PlanJob& job)
 bool judgeSettings(const LineFact& line, const LossSink& lose)
 {
     const TaskSettings& used = line.used;
-    if (used.method == IoMethod::System) {
+    if (methodOf(line).copyChunks == CopyChunks::OwnWay) {
         lose(fioNoSendfile, MethodField,
              "fio has nothing like the system's own copying (sendfile, copy_file_range)");
         return false;

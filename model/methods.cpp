@@ -24,12 +24,13 @@ bool isWrittenOnly(std::string_view name)
 TaskRules rulesFor(IoMethod method, TestType type)
 {
     TaskRules rules;
-    // A system copy keeps its flush setting even if nothing is written.
-    rules.allowsFlush = type != TestType::Read || method == IoMethod::System;
+    rules.allowsFlush = type != TestType::Read;
     const MethodInfo* const info = methodInfo(method);
     if (info == nullptr)
         return rules;
     const bool isOwnWay = info->copyChunks == CopyChunks::OwnWay;
+    // A system copy keeps its flush setting even if nothing is written.
+    rules.allowsFlush = rules.allowsFlush || isOwnWay;
     rules.maxSystemBuffer = maxSystemBufferOf(*info);
     rules.hasOneSystemBuffer = info->systemBuffers[1].text == nullptr;
     rules.systemBufferNeedsChunks = info->has(BufferIsOfChunk);

@@ -1,15 +1,34 @@
 #pragma once
 
-#include "model/testtask.h"
+#include "shared/kvfileglobal.h"
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <limits>
 #include <string_view>
 
 // The properties of each I/O method. A method is one row of `ioMethods`; everything that reads,
 // writes, shows or checks a method asks this table.
+
+/// How the speed test reads and writes. Records may hold any other number as well.
+enum class IoMethod : std::int32_t
+{
+    Posix,
+    System,
+    Stream,
+    AnsiC,
+    WinApi
+};
+
+/// Never stored: it follows from which of the two paths means memory.
+enum class TestType
+{
+    Copy,
+    Write,
+    Read
+};
 
 /// A way in which a method can buffer a file.
 struct SystemBuffer
@@ -26,6 +45,14 @@ enum class CopyChunks
     OwnWay    ///< the system copies as it likes: the form starts without chunks, a record has some
 };
 
+/// The buffer of a library between a task and the system, unless a setting turns it off.
+enum class LibraryBuffer
+{
+    None,             ///< each chunk is one call of the system
+    JoinsSmallChunks, ///< smaller chunks than the buffer become one call
+    CutsChunks        ///< calls have the size of the buffer, whatever the chunks have
+};
+
 /// Abilities and restrictions of a method.
 enum MethodTrait : unsigned
 {
@@ -40,6 +67,7 @@ struct MethodInfo
 {
     const char* name; ///< in a line of a config file, and in the table
     CopyChunks copyChunks;
+    LibraryBuffer libraryBuffer;
     unsigned traits; ///< a sum of MethodTrait
     /// In the order of the form; what has no text is not a buffer.
     std::array<SystemBuffer, 4> systemBuffers;
@@ -52,16 +80,19 @@ struct MethodInfo
 constexpr MethodInfo ioMethods[] = {
     {"Posix",
      CopyChunks::Needed,
+     LibraryBuffer::None,
      IsRead | CanPreallocate,
      {{{"default", -1}, {"Linux only - use POSIX_FADV_SEQUENTIAL flag", 1}}}},
-    {"System", CopyChunks::OwnWay, IsRead | CopiesOnly, {{{"default", -1}}}},
+    {"System", CopyChunks::OwnWay, LibraryBuffer::None, IsRead | CopiesOnly, {{{"default", -1}}}},
     {"Stream",
      CopyChunks::Optional,
+     LibraryBuffer::JoinsSmallChunks,
      IsRead | BufferIsOfChunk,
      {{{"default", -1}, {"disable buffer", 0}, {"use same size as chunk size", 1}}}},
     // The second "default" is meant: people know the list with four entries.
     {"AnsiC",
      CopyChunks::Needed,
+     LibraryBuffer::CutsChunks,
      IsRead | BufferIsOfChunk,
      {{{"default", -1},
        {"default", -1},
@@ -69,6 +100,7 @@ constexpr MethodInfo ioMethods[] = {
        {"use same size as chunk size", 1}}}},
     {"WinApi",
      CopyChunks::Needed,
+     LibraryBuffer::None,
      CanPreallocate,
      {{{"default", -1},
        {"FILE_FLAG_WRITE_THROUGH", 0},

@@ -1,29 +1,12 @@
 #pragma once
 
 #include "model/limits.h"
+#include "model/methods.h"
 #include "shared/kvfileglobal.h"
 #include "shared/kvstring16.h"
 #include "shared/kvstring8.h"
 
 #include <cstdint>
-
-/// How the speed test reads and writes. Records may hold any other number as well.
-enum class IoMethod : std::int32_t
-{
-    Posix,
-    System,
-    Stream,
-    AnsiC,
-    WinApi
-};
-
-/// Never stored: it follows from which of the two paths means memory.
-enum class TestType
-{
-    Copy,
-    Write,
-    Read
-};
 
 /// Whole KiB of a byte count, rounded towards zero.
 constexpr std::int32_t kibFromBytes(std::int32_t bytes)
