@@ -43,12 +43,12 @@ void countPlainTable(int size)
     QTableWidget table(&window);
     window.setCentralWidget(&table);
     window.show();
-    table.setColumnCount(taskCellCount);
+    table.setColumnCount(int(taskColumns().size()));
     count("refresh QTableWidget " + QByteArray::number(size), [&] {
         table.setRowCount(size);
         for (int row = 0; row < size; ++row) {
             const QStringList cells = taskCells(task, 0);
-            for (int column = 0; column < taskCellCount; ++column)
+            for (int column = 0; column < int(taskColumns().size()); ++column)
                 table.setItem(row, column, new QTableWidgetItem(cells[column]));
         }
         table.resizeColumnsToContents();

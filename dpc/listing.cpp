@@ -4,6 +4,7 @@
 #include "check/taskfields.h"
 #include "check/text.h"
 #include "dpc/json.h"
+#include "dpc/table.h"
 #include "dpc/totals.h"
 #include "model/taskcells.h"
 #include "shared/kvtext.h"
@@ -16,16 +17,10 @@
 
 namespace {
 
-/// As the editor's table spells them.
-QStringList headers()
-{
-    QStringList titles;
-    for (const char* title : taskCellTitles)
-        titles += QString::fromLatin1(title);
-    return titles;
-}
-
-constexpr int sourceCell = 8;
+/// The paths of a task, in the order of TaskPath.
+constexpr const _kvString8_allSize<maxPath> TestTask::*taskPaths[] = {
+    &TestTask::sourcePath, &TestTask::destPath, &TestTask::logPath, &TestTask::csvPath};
+static_assert(std::size(taskPaths) == CsvPath + 1, "each path has its member");
 
 struct Row
 {
@@ -48,9 +43,22 @@ TestTask loaded(const SeriesFacts& facts, const LineFact& line)
 QStringList pathsOf(const TestTask& task)
 {
     QStringList paths;
-    for (const auto* path : {&task.sourcePath, &task.destPath, &task.logPath, &task.csvPath})
-        paths += kvToQString(*path);
+    for (const auto path : taskPaths)
+        paths += kvToQString(task.*path);
     return paths;
+}
+
+/// The cells of the editor's table, with these paths.
+QStringList cellsWith(const QStringList& paths, const TestTask& task, int configFile)
+{
+    QStringList cells = taskCells(task, configFile);
+    for (int column = 0; column < cells.size(); ++column) {
+        const auto* const path = std::find(std::begin(taskPaths), std::end(taskPaths),
+                                           taskColumns()[size_t(column)].path);
+        if (path != std::end(taskPaths))
+            cells[column] = paths[int(path - std::begin(taskPaths))];
+    }
+    return cells;
 }
 
 QStringList expandedPaths(NameExpander& names, const LineFact& line, int iteration)
@@ -76,8 +84,7 @@ std::vector<Row> rowsOf(const SeriesFacts& facts, const std::optional<Expansion>
         if (isTask(line)) {
             row.paths =
                 expansion ? expandedPaths(names, line, expansion->iteration) : pathsOf(task);
-            for (int i = 0; i < row.cells.size() - sourceCell; ++i)
-                row.cells[sourceCell + i] = row.paths[i];
+            row.cells = cellsWith(row.paths, task, configFile);
             if (expansion)
                 row.cells += row.paths[CsvPath];
         } else {
@@ -90,9 +97,21 @@ std::vector<Row> rowsOf(const SeriesFacts& facts, const std::optional<Expansion>
     return rows;
 }
 
-QStringList headersFor(const std::optional<Expansion>& expansion)
+/// The rows below titles that the editor's table has as well.
+Table tableOf(const std::vector<Row>& rows, const std::optional<Expansion>& expansion)
 {
-    return expansion ? headers() + QStringList{QStringLiteral("Csv")} : headers();
+    Table table;
+    for (const TaskColumn& column : taskColumns()) {
+        table.headers += QString::fromLatin1(column.title);
+        table.isNumber.push_back(column.isNumber);
+    }
+    if (expansion) {
+        table.headers += QStringLiteral("Csv");
+        table.isNumber.push_back(false);
+    }
+    for (const Row& row : rows)
+        table.rows.push_back(row.cells);
+    return table;
 }
 
 QString shown(const QString& cell)
@@ -100,43 +119,13 @@ QString shown(const QString& cell)
     return QString::fromStdString(printable(cell));
 }
 
-/// Numbers to the right, texts to the left, two blanks between the columns.
-std::string aligned(const std::vector<QStringList>& lines)
+std::string asText(const SeriesFacts& facts, Table table)
 {
-    std::vector<int> widths(size_t(lines.front().size()));
-    for (const QStringList& cells : lines) {
-        for (int i = 0; i < cells.size(); ++i)
-            widths[size_t(i)] = std::max(widths[size_t(i)], cells[i].size());
+    for (QStringList& row : table.rows) {
+        for (QString& cell : row)
+            cell = shown(cell);
     }
-    const auto isNumber = [](int column) {
-        return column == 0 || (column >= 3 && column < sourceCell);
-    };
-    std::string text;
-    for (const QStringList& cells : lines) {
-        QString line;
-        for (int i = 0; i < cells.size(); ++i) {
-            const int width = widths[size_t(i)];
-            line += (isNumber(i) ? cells[i].rightJustified(width) : cells[i].leftJustified(width)) +
-                    "  ";
-        }
-        while (line.endsWith(' '))
-            line.chop(1);
-        text += utf8(line) + '\n';
-    }
-    return text;
-}
-
-std::string asText(const SeriesFacts& facts, const std::vector<Row>& rows,
-                   const QStringList& header)
-{
-    std::vector<QStringList> lines{header};
-    for (const Row& row : rows) {
-        QStringList cells;
-        for (const QString& cell : row.cells)
-            cells += shown(cell);
-        lines.push_back(cells);
-    }
-    return aligned(lines) + '\n' + totalsAsText(totalsOf(facts));
+    return tableAsText(table) + '\n' + totalsAsText(totalsOf(facts));
 }
 
 /// True for a text that a spreadsheet would compute, and show as something else.
@@ -147,11 +136,11 @@ bool isFormula(const QString& cell)
     return !cell.isEmpty() && QStringLiteral("=+-@").contains(cell[0]) && !isNumber;
 }
 
-std::string asCsv(const std::vector<Row>& rows, const QStringList& header)
+std::string asCsv(const Table& table)
 {
-    std::string text = csvLine(header);
-    for (const Row& row : rows)
-        text += csvLine(row.cells);
+    std::string text = csvLine(table.headers);
+    for (const QStringList& row : table.rows)
+        text += csvLine(row);
     return text;
 }
 
@@ -226,11 +215,11 @@ std::string listSeries(const SeriesFacts& facts, ListFormat format,
     const std::vector<Row> rows = rowsOf(facts, expansion);
     switch (format) {
     case ListFormat::Csv:
-        return asCsv(rows, headersFor(expansion));
+        return asCsv(tableOf(rows, expansion));
     case ListFormat::Json:
         return asJson(facts, rows, remarks);
     case ListFormat::Text:
         break;
     }
-    return asText(facts, rows, headersFor(expansion));
+    return asText(facts, tableOf(rows, expansion));
 }

@@ -6,6 +6,7 @@
 
 #include <QStringList>
 
+#include <iterator>
 #include <optional>
 #include <string>
 
@@ -16,6 +17,10 @@ enum class ListFormat
     Csv,
     Json
 };
+
+/// The names of the formats, in the order of ListFormat.
+constexpr const char* listFormats[] = {"text", "csv", "json"};
+static_assert(std::size(listFormats) == int(ListFormat::Json) + 1, "each format has its name");
 
 /// Whose names are shown: with variables as they are, or as one machine sees them.
 struct Expansion

@@ -1,6 +1,7 @@
 #include "dpc/runtext.h"
 
 #include "check/text.h"
+#include "dpc/table.h"
 
 #include <QSet>
 
@@ -27,48 +28,25 @@ long long countOf(size_t items)
     return static_cast<long long>(items);
 }
 
-using Row = std::vector<std::string>;
-
-/// Columns with numbers stand on the right.
-std::string tableText(const std::vector<Row>& rows, const std::vector<bool>& isNumber)
-{
-    const auto width = [](const std::string& text) { return QString::fromStdString(text).size(); };
-    std::vector<int> widths(isNumber.size(), 0);
-    for (const Row& row : rows) {
-        for (size_t i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths[i], width(row[i]));
-    }
-    std::string text;
-    for (const Row& row : rows) {
-        std::string line;
-        for (size_t i = 0; i < row.size(); ++i) {
-            const std::string blanks(size_t(widths[i] - width(row[i])), ' ');
-            line += (i == 0 ? "" : "  ") + (isNumber[i] ? blanks + row[i] : row[i] + blanks);
-        }
-        line.erase(line.find_last_not_of(' ') + 1);
-        text += line + '\n';
-    }
-    return text;
-}
-
 std::string rateText(const std::optional<double>& rate)
 {
     return rate.has_value() ? fmt::format("{:.1f}", *rate / bytesPerMib) : std::string("-");
 }
 
-Row rowOf(const Plan& plan, const PlanJob& job, const JobResult& result)
+QStringList rowOf(const Plan& plan, const PlanJob& job, const JobResult& result)
 {
-    return {std::to_string(job.line),
-            jobKindName(job.kind),
-            std::to_string(job.iteration),
-            printable(plan.machines[size_t(job.machine)].name),
-            result.doneBytes.has_value() ? std::to_string(*result.doneBytes) : "-",
-            result.runtimeMs.has_value()
-                ? fmt::format("{:.3f}", double(*result.runtimeMs) / msPerSecond)
-                : "-",
-            rateText(result.rate()),
-            rateText(result.ioRate()),
-            result.isGood ? "" : result.reason};
+    QStringList cells;
+    for (const std::string& cell :
+         {std::to_string(job.line), std::string(jobKindName(job.kind)),
+          std::to_string(job.iteration), printable(plan.machines[size_t(job.machine)].name),
+          result.doneBytes.has_value() ? std::to_string(*result.doneBytes) : "-",
+          result.runtimeMs.has_value()
+              ? fmt::format("{:.3f}", double(*result.runtimeMs) / msPerSecond)
+              : "-",
+          rateText(result.rate()), rateText(result.ioRate()),
+          result.isGood ? std::string() : result.reason})
+        cells += QString::fromStdString(cell);
+    return cells;
 }
 
 /// Files that the run has written to, each once.
@@ -157,12 +135,14 @@ std::string resultsText(const RunResults& results)
             continue;
         text += fmt::format("{}stage {}: {}\n", text.empty() ? "" : "\n", stage,
                             printable(plan.stages[stage].configFile));
-        std::vector<Row> rows = {{"line", "task", "iteration", "machine", "bytes", "seconds",
-                                  "MiB/s", "MiB/s of the I/O", ""}};
+        Table table{{"line", "task", "iteration", "machine", "bytes", "seconds", "MiB/s",
+                     "MiB/s of the I/O", ""},
+                    {true, false, true, false, true, true, true, true, false},
+                    {}};
         const JobRange range = jobsOf(plan, stage);
         for (size_t i = range.begin; i < range.end; ++i)
-            rows.push_back(rowOf(plan, plan.jobs[i], results.jobs[i]));
-        text += tableText(rows, {true, false, true, false, true, true, true, true, false});
+            table.rows.push_back(rowOf(plan, plan.jobs[i], results.jobs[i]));
+        text += tableAsText(table);
     }
     return text;
 }

@@ -2,12 +2,13 @@
 #include "dpc/listing.h"
 #include "dpc/oneseries.h"
 
+#include <algorithm>
 #include <ostream>
 
 namespace {
 
-constexpr const char* formats[] = {"text", "csv", "json"};
-constexpr Option format{"--format", "FORMAT", ValueKind::Choice, "how to print the tasks", formats};
+constexpr Option format{"--format", "FORMAT", ValueKind::Choice, "how to print the tasks",
+                        listFormats};
 constexpr Option expand{"--expand", nullptr, ValueKind::Flag,
                         "resolve every path as one machine does"};
 constexpr Option host{"--host", "NAME", ValueKind::Machine, "the machine; default: this one", {},
@@ -49,8 +50,9 @@ std::optional<Expansion> expansionOf(const Arguments& arguments)
 
 ListFormat formatOf(const Arguments& arguments)
 {
-    const std::string typed = arguments.value(format);
-    return typed == "csv" ? ListFormat::Csv : typed == "json" ? ListFormat::Json : ListFormat::Text;
+    const auto* const name =
+        std::find(std::begin(listFormats), std::end(listFormats), arguments.value(format));
+    return static_cast<ListFormat>(name - std::begin(listFormats));
 }
 
 int run(const Arguments& arguments, const Output& output)

@@ -4,15 +4,22 @@
 
 #include <QStringList>
 
-#include <iterator>
+#include <vector>
 
-/// The titles of the columns, as the form spells them: "Type" stands above the method, and "Method"
-/// above the test type. Sizes are KiB.
-constexpr const char* taskCellTitles[] = {"Config File ID", "Type",       "Method",     "Size",
-                                          "Interations",    "Chunk Size", "Chunk Wait", "SysBuffer",
-                                          "Source",         "Dest",       "Log"};
+/// A column of the table of tasks.
+struct TaskColumn
+{
+    const char* title = nullptr; ///< as the form spells it
+    bool isNumber = false;       ///< stands on the right in a listing
+    /// The text of a task of the config file with this number; null for an unknown method.
+    QString (*cell)(const TestTask& task, int configFileNumber) = nullptr;
+    /// The path that the column shows; null if it does not show a path.
+    const _kvString8_allSize<maxPath> TestTask::*path = nullptr;
+};
 
-constexpr int taskCellCount = int(std::size(taskCellTitles));
+/// The columns in the order of the form. "Type" stands above the method, and "Method" above the
+/// test type. Sizes are KiB.
+const std::vector<TaskColumn>& taskColumns();
 
 /// The texts of one entry, which belongs to the config file with this number. A marker says "next
 /// file" in all but the first; the text of an unknown method is null.

@@ -1,3 +1,4 @@
+#include "model/taskcells.h"
 #include "tests/app/editor.h"
 #include "tests/support/tasks.h"
 
@@ -30,6 +31,18 @@ private slots:
                                              "[temp]/[cfgName]/testfile_[cfgName]-[cfgTaskID].dat",
                                              "[cfgPath]/[cfgName]/[host].txt"}));
         QCOMPARE(editor.table()->currentRow(), -1);
+    }
+
+    void titlesAreThoseOfTheListing()
+    {
+        Editor editor;
+        QStringList titles;
+        for (const TaskColumn& column : taskColumns())
+            titles += column.title;
+        QStringList headers;
+        for (int column = 0; column < editor.table()->columnCount(); ++column)
+            headers += editor.table()->horizontalHeaderItem(column)->text();
+        QCOMPARE(headers, titles);
     }
 
     void markersCloseConfigFiles()
