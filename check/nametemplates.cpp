@@ -16,9 +16,12 @@ bool holdsMark(const QByteArray& path)
 
 QByteArray withMarks(QByteArray path)
 {
-    return path.replace(iterVariable, QByteArray(1, iterationMark))
-        .replace(spellingOf(PathVariable::CfgLine), QByteArray(1, taskMark))
-        .replace(spellingOf(PathVariable::CfgTaskId), QByteArray(1, taskMark));
+    path.replace(iterVariable, QByteArray(1, iterationMark));
+    for (int i = 0; i < pathVariableCount; ++i) {
+        if (variationOf(static_cast<PathVariable>(i)) == VariesBy::Task)
+            path.replace(pathVariables[i], QByteArray(1, taskMark));
+    }
+    return path;
 }
 
 QByteArray filled(const QByteArray& text, int iteration, int taskNumber)

@@ -37,6 +37,42 @@ constexpr const char* spellingOf(PathVariable variable)
     return pathVariables[int(variable)];
 }
 
+/// The part of a run with which the value of a variable changes.
+enum class VariesBy
+{
+    Machine,
+    Moment,
+    Iteration,
+    Task,       ///< begins again in each config file
+    ConfigFile, ///< of a series
+    Series      ///< the same in all its files
+};
+
+/// The part of a run with which the value of a variable changes.
+constexpr VariesBy variationOf(PathVariable variable)
+{
+    switch (variable) {
+    case PathVariable::Host:
+    case PathVariable::Temp:
+        return VariesBy::Machine;
+    case PathVariable::Date:
+        return VariesBy::Moment;
+    case PathVariable::Iter:
+        return VariesBy::Iteration;
+    case PathVariable::CfgLine:
+    case PathVariable::CfgTaskId:
+        return VariesBy::Task;
+    case PathVariable::CfgId:
+    case PathVariable::CfgLogName:
+    case PathVariable::CfgNameId:
+        return VariesBy::ConfigFile;
+    case PathVariable::CfgName:
+    case PathVariable::CfgPath:
+        break;
+    }
+    return VariesBy::Series;
+}
+
 // Those that are particular to a machine, and where a series lies.
 constexpr const char* hostVariable = spellingOf(PathVariable::Host);
 constexpr const char* dateVariable = spellingOf(PathVariable::Date);

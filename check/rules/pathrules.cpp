@@ -137,8 +137,8 @@ public:
     }
 
 private:
-    /// The lengths of what the variables stand for, in the order in which they are replaced.
-    std::array<int, pathVariableCount> valueLengths(const LineFact& line) const
+    /// The length of the longest value of a variable.
+    int valueLength(PathVariable variable, const LineFact& line) const
     {
         constexpr int dateLength = 19;
         constexpr int logNameAdditions = 5; // "_" and "_log"
@@ -146,18 +146,30 @@ private:
         const int base =
             file.path.size() - file.path.lastIndexOf('/') - 1 - int(qstrlen(configFileExtension));
         const auto digits = [](int number) { return int(std::to_string(number).size()); };
-        const int task = digits(line.taskNumber);
-        return {m_hostLength,
-                dateLength,
-                digits(std::max(line.used.iterations - 1, 0)),
-                task,
-                task,
-                digits(file.number),
-                base + logNameAdditions,
-                base,
-                m_facts.name.baseName.size(),
-                m_facts.runFolder.size(),
-                m_tempLength};
+        switch (variable) {
+        case PathVariable::Host:
+            return m_hostLength;
+        case PathVariable::Date:
+            return dateLength;
+        case PathVariable::Iter:
+            return digits(std::max(line.used.iterations - 1, 0));
+        case PathVariable::CfgLine:
+        case PathVariable::CfgTaskId:
+            return digits(line.taskNumber);
+        case PathVariable::CfgId:
+            return digits(file.number);
+        case PathVariable::CfgLogName:
+            return base + logNameAdditions;
+        case PathVariable::CfgNameId:
+            return base;
+        case PathVariable::CfgName:
+            return m_facts.name.baseName.size();
+        case PathVariable::CfgPath:
+            return m_facts.runFolder.size();
+        case PathVariable::Temp:
+            break;
+        }
+        return m_tempLength;
     }
 
     /// A path that is too long for a moment only is cut as well.
@@ -170,10 +182,11 @@ private:
         if (length + path.count('[') * m_longestValue <= maxPath)
             return length;
         int longest = length;
-        const auto lengths = valueLengths(line);
-        for (size_t i = 0; i < lengths.size(); ++i) {
+        for (int i = 0; i < pathVariableCount; ++i) {
             const char* const variable = pathVariables[i];
-            length += path.count(variable) * (lengths[i] - int(qstrlen(variable)));
+            if (const int uses = path.count(variable); uses > 0)
+                length += uses * (valueLength(static_cast<PathVariable>(i), line) -
+                                  int(qstrlen(variable)));
             longest = std::max(longest, length);
         }
         return longest;

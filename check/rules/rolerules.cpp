@@ -288,14 +288,20 @@ private:
         if (path.contains(iterVariable) && otherPath.contains(iterVariable) &&
             one.iteration != other.iteration)
             return true;
-        const bool byTask = path.contains(spellingOf(PathVariable::CfgTaskId)) ||
-                            path.contains(spellingOf(PathVariable::CfgLine));
-        const bool byFile = path.contains(spellingOf(PathVariable::CfgId)) ||
-                            path.contains(spellingOf(PathVariable::CfgNameId)) ||
-                            path.contains(spellingOf(PathVariable::CfgLogName));
         return path == otherPath &&
-               ((byTask && oneLine.taskNumber != otherLine.taskNumber) ||
-                (byFile && m_facts.fileOf(oneLine).number != m_facts.fileOf(otherLine).number));
+               ((varies(path, VariesBy::Task) && oneLine.taskNumber != otherLine.taskNumber) ||
+                (varies(path, VariesBy::ConfigFile) &&
+                 m_facts.fileOf(oneLine).number != m_facts.fileOf(otherLine).number));
+    }
+
+    static bool varies(const QByteArray& path, VariesBy part)
+    {
+        for (int i = 0; i < pathVariableCount; ++i) {
+            if (variationOf(static_cast<PathVariable>(i)) == part &&
+                path.contains(pathVariables[i]))
+                return true;
+        }
+        return false;
     }
 
     void say(const FileUse& before, const FileUse& use)
