@@ -113,7 +113,7 @@ int writeFile(const SeriesFacts& facts, const ResavedFile& file, const Output& o
     const bool wasThere = QFileInfo(file.path).isFile() && contentOf(file.path) == file.content;
     if (!wasThere)
         writeToLogFile(kvToString8<maxFileName>(file.path),
-                       kvToString8<5000>(QString::fromLatin1(file.content)), true, false);
+                       kvToString8<maxConfigFile>(QString::fromLatin1(file.content)), true, false);
     if (contentOf(file.path) != file.content || !QFileInfo(file.path).isFile())
         return fail(output,
                     fmt::format("{} can't be written: {}", shown, whyNotWritten(file.path)));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "shared/kvfile.h"
+
 #include <cstdint>
 
 // How much the records, the lines and the files hold. Everything beyond is cut or left out without
@@ -11,12 +13,11 @@ constexpr int maxPath = 500;
 /// Characters of a line of a config file, without its line end.
 constexpr int maxLine = 1000;
 
-/// Characters of a config file that is written. The library's writeToLogFile() takes as many.
-constexpr int maxConfigFile = 5000;
+/// Characters of a config file that is written.
+constexpr int maxConfigFile = maxLogFileText;
 
-/// Characters of the full name of a file that is written. The library's writeToLogFile() takes as
-/// many.
-constexpr int maxFileName = 250;
+/// Characters of the full name of a file that is written.
+constexpr int maxFileName = maxLogFileName;
 
 /// Bytes of a config file that are read.
 constexpr std::int64_t maxFileRead = 64LL * 1024 * 1024;
@@ -36,6 +37,13 @@ constexpr std::int32_t maxFileSize = 1073741824;
 
 /// Bytes of a file that a record can be made for; the next normalisation lowers it to maxFileSize.
 constexpr std::int32_t maxTaskFile = 2147483600;
+
+// The largest values that the form can show, and its smallest file.
+constexpr int minFormFileKib = 1024;
+constexpr int maxFormChunkWait = 500; ///< ms
+constexpr int maxFormChunkKib = 10240;
+constexpr int maxFormIterations = 100;
+constexpr int maxFormCacheMode = 5;
 
 /// The system buffer mode that is read from a line.
 constexpr std::int32_t maxSysBufferModeRead = 5;

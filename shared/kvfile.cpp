@@ -33,7 +33,8 @@ _kvString8_allSize<500> kvGetTempDir()
     return kvToString8<500>(folder);
 }
 
-void writeToLogFile(const _kvString8_allSize<250>& file, _kvString8_allSize<5000> text, bool, bool)
+void writeToLogFile(const _kvString8_allSize<maxLogFileName>& file,
+                    _kvString8_allSize<maxLogFileText> text, bool, bool)
 {
     const QByteArray name = QFile::encodeName(kvToQString(file));
     if (name.isEmpty() || name.contains('\0'))

@@ -18,6 +18,10 @@ bool kvCreateFolder(const QString& folder, bool parents);
 /// folder, else /tmp.
 _kvString8_allSize<500> kvGetTempDir();
 
+/// Characters of the name and of the text that writeToLogFile() takes.
+constexpr int maxLogFileName = 250;
+constexpr int maxLogFileText = 5000;
+
 /// Replaces the content of a file, whole or not at all: a reader sees the old content or the new
 /// one, at every moment and also after a crash. Missing folders are made. Permissions, owner and
 /// group stay, as far as the user may set them. Links are followed if the kernel would follow them.
@@ -30,4 +34,5 @@ _kvString8_allSize<500> kvGetTempDir();
 /// then, except after a crash, and if the old file has vanished from a share meanwhile.
 /// Another name of the same file, a hard link, keeps the old content.
 /// The two flags belong to the interface; every caller passes true and false.
-void writeToLogFile(const _kvString8_allSize<250>& file, _kvString8_allSize<5000> text, bool, bool);
+void writeToLogFile(const _kvString8_allSize<maxLogFileName>& file,
+                    _kvString8_allSize<maxLogFileText> text, bool, bool);

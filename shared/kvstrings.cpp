@@ -1,3 +1,4 @@
+#include "shared/kvfile.h"
 #include "shared/kvstring16.h"
 #include "shared/kvstring8.h"
 
@@ -6,9 +7,9 @@
 template class _kvString8_allSize<15>;
 template class _kvString8_allSize<20>;
 template class _kvString8_allSize<50>;
-template class _kvString8_allSize<250>;
+template class _kvString8_allSize<maxLogFileName>;
 template class _kvString8_allSize<500>;
-template class _kvString8_allSize<5000>;
+template class _kvString8_allSize<maxLogFileText>;
 template class _kvString<500>;
 template class _kvString<1000>;
 

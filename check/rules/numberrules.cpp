@@ -30,12 +30,13 @@ std::array<Number, 6> numbersOf(const LineFact& line)
     const TaskSettings& w = line.written;
     const TaskSettings& u = line.used;
     return {
-        {{ChunkWaitField, " ms", 1, w.chunkWait, u.chunkWait, 0, 0, 500},
-         {ChunkSizeField, " KiB", 1024, w.chunkSize, u.chunkSize, 0, 0, 10240},
+        {{ChunkWaitField, " ms", 1, w.chunkWait, u.chunkWait, 0, 0, maxFormChunkWait},
+         {ChunkSizeField, " KiB", 1024, w.chunkSize, u.chunkSize, 0, 0, maxFormChunkKib},
          {SysBufferField, "", 1, w.sysBufferMode, u.sysBufferMode, -1, -1, maxSysBufferModeRead},
-         {FileSizeField, " KiB", 1024, w.fileSize, u.fileSize, 0, 1024, kibFromBytes(maxFileSize)},
-         {IterationsField, "", 1, w.iterations, u.iterations, 1, 1, 100},
-         {CacheModeField, "", 1, w.cacheMode, u.cacheMode, 0, 0, 5}}};
+         {FileSizeField, " KiB", 1024, w.fileSize, u.fileSize, 0, minFormFileKib,
+          kibFromBytes(maxFileSize)},
+         {IterationsField, "", 1, w.iterations, u.iterations, 1, 1, maxFormIterations},
+         {CacheModeField, "", 1, w.cacheMode, u.cacheMode, 0, 0, maxFormCacheMode}}};
 }
 
 std::string inUnits(const Number& number, std::int32_t value)
@@ -296,6 +297,7 @@ struct CacheModeInfo
 constexpr CacheModeInfo cacheModes[] = {
     {nullptr, false, nullptr}, {"Windows", true, nullptr},           {"Windows", true, nullptr},
     {"Linux", false, nullptr}, {"Linux", false, "Posix and System"}, {"macOS", false, "Posix"}};
+static_assert(std::size(cacheModes) == maxFormCacheMode + 1, "each cache mode has its row");
 
 void checkCacheMode(const LineFact& line, Findings& findings)
 {

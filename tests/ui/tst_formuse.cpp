@@ -1,3 +1,4 @@
+#include "model/limits.h"
 #include "ui_twdiskprobe.h"
 
 #include <QTest>
@@ -39,6 +40,7 @@ private slots:
     void addTaskToListStaysEnabled();
     void spinBoxesStayWithinTheirLimits_data();
     void spinBoxesStayWithinTheirLimits();
+    void cacheModesEndWithTheLargest();
     void spinBoxesStepAsListed();
     void tableCannotBeEditedInPlace();
     void tableSelectsWholeRowsOneAtATime();
@@ -106,10 +108,10 @@ void TestFormUse::spinBoxesStayWithinTheirLimits_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("minimum");
     QTest::addColumn<int>("maximum");
-    QTest::newRow("file size") << "spinFileSize" << 1024 << 1048576;
-    QTest::newRow("chunk size") << "spinChunkSize" << 1 << 10240;
-    QTest::newRow("chunk wait") << "spinChunkWait" << 0 << 500;
-    QTest::newRow("iterations") << "spinIterations" << 1 << 100;
+    QTest::newRow("file size") << "spinFileSize" << minFormFileKib << (maxFileSize >> 10);
+    QTest::newRow("chunk size") << "spinChunkSize" << 1 << maxFormChunkKib;
+    QTest::newRow("chunk wait") << "spinChunkWait" << 0 << maxFormChunkWait;
+    QTest::newRow("iterations") << "spinIterations" << 1 << maxFormIterations;
 }
 
 void TestFormUse::spinBoxesStayWithinTheirLimits()
@@ -126,6 +128,11 @@ void TestFormUse::spinBoxesStayWithinTheirLimits()
     QCOMPARE(spin->value(), maximum);
     spin->stepUp();
     QCOMPARE(spin->value(), maximum);
+}
+
+void TestFormUse::cacheModesEndWithTheLargest()
+{
+    QCOMPARE(m_form.comboCacheMode->count() - 1, maxFormCacheMode);
 }
 
 void TestFormUse::spinBoxesStepAsListed()
