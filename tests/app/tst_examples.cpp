@@ -212,7 +212,7 @@ private:
 
     std::string file(const QString& name) const { return (m_folder + '/' + name).toStdString(); }
 
-    /// How much room the test's own disk has is no matter of the examples.
+    /// The free space of the test's own disk is not a subject of the examples.
     static QString outputOf(std::vector<std::string> arguments)
     {
         if (arguments[0] == "check")

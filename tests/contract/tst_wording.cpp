@@ -17,11 +17,11 @@ struct Avoided
 };
 
 const Avoided everyAvoided[] = {
-    {"a sentence that begins with 'what'",
-     "(^|[.:\"|] )\\s*((//[/!]?|#+|\\*|\"\"\"|-|[|]) *)?What\\b",
+    {"a statement that begins with 'what'",
+     "(^|[.:\"|] )\\s*((//[/!]?|#+|\\*|\"\"\"|-|[|]) *)?What\\b(?![^.:]*[?])",
      "/// What"
      " a call printed.",
-     "// Prints what a call printed. Somewhat long."},
+     "// Prints what a call printed. Somewhat long. What is asked? A question."},
     {"'is' before 'no'", "(?<!\")\\b([Ii]s|[Aa]re|[Ww]as|[Ww]ere) no\\b",
      "there is"
      " no stage 3",
