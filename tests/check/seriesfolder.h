@@ -3,6 +3,7 @@
 #include "check/checker.h"
 #include "check/findings.h"
 #include "check/rules/catalogue.h"
+#include "configset/seriesloader.h"
 #include "configset/seriessaver.h"
 #include "shared/kvtext.h"
 #include "tests/support/files.h"
@@ -12,6 +13,24 @@
 #include <QSet>
 #include <QTemporaryDir>
 #include <QtTest>
+
+/// A Read task whose log and .csv file differ on each machine.
+inline TestTask readingTask(const char* source)
+{
+    TestTask task;
+    task.setDefaults();
+    task.sourcePath = path(source);
+    task.destPath.clear();
+    task.logPath = path("[cfgPath]/[host].txt");
+    task.csvPath = path("[cfgPath]/[host]-[cfgID].csv");
+    return task;
+}
+
+/// For a load whose comments and warnings a test does not look at.
+inline LoadListener silentListener()
+{
+    return {[] { return false; }, [](const QString&) {}, [](const QString&, const QString&) {}};
+}
 
 /// A folder in which a test lays out a series, and what dpc says of it. Nothing outside the folder
 /// exists for the rules but what the test names, so that results are the same on every machine.

@@ -1,4 +1,3 @@
-#include "configset/seriesloader.h"
 #include "model/pathvariables.h"
 #include "tests/check/seriesfolder.h"
 #include "tests/support/childprocess.h"
@@ -14,7 +13,7 @@ private slots:
 
     void savedSeriesIsClean()
     {
-        m_series->save({reading("[cfgPath]/s.dat"), marker(), reading("[cfgPath]/s.dat")});
+        m_series->save({readingTask("[cfgPath]/s.dat"), marker(), readingTask("[cfgPath]/s.dat")});
         QCOMPARE(m_series->said(), QStringList());
         // Opened inside "_wait", its _init file is beside that folder.
         QCOMPARE(m_series->said({}, "_wait/a1.dpc"), QStringList());
@@ -37,7 +36,7 @@ private slots:
 
         // Loading and saving it again mends it, as the findings say.
         TaskList tasks;
-        loadSeries({m_series->root(), "a"}, tasks, silent());
+        loadSeries({m_series->root(), "a"}, tasks, silentListener());
         m_series->save(tasks);
         QCOMPARE(m_series->said(), QStringList{"_wait/a.dpc:3:102 dest-folder-local"});
     }
@@ -69,7 +68,7 @@ private slots:
         m_series->options().hosts = QStringList{"pc1", "pc2"};
         m_series->save(tasks);
         tasks.clear();
-        loadSeries({m_series->root(), "a"}, tasks, silent());
+        loadSeries({m_series->root(), "a"}, tasks, silentListener());
         QCOMPARE(tasks.size(), 7 * 6 + 6);
         m_series->save(tasks);
         QCOMPARE(m_series->said(), QStringList());
@@ -133,7 +132,7 @@ private slots:
     /// A start copies the file out of "_wait".
     void copyOfAStartedFileIsANoteAndNotCheckedTwice()
     {
-        m_series->save({reading("[cfgPath]/s.dat"), marker(), reading("[cfgPath]/s.dat")});
+        m_series->save({readingTask("[cfgPath]/s.dat"), marker(), readingTask("[cfgPath]/s.dat")});
         m_series->put("a.dpc", test::contentOf(m_series->root() + "_wait/a.dpc"));
         QCOMPARE(m_series->said(), QStringList{"_wait/a.dpc:1:1 both-folders"});
         QCOMPARE(m_series->severity("both-folders"), Severity::Note);
@@ -143,80 +142,13 @@ private slots:
         QCOMPARE(m_series->said({"bad-line"}), QStringList{"a.dpc:1:1 bad-line"});
     }
 
-    void markerThatNamesAnotherFile()
-    {
-        m_series->put("a1.dpc", goodLine());
-        for (const char* good : {"[cfgPath]/a1.dpc", "[cfgPath]/_wait/a1.dpc", "a1.dpc"})
-            QCOMPARE(m_series->hits("marker-target", goodLine() + good + "\n"), 0);
-        for (const char* bad : {"[cfgPath]/a2.dpc", "[cfgPath]/b1.dpc", "[cfgPath]/a.dpc"}) {
-            QCOMPARE(m_series->hits("marker-target", goodLine() + "  " + bad + "\n"), 1);
-            QCOMPARE(m_series->said({"marker-target"}), QStringList{"a.dpc:2:3 marker-target"});
-        }
-    }
-
-    void markerOfASeriesThatWasMoved()
-    {
-        m_series->put("a1.dpc", goodLine());
-        QCOMPARE(m_series->hits("marker-folder", goodLine() + "/old/_wait/a1.dpc\n"), 1);
-        QCOMPARE(m_series->hits("marker-folder",
-                                goodLine() + m_series->root().toLatin1() + "_wait/a1.dpc\n"),
-                 0);
-    }
-
     /// Two folders that do not exist are not the same one.
-    void markerFolderThatDoesNotExist()
-    {
-        QVERIFY(QDir(m_series->root()).rmdir("_wait"));
-        m_series->put("a1.dpc", goodLine());
-        QCOMPARE(m_series->hits("marker-folder", goodLine() + "/none/_wait/a1.dpc\n"), 1);
-        QCOMPARE(m_series->hits("marker-folder", goodLine() + "[cfgPath]/_wait/a1.dpc\n"), 0);
-    }
-
-    void markerToAFolderUnderAnotherName()
-    {
-        QVERIFY(QFile::link(m_series->root(), m_series->root() + "link"));
-        m_series->put("a1.dpc", goodLine());
-        QCOMPARE(m_series->hits("marker-folder",
-                                goodLine() + m_series->root().toLatin1() + "link/a1.dpc\n"),
-                 0);
-    }
-
-    void markerOfAnotherSystemIsNotJudged()
-    {
-        m_series->put("a1.dpc", goodLine());
-        for (const char* path : {"//nas/test/_wait/a1.dpc", "\\\\nas\\test\\a1.dpc", "S:\\a1.dpc"})
-            QCOMPARE(m_series->hits("marker-folder", goodLine() + path + "\n"), 0);
-        QCOMPARE(m_series->hits("marker-target", goodLine() + "S:\\a2.dpc\n"), 1);
-    }
-
-    void markerToAFileThatIsElsewhere()
-    {
-        const QString other = m_series->root() + "other/a1.dpc";
-        m_series->put("other/a1.dpc", goodLine());
-        QCOMPARE(m_series->hits("marker-folder", goodLine() + other.toLatin1() + '\n'), 1);
-        QCOMPARE(m_series->said({"last-marker"}), QStringList());
-    }
-
-    void markerAtTheVeryEnd()
-    {
-        QCOMPARE(m_series->hits("last-marker", goodLine() + "[cfgPath]/a1.dpc\n"), 1);
-        m_series->put("a1.dpc", goodLine());
-        QCOMPARE(m_series->hits("last-marker", goodLine() + "[cfgPath]/a1.dpc\n"), 0);
-    }
-
-    void linesAfterAMarker()
-    {
-        m_series->put("a1.dpc", goodLine());
-        QCOMPARE(m_series->hits("after-marker", goodLine() + "[cfgPath]/a1.dpc\n# end\n\n"), 0);
-        QCOMPARE(m_series->hits("after-marker", "[cfgPath]/a1.dpc\n" + goodLine() + goodLine()), 1);
-        QCOMPARE(m_series->said({"after-marker"}), QStringList{"a.dpc:2:1 after-marker"});
-    }
-
     void filesOfAnOlderLongerSeries()
     {
-        m_series->save({reading("/s"), marker(), reading("/s"), marker(), reading("/s")});
+        m_series->save(
+            {readingTask("/s"), marker(), readingTask("/s"), marker(), readingTask("/s")});
         QCOMPARE(m_series->said({"leftover"}), QStringList());
-        m_series->save({reading("/s")});
+        m_series->save({readingTask("/s")});
         QCOMPARE(m_series->said({"leftover"}),
                  (QStringList{"_wait/a1.dpc:1:1 leftover", "_wait/a2.dpc:1:1 leftover"}));
     }
@@ -241,176 +173,6 @@ private slots:
         QCOMPARE(m_series->hits("empty-file", ""), 1);
         QCOMPARE(m_series->hits("empty-file", goodLine()), 0);
         QCOMPARE(m_series->hits("empty-file", "[cfgPath]/a1.dpc\n"), 0);
-    }
-
-    void initFileIsMissing()
-    {
-        m_series->put("a.dpc", goodLine());
-        QCOMPARE(m_series->said({"init-missing"}), QStringList{"a.dpc:1:55 init-missing"});
-        QVERIFY(m_series->text("init-missing").contains("the folder '/d/' does not exist"));
-        m_series->put("a_init.dpc", "");
-        QCOMPARE(m_series->said({"init-missing"}), QStringList());
-        // Nothing needed, nothing missing.
-        QVERIFY(QFile::remove(m_series->root() + "a_init.dpc"));
-        QCOMPARE(m_series->hits("init-missing", goodLine({{12, ""}, {13, ""}})), 0);
-    }
-
-    void whatIsThereNeedsNoInitFile()
-    {
-        const QByteArray line =
-            goodLine({{10, "/d/s"}, {12, "[cfgPath]/l.txt"}, {13, "[cfgPath]/c.csv"}});
-        QCOMPARE(m_series->hits("init-missing", line), 1);
-        m_series->setExisting("/d/s");
-        QCOMPARE(m_series->hits("init-missing", line), 0);
-        m_series->put("a_init.dpc", "");
-        QCOMPARE(m_series->hits("init-outdated", line), 0);
-    }
-
-    void initFileNamesAreComparedAsFiles()
-    {
-        const QByteArray root = m_series->root().toLatin1();
-        m_series->put("a_init.dpc",
-                      lineTo(root + "s.dat").toLatin1() + lineTo("[cfgPath]/out/x").toLatin1());
-        const QByteArray line = goodLine({{10, "[cfgPath]/s.dat"},
-                                          {11, "[cfgPath]/out/[host]"},
-                                          {12, "[cfgPath]/l"},
-                                          {13, "[cfgPath]/c"}});
-        m_series->put("a.dpc", line);
-        QCOMPARE(m_series->said({"init-outdated", "init-unneeded"}), QStringList());
-    }
-
-    void initFileIsOutdated()
-    {
-        const QSet<QString> rules{"init-outdated", "init-unneeded"};
-        m_series->save({reading("[cfgPath]/s.dat")});
-        QCOMPARE(m_series->said(rules), QStringList());
-        // Lacks a name, makes one for nobody, makes one in another size.
-        TaskList tasks{reading("[cfgPath]/other.dat")};
-        const QByteArray init = test::contentOf(m_series->root() + "a_init.dpc");
-        m_series->save(tasks);
-        m_series->put("a_init.dpc", init);
-        // One finding is enough for a source that nothing makes.
-        QCOMPARE(m_series->said(),
-                 (QStringList{"_wait/a.dpc:3:55 source-missing", "a_init.dpc:1:1 init-unneeded"}));
-        QCOMPARE(m_series->text("source-missing"),
-                 QString("the source '[cfgPath]/other.dat' does not exist, and nothing makes it; "
-                         "correct the name; or, for the _init file to make it, run dpc init "
-                         "--write, or load and save the series again"));
-        tasks = {reading("[cfgPath]/s.dat")};
-        tasks[0].io.fileSize = 4096 * 1024;
-        m_series->save(tasks);
-        m_series->put("a_init.dpc", init);
-        QVERIFY(m_series->text("init-outdated")
-                    .startsWith("line 1 of the _init file makes '[cfgPath]/s.dat' with 102400 KiB, "
-                                "but the task has 4096 KiB"));
-    }
-
-    void allNamesThatTheInitFileLacksAreTold()
-    {
-        TestTask task = reading("[cfgPath]/s_[iter].dat");
-        task.iterations = 3;
-        m_series->save({task});
-        m_series->put("a_init.dpc", "");
-        const auto findings = m_series->findings();
-        const auto lack = std::find_if(findings.begin(), findings.end(), [](const Finding& f) {
-            return f.rule == ruleNamed("source-missing");
-        });
-        QVERIFY(lack != findings.end());
-        QVERIFY(QString::fromStdString(lack->text)
-                    .startsWith("the source '[cfgPath]/s_0.dat' does not exist, nor 2 more, and "));
-        QCOMPARE(lack->names, (std::vector<std::string>{"[cfgPath]/s_0.dat", "[cfgPath]/s_1.dat",
-                                                        "[cfgPath]/s_2.dat"}));
-    }
-
-    void commentedLineMakesNothing()
-    {
-        m_series->put("a_init.dpc", "# " + lineTo("[cfgPath]/out/dummyFile").toLatin1());
-        const QByteArray line =
-            goodLine({{11, "[cfgPath]/out/x"}, {12, "[cfgPath]/l"}, {13, "[cfgPath]/c"}});
-        QCOMPARE(m_series->hits("init-outdated", line), 1);
-        QVERIFY(
-            m_series->text("init-outdated").contains("line 1 of the _init file is commented out"));
-        QVERIFY(QDir(m_series->root()).mkdir("out"));
-        QCOMPARE(m_series->hits("init-outdated", line), 0);
-    }
-
-    /// A line that does not load may be the one that needs it, and so may a file that lacks.
-    void whatTheInitFileMakesForLinesThatDoNotLoadIsNotUnneeded()
-    {
-        const QByteArray read = goodLine({{10, "[cfgPath]/s.dat"}, {11, "MEMORY"}});
-        m_series->put("a_init.dpc", lineTo("[cfgPath]/s.dat").toLatin1());
-        m_series->put("a.dpc", goodLine());
-        QCOMPARE(m_series->said({"init-unneeded"}), QStringList{"a_init.dpc:1:1 init-unneeded"});
-        for (const QByteArray& lines :
-             {QByteArray(read).replace("Posix", "Posx"), goodLine() + "[cfgPath]/a1.dpc\n"})
-            QCOMPARE(m_series->hits("init-unneeded", goodLine() + lines), 0);
-    }
-
-    /// The editor puts them there: the folder of an empty field, a path of another system.
-    void whatASaveWritesIntoTheInitFileIsNotUnneeded()
-    {
-        for (const char* log : {"", "x.txt", "D:\\log\\x.txt"}) {
-            TestTask task = reading("[cfgPath]/s.dat");
-            task.logPath = path(log);
-            m_series->save({task});
-            TaskList tasks;
-            loadSeries({m_series->root(), "a"}, tasks, silent());
-            m_series->save(tasks);
-            QCOMPARE(m_series->said({"init-unneeded"}), QStringList());
-        }
-    }
-
-    /// A save takes a source for missing that lies beside the config files in "_wait".
-    void saveIsNotAdvisedWhereASourceWouldBeMadeAnew()
-    {
-        m_series->put("_wait/a.dpc",
-                      goodLine({{10, "[cfgPath]/s.dat"}, {11, "[cfgPath]/new/x.dat"}}));
-        m_series->put("a_init.dpc", "");
-        QVERIFY(m_series->text("init-outdated").endsWith("load and save the series again"));
-        m_series->setExisting(m_series->root() + "s.dat", 77);
-        QVERIFY(m_series->text("init-outdated").contains("into the _init file by hand"));
-        QVERIFY(m_series->text("init-outdated").contains("'[cfgPath]/s.dat' anew"));
-    }
-
-    /// A load and a save lose a line that does not load, so nobody is told to do that.
-    void saveIsNotAdvisedWhereALineWouldBeLost_data()
-    {
-        QTest::addColumn<QByteArray>("line");
-        QTest::addColumn<QString>("reason");
-        QTest::newRow("mistyped") << goodLine({{1, "Posx"}}) << "a.dpc:2 does not load";
-        QTest::newRow("winapi") << goodLine({{1, "WinApi"}}) << "a.dpc:2 does not load";
-        QTest::newRow("semicolon")
-            << goodLine({{11, "/d/a;b"}}) << "a.dpc:2 is cut when it is loaded";
-        QTest::newRow("long path")
-            << goodLine({{11, '/' + QByteArray(600, 'x')}}) << "a.dpc:2 is cut when it is loaded";
-        QTest::newRow("long file") << goodLine().repeated(60) << "a.dpc would be cut at 5000";
-    }
-
-    void saveIsNotAdvisedWhereALineWouldBeLost()
-    {
-        QFETCH(QByteArray, line);
-        QFETCH(QString, reason);
-        m_series->put("a_init.dpc", "");
-        m_series->put("a.dpc", goodLine() + line);
-        for (const Finding& finding : m_series->findings())
-            QVERIFY2(finding.text.find("load and save") == std::string::npos, finding.text.c_str());
-        QVERIFY2(m_series->text("init-outdated").contains(reason),
-                 qPrintable(m_series->text("init-outdated")));
-        m_series->put("a.dpc", goodLine());
-        QVERIFY(m_series->text("init-outdated").contains("load and save the series again"));
-    }
-
-    void namesOfOtherMachinesAreNotCompared()
-    {
-        TestTask task = reading("[cfgPath]/s.dat");
-        task.logPath = path("[cfgPath]/[host]/log.txt");
-        m_series->save({task});
-        const QString init = m_series->root() + "a_init.dpc";
-        const QByteArray content = test::contentOf(init);
-        const QByteArray here = kvToQString(getComputerName()).toLatin1();
-        QVERIFY(content.contains(here));
-        test::put(init, QByteArray(content).replace(here, "elsewhere"));
-        QCOMPARE(m_series->said({"init-outdated", "init-unneeded"}), QStringList());
     }
 
     void fileThatCannotBeRead()
@@ -493,31 +255,6 @@ private slots:
                                    }),
                      1);
         }
-    }
-
-    void initFileIsJudgedLikeAnyOther()
-    {
-        m_series->put("a.dpc", goodLine());
-        m_series->put("a_init.dpc", "Strem;x\n" + goodLine({{11, "[CfgPath]/x"}, {12, ""}}));
-        const QStringList said =
-            m_series->said({"bad-line", "unknown-variable", "empty-log", "beyond-form"});
-        QCOMPARE(said,
-                 (QStringList{"a_init.dpc:1:1 bad-line", "a_init.dpc:2:46 unknown-variable"}));
-        QVERIFY(QFile::remove(m_series->root() + "a_init.dpc"));
-        QVERIFY(QDir(m_series->root()).mkdir("a_init.dpc"));
-        QCOMPARE(m_series->said({"unreadable", "init-missing"}),
-                 QStringList{"a_init.dpc:1:1 unreadable"});
-    }
-
-    void initFileInWaitIsNotThatOfTheSeries()
-    {
-        m_series->save({reading("[cfgPath]/s.dat")});
-        QVERIFY(
-            QFile::rename(m_series->root() + "a_init.dpc", m_series->root() + "_wait/a_init.dpc"));
-        for (const char* chosen : {"a.dpc", "_wait/a.dpc", ""})
-            QCOMPARE(
-                m_series->said({"init-missing", "init-place"}, chosen),
-                (QStringList{"_wait/a.dpc:3:55 init-missing", "_wait/a_init.dpc:1:1 init-place"}));
     }
 
     void manyFindingsOfARuleAreCounted()
@@ -603,17 +340,6 @@ private slots:
     }
 
 private:
-    static TestTask reading(const char* source)
-    {
-        TestTask task;
-        task.setDefaults();
-        task.sourcePath = path(source);
-        task.destPath.clear();
-        task.logPath = path("[cfgPath]/[host].txt");
-        task.csvPath = path("[cfgPath]/[host]-[cfgID].csv");
-        return task;
-    }
-
     static TestTask taskOfForm(IoMethod method, TestType type, int buffer, int chunkKib, bool isSet)
     {
         TestTask task;
@@ -632,11 +358,6 @@ private:
         task.logPath = path("[cfgPath]/[host].txt");
         task.csvPath = path("[cfgPath]/[cfgName]_[cfgID]_[host].csv");
         return task;
-    }
-
-    static LoadListener silent()
-    {
-        return {[] { return false; }, [](const QString&) {}, [](const QString&, const QString&) {}};
     }
 
     QScopedPointer<SeriesFolder> m_series;

@@ -44,6 +44,27 @@ struct Line
     }
 };
 
+inline Line writing(const QByteArray& destination)
+{
+    Line line;
+    line.destination = destination;
+    return line;
+}
+
+inline Line reading(const QByteArray& source)
+{
+    Line line;
+    line.source = source;
+    return line;
+}
+
+inline Line copying(const QByteArray& source, const QByteArray& destination)
+{
+    Line line = reading(source);
+    line.destination = destination;
+    return line;
+}
+
 /// A series in a folder of its own, with what it plans to do with fio.
 class PlannedSeries
 {

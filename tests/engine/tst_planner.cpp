@@ -1,8 +1,6 @@
-#include "engine/guards.h"
-#include "engine/jobfile.h"
 #include "tests/engine/plannedseries.h"
 
-/// Which jobs a series makes, of which files, and how they are asked for and written down.
+/// The jobs that a series makes, and the files that they use.
 class TestPlanner : public QObject
 {
     Q_OBJECT
@@ -30,37 +28,9 @@ private slots:
     void tempOfAnotherMachineMustBeKnown();
     void nothingToDoIsAProblem();
     void foreignLettersAreAProblem();
-    void roomIsAskedForByFolder();
-    void guardsAreFew();
-    void planComesBackFromItsFile();
-    void changedPlansAreRefused();
-    void exportComesBack();
-    void changedExportsAreRefused();
-    void exportTouchesNothingThatIsThere();
 };
 
 namespace {
-
-Line writing(const QByteArray& destination)
-{
-    Line line;
-    line.destination = destination;
-    return line;
-}
-
-Line reading(const QByteArray& source)
-{
-    Line line;
-    line.source = source;
-    return line;
-}
-
-Line copying(const QByteArray& source, const QByteArray& destination)
-{
-    Line line = reading(source);
-    line.destination = destination;
-    return line;
-}
 
 /// "0 pc1 write s0-l1-i0 65536" of each job.
 QStringList jobsOf(const Plan& plan)
@@ -428,164 +398,6 @@ void TestPlanner::foreignLettersAreAProblem()
     QVERIFY(QDir(series.root()).mkdir(folder));
     series.put(folder + "mytest.dpc", writing("/d/a.dat").text());
     QCOMPARE(series.plan(folder + "mytest.dpc").problems.size(), size_t(1));
-}
-
-void TestPlanner::roomIsAskedForByFolder()
-{
-    PlannedSeries series;
-    const Plan plan = series
-                          .planOf(writing("/d/x/a.dat").text() + writing("/d/x/b.dat").text() +
-                                  writing("/d/y/a.dat").text() + writing("/d/y/a.dat").text() +
-                                  reading("/d/x/a.dat").text() + writing("/a.dat").text())
-                          .plan;
-    const std::vector<GuardTest> tests = guardTests(plan, 0);
-    QCOMPARE(tests.back().kind, GuardTest::Kind::Space);
-    QStringList needs;
-    for (const SpaceNeed& need : tests.back().needs)
-        needs += QStringLiteral("%1 %2").arg(need.folder).arg(need.bytes / 1024);
-    QCOMPARE(needs, QStringList({"/d/x 512", "/d/y 256", "/ 256"}));
-}
-
-void TestPlanner::guardsAreFew()
-{
-    PlannedSeries series;
-    Line line = writing("[cfgPath]/a_rather_long_name_for_a_file_of_one_iteration_[iter].dat");
-    line.iterations = 4000;
-    const Plan plan = series.planOf(line.text()).plan;
-    QCOMPARE(plan.jobs.size(), size_t(4000));
-    const std::vector<GuardCall> calls = allGuardCalls(plan);
-    size_t tests = 0;
-    for (const GuardCall& call : calls) {
-        QVERIFY(call.sections.size() <= size_t(maxGuardSections));
-        for (const GuardSection& section : call.sections)
-            tests += section.tests.size();
-        for (const QByteArray& text : call.text().split('\n'))
-            QVERIFY(text.size() < 8000);
-    }
-    QCOMPARE(tests, size_t(4001));
-    QVERIFY(calls.size() <= 5);
-    // One by one to find out which it is.
-    const auto single = guardCalls(plan, 0, guardTests(plan, 0), GuardGrain::One, 7);
-    QCOMPARE(single.size(), size_t(63));
-    QCOMPARE(single[1].file, QByteArray("guards/guard-8.fio"));
-    for (const GuardSection& section : single[0].sections)
-        QCOMPARE(section.tests.size(), size_t(1));
-}
-
-void TestPlanner::planComesBackFromItsFile()
-{
-    PlannedSeries series;
-    series.options().machines = {{"pc1", "ip:127.0.0.11,8765", "/scratch"},
-                                 {"pc2", "sock:/run/fio", {}}};
-    series.options().startAtMinute = true;
-    Line odd = writing("[cfgPath]/\xFC[host] b.dat");
-    odd.chunk = 100;
-    odd.flush = odd.preallocate = true;
-    odd.cache = 3;
-    odd.wait = 7;
-    Line copy = copying("/d/src.dat", "[cfgPath]/[host].dat");
-    copy.buffer = 1;
-    series.put("mytest.dpc", "# info\n" + odd.text() + "[cfgPath]/mytest1.dpc\n");
-    series.put("mytest1.dpc", copy.text());
-    const PlanResult result = series.plan();
-    std::string problem;
-    const QByteArray json = planAsJson(result.plan, lossesAsJson(result.losses));
-    const auto back = planFromJson(json, problem);
-    QVERIFY2(back.has_value(), problem.c_str());
-    QCOMPARE(planAsJson(back->plan, back->losses), json);
-    for (size_t stage = 0; stage < result.plan.stages.size(); ++stage) {
-        for (size_t i = 0; i < result.plan.stages[stage].files.size(); ++i)
-            QCOMPARE(jobFileText(back->plan, stage, back->plan.stages[stage].files[i]),
-                     jobFileText(result.plan, stage, result.plan.stages[stage].files[i]));
-    }
-    QCOMPARE(back->losses.size(), int(result.losses.size()));
-}
-
-void TestPlanner::changedPlansAreRefused()
-{
-    PlannedSeries series;
-    const PlanResult result = series.planOf(writing("/d/a.dat").text());
-    const QByteArray json = planAsJson(result.plan, {});
-    std::string problem;
-    QVERIFY(planFromJson(json, problem));
-    const QList<QPair<QByteArray, QByteArray>> changes = {
-        {"\"version\": 1", "\"version\": 2"},
-        {"\"kind\": \"write\"", "\"kind\": \"erase\""},
-        {"\"jobs\": 1", "\"jobs\": 2"},
-        {"\"jobs\": 1", "\"jobs\": 0"},
-        {"\"jobs\": 1", "\"jobs\": -1"},
-        {"\"stage\": 0", "\"stage\": 1"},
-        {"\"bytes\": 262144", "\"bytes\": \"x\""},
-        {"\"atJob\": \"absent\"", "\"atJob\": \"\""}};
-    for (const auto& [from, to] : changes) {
-        QByteArray changed = json;
-        const int place = changed.indexOf(from);
-        QVERIFY2(place >= 0, from);
-        changed.replace(place, from.size(), to);
-        QVERIFY2(!planFromJson(changed, problem), to);
-        QVERIFY(!problem.empty());
-    }
-    for (int length = 0; length < json.size() - 2; length += 7)
-        QVERIFY(!planFromJson(json.left(length), problem));
-}
-
-void TestPlanner::exportComesBack()
-{
-    PlannedSeries series;
-    Line line = copying("/d/src.dat", "[cfgPath]/[iter].dat");
-    line.iterations = 2;
-    const PlanResult result = series.planOf(line.text());
-    std::string problem;
-    const QString folder = series.place("out");
-    QVERIFY2(createExport(folder, result.plan, {}, problem), problem.c_str());
-    QCOMPARE(test::entriesOf(folder),
-             QStringList({"README", "guards", "guards/guard-0.fio", "logs", "logs/s0-l1-i0.log",
-                          "logs/s0-l1-i1.log", "made", "output", "plan.json", "stage-0.fio"}));
-    const auto back = readExport(folder, problem);
-    QVERIFY2(back.has_value(), problem.c_str());
-    QCOMPARE(planAsJson(back->plan, {}), planAsJson(result.plan, {}));
-    // A person may write notes into the README.
-    test::put(folder + "/README", "mine");
-    QVERIFY(readExport(folder, problem));
-}
-
-void TestPlanner::changedExportsAreRefused()
-{
-    PlannedSeries series;
-    const PlanResult result = series.planOf(copying("/d/src.dat", "[cfgPath]/b.dat").text());
-    std::string problem;
-    const QString folder = series.place("out");
-    QVERIFY(createExport(folder, result.plan, {}, problem));
-    for (const char* name : {"/stage-0.fio", "/guards/guard-0.fio", "/logs/s0-l1-i0.log"}) {
-        const QByteArray content = test::contentOf(folder + name);
-        test::put(folder + name, content + "\n");
-        QVERIFY2(!readExport(folder, problem), name);
-        QVERIFY(QByteArray(problem.c_str()).contains(name));
-        test::put(folder + name, content.chopped(1));
-        QVERIFY2(!readExport(folder, problem), name);
-        test::put(folder + name, content);
-        QVERIFY(readExport(folder, problem));
-    }
-}
-
-void TestPlanner::exportTouchesNothingThatIsThere()
-{
-    PlannedSeries series;
-    const Plan plan = series.planOf(writing("/d/a.dat").text()).plan;
-    std::string problem;
-    const QString file = series.place("file");
-    test::put(file, "content");
-    QVERIFY(!createExport(file, plan, {}, problem));
-    QCOMPARE(test::contentOf(file), QByteArray("content"));
-    const QString folder = series.place("folder");
-    QVERIFY(QDir().mkdir(folder));
-    QVERIFY(!createExport(folder, plan, {}, problem));
-    QVERIFY(test::entriesOf(folder).isEmpty());
-    QVERIFY(QFile::link("nowhere", series.place("link")));
-    QVERIFY(!createExport(series.place("link"), plan, {}, problem));
-    QVERIFY(!createExport(series.place("none/out"), plan, {}, problem));
-    QCOMPARE(QDir(series.place("")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-             QStringList({"file", "folder", "share"}));
 }
 
 QTEST_APPLESS_MAIN(TestPlanner)

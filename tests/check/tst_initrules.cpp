@@ -1,0 +1,212 @@
+#include "model/pathvariables.h"
+#include "tests/check/seriesfolder.h"
+
+/// The rules about the "_init" file of a series.
+class TestInitRules : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { m_series.reset(new SeriesFolder); }
+
+    void initFileIsMissing()
+    {
+        m_series->put("a.dpc", goodLine());
+        QCOMPARE(m_series->said({"init-missing"}), QStringList{"a.dpc:1:55 init-missing"});
+        QVERIFY(m_series->text("init-missing").contains("the folder '/d/' does not exist"));
+        m_series->put("a_init.dpc", "");
+        QCOMPARE(m_series->said({"init-missing"}), QStringList());
+        // Nothing needed, nothing missing.
+        QVERIFY(QFile::remove(m_series->root() + "a_init.dpc"));
+        QCOMPARE(m_series->hits("init-missing", goodLine({{12, ""}, {13, ""}})), 0);
+    }
+
+    void whatIsThereNeedsNoInitFile()
+    {
+        const QByteArray line =
+            goodLine({{10, "/d/s"}, {12, "[cfgPath]/l.txt"}, {13, "[cfgPath]/c.csv"}});
+        QCOMPARE(m_series->hits("init-missing", line), 1);
+        m_series->setExisting("/d/s");
+        QCOMPARE(m_series->hits("init-missing", line), 0);
+        m_series->put("a_init.dpc", "");
+        QCOMPARE(m_series->hits("init-outdated", line), 0);
+    }
+
+    void initFileNamesAreComparedAsFiles()
+    {
+        const QByteArray root = m_series->root().toLatin1();
+        m_series->put("a_init.dpc",
+                      lineTo(root + "s.dat").toLatin1() + lineTo("[cfgPath]/out/x").toLatin1());
+        const QByteArray line = goodLine({{10, "[cfgPath]/s.dat"},
+                                          {11, "[cfgPath]/out/[host]"},
+                                          {12, "[cfgPath]/l"},
+                                          {13, "[cfgPath]/c"}});
+        m_series->put("a.dpc", line);
+        QCOMPARE(m_series->said({"init-outdated", "init-unneeded"}), QStringList());
+    }
+
+    void initFileIsOutdated()
+    {
+        const QSet<QString> rules{"init-outdated", "init-unneeded"};
+        m_series->save({readingTask("[cfgPath]/s.dat")});
+        QCOMPARE(m_series->said(rules), QStringList());
+        // Lacks a name, makes one for nobody, makes one in another size.
+        TaskList tasks{readingTask("[cfgPath]/other.dat")};
+        const QByteArray init = test::contentOf(m_series->root() + "a_init.dpc");
+        m_series->save(tasks);
+        m_series->put("a_init.dpc", init);
+        // One finding is enough for a source that nothing makes.
+        QCOMPARE(m_series->said(),
+                 (QStringList{"_wait/a.dpc:3:55 source-missing", "a_init.dpc:1:1 init-unneeded"}));
+        QCOMPARE(m_series->text("source-missing"),
+                 QString("the source '[cfgPath]/other.dat' does not exist, and nothing makes it; "
+                         "correct the name; or, for the _init file to make it, run dpc init "
+                         "--write, or load and save the series again"));
+        tasks = {readingTask("[cfgPath]/s.dat")};
+        tasks[0].io.fileSize = 4096 * 1024;
+        m_series->save(tasks);
+        m_series->put("a_init.dpc", init);
+        QVERIFY(m_series->text("init-outdated")
+                    .startsWith("line 1 of the _init file makes '[cfgPath]/s.dat' with 102400 KiB, "
+                                "but the task has 4096 KiB"));
+    }
+
+    void allNamesThatTheInitFileLacksAreTold()
+    {
+        TestTask task = readingTask("[cfgPath]/s_[iter].dat");
+        task.iterations = 3;
+        m_series->save({task});
+        m_series->put("a_init.dpc", "");
+        const auto findings = m_series->findings();
+        const auto lack = std::find_if(findings.begin(), findings.end(), [](const Finding& f) {
+            return f.rule == ruleNamed("source-missing");
+        });
+        QVERIFY(lack != findings.end());
+        QVERIFY(QString::fromStdString(lack->text)
+                    .startsWith("the source '[cfgPath]/s_0.dat' does not exist, nor 2 more, and "));
+        QCOMPARE(lack->names, (std::vector<std::string>{"[cfgPath]/s_0.dat", "[cfgPath]/s_1.dat",
+                                                        "[cfgPath]/s_2.dat"}));
+    }
+
+    void commentedLineMakesNothing()
+    {
+        m_series->put("a_init.dpc", "# " + lineTo("[cfgPath]/out/dummyFile").toLatin1());
+        const QByteArray line =
+            goodLine({{11, "[cfgPath]/out/x"}, {12, "[cfgPath]/l"}, {13, "[cfgPath]/c"}});
+        QCOMPARE(m_series->hits("init-outdated", line), 1);
+        QVERIFY(
+            m_series->text("init-outdated").contains("line 1 of the _init file is commented out"));
+        QVERIFY(QDir(m_series->root()).mkdir("out"));
+        QCOMPARE(m_series->hits("init-outdated", line), 0);
+    }
+
+    /// A line that does not load may be the one that needs it, and so may a file that lacks.
+    void whatTheInitFileMakesForLinesThatDoNotLoadIsNotUnneeded()
+    {
+        const QByteArray read = goodLine({{10, "[cfgPath]/s.dat"}, {11, "MEMORY"}});
+        m_series->put("a_init.dpc", lineTo("[cfgPath]/s.dat").toLatin1());
+        m_series->put("a.dpc", goodLine());
+        QCOMPARE(m_series->said({"init-unneeded"}), QStringList{"a_init.dpc:1:1 init-unneeded"});
+        for (const QByteArray& lines :
+             {QByteArray(read).replace("Posix", "Posx"), goodLine() + "[cfgPath]/a1.dpc\n"})
+            QCOMPARE(m_series->hits("init-unneeded", goodLine() + lines), 0);
+    }
+
+    /// The editor puts them there: the folder of an empty field, a path of another system.
+    void whatASaveWritesIntoTheInitFileIsNotUnneeded()
+    {
+        for (const char* log : {"", "x.txt", "D:\\log\\x.txt"}) {
+            TestTask task = readingTask("[cfgPath]/s.dat");
+            task.logPath = path(log);
+            m_series->save({task});
+            TaskList tasks;
+            loadSeries({m_series->root(), "a"}, tasks, silentListener());
+            m_series->save(tasks);
+            QCOMPARE(m_series->said({"init-unneeded"}), QStringList());
+        }
+    }
+
+    /// A save takes a source for missing that lies beside the config files in "_wait".
+    void saveIsNotAdvisedWhereASourceWouldBeMadeAnew()
+    {
+        m_series->put("_wait/a.dpc",
+                      goodLine({{10, "[cfgPath]/s.dat"}, {11, "[cfgPath]/new/x.dat"}}));
+        m_series->put("a_init.dpc", "");
+        QVERIFY(m_series->text("init-outdated").endsWith("load and save the series again"));
+        m_series->setExisting(m_series->root() + "s.dat", 77);
+        QVERIFY(m_series->text("init-outdated").contains("into the _init file by hand"));
+        QVERIFY(m_series->text("init-outdated").contains("'[cfgPath]/s.dat' anew"));
+    }
+
+    /// A load and a save lose a line that does not load, so nobody is told to do that.
+    void saveIsNotAdvisedWhereALineWouldBeLost_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("mistyped") << goodLine({{1, "Posx"}}) << "a.dpc:2 does not load";
+        QTest::newRow("winapi") << goodLine({{1, "WinApi"}}) << "a.dpc:2 does not load";
+        QTest::newRow("semicolon")
+            << goodLine({{11, "/d/a;b"}}) << "a.dpc:2 is cut when it is loaded";
+        QTest::newRow("long path")
+            << goodLine({{11, '/' + QByteArray(600, 'x')}}) << "a.dpc:2 is cut when it is loaded";
+        QTest::newRow("long file") << goodLine().repeated(60) << "a.dpc would be cut at 5000";
+    }
+
+    void saveIsNotAdvisedWhereALineWouldBeLost()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(QString, reason);
+        m_series->put("a_init.dpc", "");
+        m_series->put("a.dpc", goodLine() + line);
+        for (const Finding& finding : m_series->findings())
+            QVERIFY2(finding.text.find("load and save") == std::string::npos, finding.text.c_str());
+        QVERIFY2(m_series->text("init-outdated").contains(reason),
+                 qPrintable(m_series->text("init-outdated")));
+        m_series->put("a.dpc", goodLine());
+        QVERIFY(m_series->text("init-outdated").contains("load and save the series again"));
+    }
+
+    void namesOfOtherMachinesAreNotCompared()
+    {
+        TestTask task = readingTask("[cfgPath]/s.dat");
+        task.logPath = path("[cfgPath]/[host]/log.txt");
+        m_series->save({task});
+        const QString init = m_series->root() + "a_init.dpc";
+        const QByteArray content = test::contentOf(init);
+        const QByteArray here = kvToQString(getComputerName()).toLatin1();
+        QVERIFY(content.contains(here));
+        test::put(init, QByteArray(content).replace(here, "elsewhere"));
+        QCOMPARE(m_series->said({"init-outdated", "init-unneeded"}), QStringList());
+    }
+
+    void initFileIsJudgedLikeAnyOther()
+    {
+        m_series->put("a.dpc", goodLine());
+        m_series->put("a_init.dpc", "Strem;x\n" + goodLine({{11, "[CfgPath]/x"}, {12, ""}}));
+        const QStringList said =
+            m_series->said({"bad-line", "unknown-variable", "empty-log", "beyond-form"});
+        QCOMPARE(said,
+                 (QStringList{"a_init.dpc:1:1 bad-line", "a_init.dpc:2:46 unknown-variable"}));
+        QVERIFY(QFile::remove(m_series->root() + "a_init.dpc"));
+        QVERIFY(QDir(m_series->root()).mkdir("a_init.dpc"));
+        QCOMPARE(m_series->said({"unreadable", "init-missing"}),
+                 QStringList{"a_init.dpc:1:1 unreadable"});
+    }
+
+    void initFileInWaitIsNotThatOfTheSeries()
+    {
+        m_series->save({readingTask("[cfgPath]/s.dat")});
+        QVERIFY(
+            QFile::rename(m_series->root() + "a_init.dpc", m_series->root() + "_wait/a_init.dpc"));
+        for (const char* chosen : {"a.dpc", "_wait/a.dpc", ""})
+            QCOMPARE(
+                m_series->said({"init-missing", "init-place"}, chosen),
+                (QStringList{"_wait/a.dpc:3:55 init-missing", "_wait/a_init.dpc:1:1 init-place"}));
+    }
+
+private:
+    QScopedPointer<SeriesFolder> m_series;
+};
+
+QTEST_APPLESS_MAIN(TestInitRules)
+#include "tst_initrules.moc"

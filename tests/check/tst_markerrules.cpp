@@ -1,0 +1,84 @@
+#include "tests/check/seriesfolder.h"
+
+/// The rules about the lines that name the next config file.
+class TestMarkerRules : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { m_series.reset(new SeriesFolder); }
+
+    void markerThatNamesAnotherFile()
+    {
+        m_series->put("a1.dpc", goodLine());
+        for (const char* good : {"[cfgPath]/a1.dpc", "[cfgPath]/_wait/a1.dpc", "a1.dpc"})
+            QCOMPARE(m_series->hits("marker-target", goodLine() + good + "\n"), 0);
+        for (const char* bad : {"[cfgPath]/a2.dpc", "[cfgPath]/b1.dpc", "[cfgPath]/a.dpc"}) {
+            QCOMPARE(m_series->hits("marker-target", goodLine() + "  " + bad + "\n"), 1);
+            QCOMPARE(m_series->said({"marker-target"}), QStringList{"a.dpc:2:3 marker-target"});
+        }
+    }
+
+    void markerOfASeriesThatWasMoved()
+    {
+        m_series->put("a1.dpc", goodLine());
+        QCOMPARE(m_series->hits("marker-folder", goodLine() + "/old/_wait/a1.dpc\n"), 1);
+        QCOMPARE(m_series->hits("marker-folder",
+                                goodLine() + m_series->root().toLatin1() + "_wait/a1.dpc\n"),
+                 0);
+    }
+
+    void markerFolderThatDoesNotExist()
+    {
+        QVERIFY(QDir(m_series->root()).rmdir("_wait"));
+        m_series->put("a1.dpc", goodLine());
+        QCOMPARE(m_series->hits("marker-folder", goodLine() + "/none/_wait/a1.dpc\n"), 1);
+        QCOMPARE(m_series->hits("marker-folder", goodLine() + "[cfgPath]/_wait/a1.dpc\n"), 0);
+    }
+
+    void markerToAFolderUnderAnotherName()
+    {
+        QVERIFY(QFile::link(m_series->root(), m_series->root() + "link"));
+        m_series->put("a1.dpc", goodLine());
+        QCOMPARE(m_series->hits("marker-folder",
+                                goodLine() + m_series->root().toLatin1() + "link/a1.dpc\n"),
+                 0);
+    }
+
+    void markerOfAnotherSystemIsNotJudged()
+    {
+        m_series->put("a1.dpc", goodLine());
+        for (const char* path : {"//nas/test/_wait/a1.dpc", "\\\\nas\\test\\a1.dpc", "S:\\a1.dpc"})
+            QCOMPARE(m_series->hits("marker-folder", goodLine() + path + "\n"), 0);
+        QCOMPARE(m_series->hits("marker-target", goodLine() + "S:\\a2.dpc\n"), 1);
+    }
+
+    void markerToAFileThatIsElsewhere()
+    {
+        const QString other = m_series->root() + "other/a1.dpc";
+        m_series->put("other/a1.dpc", goodLine());
+        QCOMPARE(m_series->hits("marker-folder", goodLine() + other.toLatin1() + '\n'), 1);
+        QCOMPARE(m_series->said({"last-marker"}), QStringList());
+    }
+
+    void markerAtTheVeryEnd()
+    {
+        QCOMPARE(m_series->hits("last-marker", goodLine() + "[cfgPath]/a1.dpc\n"), 1);
+        m_series->put("a1.dpc", goodLine());
+        QCOMPARE(m_series->hits("last-marker", goodLine() + "[cfgPath]/a1.dpc\n"), 0);
+    }
+
+    void linesAfterAMarker()
+    {
+        m_series->put("a1.dpc", goodLine());
+        QCOMPARE(m_series->hits("after-marker", goodLine() + "[cfgPath]/a1.dpc\n# end\n\n"), 0);
+        QCOMPARE(m_series->hits("after-marker", "[cfgPath]/a1.dpc\n" + goodLine() + goodLine()), 1);
+        QCOMPARE(m_series->said({"after-marker"}), QStringList{"a.dpc:2:1 after-marker"});
+    }
+
+private:
+    QScopedPointer<SeriesFolder> m_series;
+};
+
+QTEST_APPLESS_MAIN(TestMarkerRules)
+#include "tst_markerrules.moc"
