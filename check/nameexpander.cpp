@@ -21,12 +21,11 @@ Path toPath(const QByteArray& text)
 
 int longestValueOf(const SeriesFacts& facts, const MachineValues& machine)
 {
-    constexpr int numbersAndAdditions = 20;
     int longest = std::max(facts.runFolder.size(), facts.name.baseName.size());
     longest = std::max(longest, machine.computerName ? int(machine.computerName->length) : 0);
     longest = std::max(longest, machine.tempFolder ? int(machine.tempFolder->length) : 0);
     longest = std::max(longest, machine.date ? machine.date->size() : 0);
-    return longest + numbersAndAdditions;
+    return longest + maxNumbersAndAdditions;
 }
 
 } // namespace

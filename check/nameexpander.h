@@ -3,6 +3,10 @@
 #include "check/seriesfacts.h"
 #include "model/pathvariables.h"
 
+/// Characters of a number or a date that a variable stands for, or of an addition to a name, at
+/// most.
+constexpr int maxNumbersAndAdditions = 20;
+
 /// Expands the names of the tasks of a series as they are on the machines that run it: its files
 /// lie outside "_wait" then, and have their number as config file ID.
 class NameExpander

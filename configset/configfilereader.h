@@ -28,8 +28,6 @@ ConfigLine takeConfigLine(_kvString<maxLine>& line);
 class ConfigFileReader
 {
 public:
-    static constexpr qint64 largestFile = maxFileRead; ///< bytes
-
     /// Opens the file; the name is Latin-1 like every text of a task.
     explicit ConfigFileReader(const _kvString8_allSize<maxPath>& path);
 
@@ -41,8 +39,8 @@ public:
 
     int lineNumber() const { return m_lineNumber; }    ///< of the last line, from 1
     qint64 lineLength() const { return m_lineLength; } ///< bytes of the last line, uncut
-    /// True if `largestFile` was reached, so that nothing beyond is read.
-    bool fileWasCut() const { return m_bytesRead >= largestFile; }
+    /// True if `maxFileRead` was reached, so that nothing beyond is read.
+    bool fileWasCut() const { return m_bytesRead >= maxFileRead; }
 
 private:
     bool fillBuffer();

@@ -1,7 +1,6 @@
 #include "dpc/roundtrip.h"
 
 #include "check/text.h"
-#include "configset/configfilereader.h"
 #include "dpc/alignment.h"
 #include "dpc/commands.h"
 #include "dpc/json.h"
@@ -25,7 +24,7 @@ QByteArray contentOf(const QString& path)
 {
     QFile file(path);
     const bool isFile = QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly);
-    return isFile ? file.read(ConfigFileReader::largestFile) : QByteArray();
+    return isFile ? file.read(maxFileRead) : QByteArray();
 }
 
 /// The last line has a line end in a file that is whole.

@@ -1,5 +1,6 @@
 #include "check/checker.h"
 #include "check/text.h"
+#include "check/units.h"
 #include "dpc/commands.h"
 #include "dpc/oneseries.h"
 #include "dpc/planning.h"
@@ -279,7 +280,6 @@ Request requestOf(const Arguments& arguments)
     request.folder = decoded(arguments.value(to));
     request.run.dryRun = arguments.has(dryRun);
     request.run.keepGoing = arguments.has(keepGoing);
-    constexpr int msPerSecond = 1000;
     constexpr int longest = std::numeric_limits<int>::max() / msPerSecond;
     if (arguments.number(timeout) > longest)
         throw UsageError(timeout, fmt::format("at most {} seconds", longest));

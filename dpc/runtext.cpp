@@ -1,6 +1,7 @@
 #include "dpc/runtext.h"
 
 #include "check/text.h"
+#include "check/units.h"
 #include "dpc/table.h"
 
 #include <QSet>
@@ -9,9 +10,6 @@
 #include <fmt/format.h>
 
 namespace {
-
-constexpr double bytesPerMib = 1024.0 * 1024.0;
-constexpr double msPerSecond = 1000.0;
 
 std::string mib(qint64 bytes)
 {

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int largestPort = 65535;
+constexpr int maxPort = 65535;
 
 QString reason(int error)
 {
@@ -149,7 +149,7 @@ std::optional<FioAddress> FioAddress::parse(const QByteArray& text)
     bool isNumber = false;
     address.host = QString::fromLatin1(text.mid(3, comma - 3));
     address.port = text.mid(comma + 1).toInt(&isNumber);
-    if (address.host.isEmpty() || !isNumber || address.port < 1 || address.port > largestPort)
+    if (address.host.isEmpty() || !isNumber || address.port < 1 || address.port > maxPort)
         return std::nullopt;
     return address;
 }

@@ -12,7 +12,7 @@ namespace {
 constexpr char sumOfClients[] = "All clients";
 
 /// Beyond this a double no longer holds every whole number.
-constexpr double largestNumber = 9007199254740992.0;
+constexpr double maxExactNumber = 9007199254740992.0;
 
 /// Walks through the text of a document without building it: one of a large run is larger than
 /// what QJsonDocument takes, and one of a killed run has no end.
@@ -46,7 +46,7 @@ std::optional<double> numberOf(const QJsonObject& object, const char* name)
     if (!value.isDouble())
         return std::nullopt;
     const double number = value.toDouble();
-    if (!std::isfinite(number) || number < 0 || number > largestNumber)
+    if (!std::isfinite(number) || number < 0 || number > maxExactNumber)
         return std::nullopt;
     return number;
 }
@@ -60,7 +60,7 @@ std::optional<qint64> wholeNumberOf(const QJsonObject& object, const char* name)
 double sumOf(const QJsonObject& latency)
 {
     const double sum = numberOf(latency, "mean").value_or(0) * numberOf(latency, "N").value_or(0);
-    return std::min(sum, largestNumber);
+    return std::min(sum, maxExactNumber);
 }
 
 std::optional<IoFigures> figuresOf(const QJsonObject& direction)

@@ -1,5 +1,6 @@
 #include "engine/results.h"
 
+#include "check/units.h"
 #include "engine/jobfile.h"
 
 #include <QDir>
@@ -135,7 +136,6 @@ std::optional<qint64> JobResult::endMs() const
 
 std::optional<double> JobResult::rate() const
 {
-    constexpr double msPerSecond = 1e3;
     if (!doneBytes.has_value() || runtimeMs.value_or(0) == 0)
         return std::nullopt;
     return double(*doneBytes) * msPerSecond / double(*runtimeMs);

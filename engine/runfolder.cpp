@@ -21,7 +21,7 @@ namespace {
 
 constexpr int formatVersion = 1;
 /// No state or plan of a run comes near it.
-constexpr qint64 largestJson = 64 << 20;
+constexpr qint64 maxJsonBytes = 64 << 20;
 
 QJsonObject readObject(const QString& path)
 {
@@ -30,7 +30,7 @@ QJsonObject readObject(const QString& path)
     // A pipe of that name would be waited for.
     if (!info.isFile() || !file.open(QIODevice::ReadOnly))
         return {};
-    return QJsonDocument::fromJson(file.read(largestJson)).object();
+    return QJsonDocument::fromJson(file.read(maxJsonBytes)).object();
 }
 
 QByteArray lineOf(const QString& machine, const QString& path)

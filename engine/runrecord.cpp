@@ -17,7 +17,7 @@
 namespace {
 
 constexpr int knownVersion = 1;
-constexpr qint64 largestFile = 256LL << 20;
+constexpr qint64 maxFileBytes = 256LL << 20;
 
 /// Nothing unless the file is regular: a pipe of that name would block.
 std::optional<QByteArray> contentOf(const QString& folder, const char* name)
@@ -26,7 +26,7 @@ std::optional<QByteArray> contentOf(const QString& folder, const char* name)
     QFile file(path);
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         return std::nullopt;
-    return file.read(largestFile);
+    return file.read(maxFileBytes);
 }
 
 QStringList textsOf(const QJsonValue& list)

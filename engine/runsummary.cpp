@@ -1,5 +1,7 @@
 #include "engine/runsummary.h"
 
+#include "check/units.h"
+
 #include <QHash>
 
 #include <algorithm>
@@ -82,7 +84,6 @@ public:
 
     void tell(StageSummary& stage) const
     {
-        constexpr double msPerSecond = 1000;
         if (m_first && m_last && *m_last > *m_first) {
             stage.seconds = double(*m_last - *m_first) / msPerSecond;
             if (stage.bytes)

@@ -66,8 +66,8 @@ QByteArray linkTarget(QByteArray path)
 {
     // The kernel follows as many. Nothing of a path is shortened, for ".." after a link to a folder
     // is not the folder before it.
-    constexpr int mostLinks = 40;
-    for (int i = 0; i < mostLinks; ++i) {
+    constexpr int maxLinks = 40;
+    for (int i = 0; i < maxLinks; ++i) {
         const Link link = linkAt(path);
         if (link.target.isEmpty())
             break;

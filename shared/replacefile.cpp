@@ -25,7 +25,7 @@ constexpr mode_t modeBitsOfAnyOwner = 0777;
 
 // How often, and how far apart, a file that is in use is asked for again before it is written in
 // place. A machine that polls has it open for some milliseconds.
-constexpr int mostTries = 10;
+constexpr int maxTries = 10;
 constexpr std::chrono::milliseconds betweenTries(20);
 
 struct Target
@@ -210,7 +210,7 @@ Result writeBeside(const QByteArray& path, const Target& target, Content content
 template <class Question>
 void repeatWhile(const Question& question)
 {
-    for (int tries = 1; question() && tries < mostTries; ++tries)
+    for (int tries = 1; question() && tries < maxTries; ++tries)
         std::this_thread::sleep_for(betweenTries);
 }
 

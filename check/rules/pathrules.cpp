@@ -107,10 +107,9 @@ public:
                 std::max(m_hostLength, int(computerNameFrom(host.toLatin1().constData()).length));
         if (options.hosts.isEmpty())
             m_hostLength = getComputerName().length;
-        constexpr int numbersAndAdditions = 20;
         m_longestValue = std::max({m_hostLength, m_tempLength, facts.runFolder.size(),
                                    facts.name.baseName.size()}) +
-                         numbersAndAdditions;
+                         maxNumbersAndAdditions;
     }
 
     void check(const LineFact& line, TaskPath which)

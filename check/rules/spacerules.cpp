@@ -1,6 +1,7 @@
 #include "check/rules/exampletasks.h"
 #include "check/rules/families.h"
 #include "check/text.h"
+#include "check/units.h"
 
 #include <QHash>
 
@@ -119,12 +120,11 @@ private:
 
     std::string text(const Demand& demand) const
     {
-        constexpr double mib = 1024.0 * 1024.0;
         return fmt::format(
             "the series needs {:.0f} MiB on the file system of {}, which has {:.0f} MiB free "
             "(counting {}, files that exist as overwritten in place, and [temp] of this machine "
             "only)",
-            demand.bytes / mib, quoted(demand.place), double(demand.free) / mib,
+            demand.bytes / bytesPerMib, quoted(demand.place), double(demand.free) / bytesPerMib,
             counted(std::max(m_uses.givenMachines(), 1), "machine"));
     }
 

@@ -1,6 +1,7 @@
 #include "dpc/report/reporthtml.h"
 
 #include "check/text.h"
+#include "check/units.h"
 #include "dpc/report/reporttime.h"
 
 #include <QFile>
@@ -20,8 +21,6 @@ static void loadResources()
 
 namespace {
 
-constexpr double mib = 1024.0 * 1024.0;
-constexpr double nsPerMs = 1e6;
 constexpr int maxMachinesInBars = 8;
 constexpr int manyCells = 24; ///< of machine and task: from here on a heat map helps
 
@@ -54,7 +53,7 @@ std::vector<TaskGroup> groupsOf(const RunSummary& summary)
         }
         TaskGroup& group = groups[places.value(key)];
         if (task.ioRate)
-            group.rates.insert(task.first.machine, task.ioRate->median / mib);
+            group.rates.insert(task.first.machine, task.ioRate->median / bytesPerMib);
         if (task.p50Ns)
             group.p50.push_back(*task.p50Ns / nsPerMs);
         if (task.p99Ns)
@@ -151,7 +150,7 @@ QJsonObject comparisonChart(const std::vector<TaskComparison>& comparison)
     QJsonArray base;
     QJsonArray other;
     const auto rate = [](const TaskSummary& task) {
-        return task.ioRate ? QJsonValue(task.ioRate->median / mib) : QJsonValue();
+        return task.ioRate ? QJsonValue(task.ioRate->median / bytesPerMib) : QJsonValue();
     };
     for (const TaskComparison& pair : comparison) {
         labels.append(taskName(pair.base.first) + ' ' +

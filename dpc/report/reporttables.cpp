@@ -1,6 +1,7 @@
 #include "dpc/report/reporttables.h"
 
 #include "check/text.h"
+#include "check/units.h"
 
 #include <QDateTime>
 #include <QJsonObject>
@@ -8,9 +9,6 @@
 #include <algorithm>
 
 namespace {
-
-constexpr double mib = 1024.0 * 1024.0;
-constexpr double nsPerMs = 1e6;
 
 QString safe(const QString& text)
 {
@@ -35,7 +33,7 @@ QString whole(const std::optional<qint64>& value)
 
 QString rate(const std::optional<Spread>& spread, double Spread::*which)
 {
-    return spread ? number((*spread).*which / mib, 1) : QString();
+    return spread ? number((*spread).*which / bytesPerMib, 1) : QString();
 }
 
 QString moment(const std::optional<qint64>& ms)
@@ -119,7 +117,7 @@ Table stageTable(const ReportedRun& run)
         table.rows.push_back(
             {QString::number(index++) + ' ' + safe(stage.configFile.section('/', -1)), stage.state,
              QString::number(stage.good), QString::number(stage.jobs), whole(stage.bytes),
-             optionalNumber(stage.seconds, 1, 3), optionalNumber(stage.rate, mib, 1),
+             optionalNumber(stage.seconds, 1, 3), optionalNumber(stage.rate, bytesPerMib, 1),
              whole(stage.skewMs)});
     }
     return table;

@@ -1,6 +1,7 @@
 #include "dpc/report/reporttime.h"
 
 #include "check/text.h"
+#include "check/units.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -12,8 +13,7 @@ namespace {
 
 constexpr int maxSteps = 600;
 constexpr double sampleSeconds = 0.1; ///< a line of a log tells of the 100 ms before it
-constexpr double msPerSecond = 1000;
-constexpr int maxMachines = 8; ///< more lines in one picture can't be told apart
+constexpr int maxMachines = 8;        ///< more lines in one picture can't be told apart
 
 struct Sample
 {
@@ -25,12 +25,12 @@ struct Sample
 /// "time, rate, direction, size, offset": ms since 1970, KiB/s.
 void readLog(const QString& path, int machine, qint64 startMs, std::vector<Sample>& samples)
 {
-    constexpr qint64 largestLog = 16LL << 20;
+    constexpr qint64 maxLogBytes = 16LL << 20;
     constexpr double kibPerMib = 1024;
     QFile file(path);
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         return;
-    for (const QByteArray& line : file.read(largestLog).split('\n')) {
+    for (const QByteArray& line : file.read(maxLogBytes).split('\n')) {
         const QList<QByteArray> fields = line.split(',');
         if (fields.size() < 2)
             continue;
