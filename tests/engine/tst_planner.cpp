@@ -1,3 +1,4 @@
+#include "engine/guards.h"
 #include "tests/engine/plannedseries.h"
 
 /// The jobs that a series makes, and the files that they use.
