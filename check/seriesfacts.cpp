@@ -298,16 +298,27 @@ void scanInit(SeriesFacts& facts, FileFact& file, int entryLimit)
     FileScanner(own, facts.initLines, file, facts.initFile, entryLimit).scan();
 }
 
-long long namesOf(const SeriesFacts& facts)
+/// How many characters a path has at most once its variables are replaced.
+int longestName(const SeriesFacts& facts, const QByteArray& path)
 {
-    long long count = 0;
+    const int longestValue = std::max(facts.runFolder.size(), facts.name.baseName.size());
+    return std::min(path.size() + path.count('[') * longestValue, maxPath);
+}
+
+/// Counts the names that all paths stand for.
+void countNames(SeriesFacts& facts, const ReadLimits& limits)
+{
+    long long characters = 0;
     for (const LineFact& line : facts.lines) {
-        for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath})
-            count += line.kind == LineFact::Kind::Task
-                         ? std::max(iterationsOf(line, line.path(which)), 0)
-                         : 0;
+        for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath}) {
+            const QByteArray path = isTask(line) ? line.path(which) : QByteArray();
+            const long long names = path.isEmpty() ? 0 : std::max(iterationsOf(line, path), 0);
+            facts.nameCount += names;
+            characters += names > 1 ? names * longestName(facts, path) : 0;
+        }
     }
-    return count;
+    const bool areTooMany = facts.nameCount > limits.names || characters > limits.nameCharacters;
+    facts.iterationLimit = areTooMany ? 1 : INT32_MAX;
 }
 
 } // namespace
@@ -370,8 +381,7 @@ SeriesFacts readSeries(const SeriesName& name, const QString& shownFolder, const
     noteCopies(facts);
     markSplitTasks(facts.lines);
     markSplitTasks(facts.initLines);
-    facts.nameCount = namesOf(facts);
-    facts.iterationLimit = facts.nameCount > limits.names ? 1 : INT32_MAX;
+    countNames(facts, limits);
     return facts;
 }
 

@@ -190,7 +190,10 @@ int iterationsOf(const LineFact& line, const QByteArray& path);
 struct ReadLimits
 {
     int entries = maxSeriesEntries;
-    long long names = 300000; ///< if paths stand for more, those of one iteration are looked at
+    /// If paths stand for more names, or for names with more characters in all iterations, those of
+    /// one iteration are looked at.
+    long long names = 300000;
+    long long nameCharacters = 30000000;
 };
 
 /// Reads all files of a series that exist. Never fails: what can't be read is a fact as well.

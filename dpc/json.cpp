@@ -31,5 +31,15 @@ std::string jsonText(const QJsonObject& object)
         return fmt::format("\\u{:04x}\\u{:04x}", QChar::highSurrogate(character),
                            QChar::lowSurrogate(character));
     };
-    return safeText(QString::fromUtf8(QJsonDocument(object).toJson()), escape);
+    const QByteArray json = QJsonDocument(object).toJson();
+    std::string text;
+    text.reserve(size_t(json.size()));
+    // Line by line: another copy of a large document would take as much memory as the document.
+    for (int start = 0; start < json.size();) {
+        const int end = json.indexOf('\n', start) + 1;
+        const int length = (end > 0 ? end : json.size()) - start;
+        text += safeText(QString::fromUtf8(json.constData() + start, length), escape);
+        start += length;
+    }
+    return text;
 }

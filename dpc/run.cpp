@@ -1,4 +1,5 @@
 #include "check/checker.h"
+#include "check/rulesfile.h"
 #include "check/text.h"
 #include "check/units.h"
 #include "dpc/commands.h"
@@ -14,6 +15,7 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <limits>
 #include <ostream>
@@ -162,17 +164,20 @@ std::vector<std::string> linesOf(const std::vector<Finding>& findings)
     return lines;
 }
 
-std::vector<Finding> checkErrors(const SeriesFacts& facts, const PlanOptions& plan)
+/// The errors that dpc check finds, on the machines of the plan, without those of rules that are
+/// turned off for the series.
+std::vector<Finding> checkErrors(const SeriesFacts& facts, const PlanOptions& plan,
+                                 const RulesFile& rules)
 {
     CheckOptions check;
+    check.rulesOff = rules.rulesOff;
     for (const PlanMachine& machine : plan.machines)
         check.hosts += machine.name;
-    std::vector<Finding> errors;
-    for (const Finding& finding : checkSeries(facts, check)) {
-        if (finding.rule->severity == Severity::Error)
-            errors.push_back(finding);
-    }
-    return errors;
+    std::vector<Finding> findings = checkSeries(facts, check);
+    findings.erase(std::remove_if(findings.begin(), findings.end(),
+                                  [](const Finding& f) { return f.severity != Severity::Error; }),
+                   findings.end());
+    return findings;
 }
 
 /// The warnings that could be allowed, with commas between.
@@ -194,6 +199,9 @@ std::optional<Planned> planOf(Request& request, const Output& output, int& statu
     if (!facts)
         return std::nullopt;
     PlanResult result = planSeries(*facts, request.plan);
+    const QString rulesPath = facts->runFolder + rulesFileName;
+    const RulesFile rules = readRulesFile(rulesPath, rulesPath);
+    result.misuse.insert(result.misuse.end(), rules.problems.begin(), rules.problems.end());
     for (const std::string& sentence : result.misuse)
         fail(output, sentence);
     if (!result.misuse.empty())
@@ -204,7 +212,7 @@ std::optional<Planned> planOf(Request& request, const Output& output, int& statu
         return std::nullopt;
     }
     const std::vector<Finding> forbidden = forbiddenLosses(result.losses, request.allowed);
-    std::vector<std::string> reasons = linesOf(checkErrors(*facts, request.plan));
+    std::vector<std::string> reasons = linesOf(checkErrors(*facts, request.plan, rules));
     for (std::string& line : linesOf(forbidden))
         reasons.push_back(std::move(line));
     const std::string names = namesToAllow(forbidden);

@@ -317,6 +317,25 @@ private slots:
         QCOMPARE(m_series->hits("source-size", two), 0);
     }
 
+    /// Long names take memory and time, not only many.
+    void iterationsThatAreLookedAt()
+    {
+        const QByteArray lines = writing("[cfgPath]/x[iter]", 1024, 20);
+        m_series->options().limits.names = 22;
+        QCOMPARE(m_series->hits("many-iterations", lines), 0);
+        m_series->options().limits.names = 21;
+        QCOMPARE(m_series->hits("many-iterations", lines), 1);
+        m_series->options().limits.names = 22;
+        m_series->options().limits.nameCharacters = 20 * 500;
+        const QByteArray longName(480, 'x');
+        QCOMPARE(m_series->hits("many-iterations", writing("/" + longName + "[iter]", 1024, 20)),
+                 0);
+        m_series->options().limits.nameCharacters = 20 * 480;
+        QCOMPARE(m_series->hits("many-iterations", writing("/" + longName + "[iter]", 1024, 20)),
+                 1);
+        QCOMPARE(m_series->hits("many-iterations", writing("/" + longName, 1024, 20)), 0);
+    }
+
     void initFileThatMakesAFileOfTheSeries()
     {
         m_series->put("a.dpc", writing("[cfgPath]/x_[host]"));

@@ -43,6 +43,8 @@ private slots:
     void aDryRunLeavesNothing();
     void runsAnExportAsItIs();
     void refusesWhatTheCheckRefuses();
+    void rulesThatAreTurnedOffDoNotRefuse();
+    void warningsDoNotRefuse();
     void refusesALossThatIsNotAllowed();
     void makesTheSourcesOfTheInitFileFirst();
     void drawsItsProgressOnATerminal();
@@ -446,6 +448,28 @@ void TestRun::refusesWhatTheCheckRefuses()
     QCOMPARE(series.state("run"), QStringLiteral("refused"));
     QCOMPARE(reasonsOf(series, "run").filter("source-missing").size(), 1);
     QVERIFY(!QFile::exists(series.file("a.dat")));
+}
+
+void TestRun::rulesThatAreTurnedOffDoNotRefuse()
+{
+    const SeriesRun series;
+    series.putSeries({{SeriesRun::line("[cfgPath]/none.dat", "", 128)}});
+    test::put(series.file("dpc.rules"), "source-missing: made on the servers\n");
+    const test::Printed off = series.run({"--dry-run"});
+    QVERIFY2(!off.err.contains("[source-missing]"), off.err);
+    test::put(series.file("dpc.rules"), "source-missing:\n");
+    const test::Printed wrong = series.run({"--dry-run"});
+    QCOMPARE(wrong.status, 2);
+    QVERIFY2(wrong.err.contains("the reason is missing"), wrong.err);
+}
+
+/// A comment that is cut is a warning of a rule for errors.
+void TestRun::warningsDoNotRefuse()
+{
+    const SeriesRun series;
+    series.putSeries({{"# " + QByteArray(1100, 'x'), SeriesRun::line("", "[cfgPath]/a.dat", 128)}});
+    const test::Printed printed = series.run({"--dry-run"});
+    QVERIFY2(printed.status == 0 && !printed.err.contains("[long-line]"), printed.err);
 }
 
 void TestRun::refusesALossThatIsNotAllowed()
