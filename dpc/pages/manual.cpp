@@ -168,13 +168,13 @@ std::string statuses()
     return text + item(exitUsage, usageStatus) + ".El\n";
 }
 
-/// The documents that explain more than this page, at their installed place.
+/// The documents that explain more than this page, and the examples, at their installed place.
 std::string documents()
 {
     std::string text;
     for (const char* name : {"dpc.md", "rules.md", "running.md", "report.md", "results.md"})
-        text += fmt::format("{}.Pa /usr/share/doc/dpc/docs/{}", text.empty() ? "" : " ,\n", name);
-    return text + '\n';
+        text += fmt::format(".Pa /usr/share/doc/dpc/docs/{} ,\n", name);
+    return text + ".Pa /usr/share/doc/dpc/examples\n";
 }
 
 } // namespace
