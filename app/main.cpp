@@ -24,6 +24,7 @@ int main(int argc, char* argv[])
     QApplication::setWindowIcon(programIcon());
     // Under Wayland the desktop finds icon and name of a window by this.
     QApplication::setDesktopFileName(QStringLiteral("twdiskprobe"));
+    installTranslation(QLocale(), QStringLiteral(":/translations"));
     auto* window = new twDiskProbe;
     window->show();
     const int exitCode = QApplication::exec();

@@ -1,8 +1,11 @@
+#include "app/startup.h"
 #include "tests/app/editor.h"
+#include "tests/support/files.h"
 #include "tests/ui/formstate.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QTranslator>
 #include <QXmlStreamReader>
 
 // The steps of a translation: lupdate collects the texts of the form, and translated texts show in
@@ -198,6 +201,37 @@ private slots:
                 changed += place;
         QCOMPARE(changed, (QStringList{"comboSystemBuffer item 0", "labelChunkSizeMB",
                                        "labelFileSizeMB", "textInfo"}));
+    }
+
+    void aLanguageIsAFile_data()
+    {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("the file's language") << "de"
+                                             << "Neue Zeile";
+        QTest::newRow("in a country") << "de_AT"
+                                      << "Neue Zeile";
+        QTest::newRow("English") << "en_US"
+                                 << "Create new task line";
+        QTest::newRow("without a file") << "fr"
+                                        << "Create new task line";
+    }
+
+    void aLanguageIsAFile()
+    {
+        QFETCH(QString, locale);
+        QFETCH(QString, text);
+        const QTemporaryDir folder;
+        test::put(folder.filePath("twdiskprobe_de.ts"),
+                  "<!DOCTYPE TS><TS version=\"2.1\" language=\"de\"><context>"
+                  "<name>twDiskProbeClass</name><message><source>Create new task line</source>"
+                  "<translation>Neue Zeile</translation></message></context></TS>");
+        QCOMPARE(
+            QProcess::execute(TWDP_LRELEASE, {"-silent", folder.filePath("twdiskprobe_de.ts")}), 0);
+        installTranslation(QLocale(locale), folder.path());
+        const QScopedPointer<QTranslator> translator(qApp->findChild<QTranslator*>());
+        Editor editor;
+        QCOMPARE(editor.find<QPushButton>("buttonCreateNew")->text(), text);
     }
 
     void accessibleTextsFollowTheLanguage()

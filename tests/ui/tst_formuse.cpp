@@ -1,4 +1,5 @@
 #include "model/limits.h"
+#include "model/methods.h"
 #include "ui_twdiskprobe.h"
 
 #include <QTest>
@@ -40,6 +41,7 @@ private slots:
     void addTaskToListStaysEnabled();
     void spinBoxesStayWithinTheirLimits_data();
     void spinBoxesStayWithinTheirLimits();
+    void methodsAndTypesAreThoseOfTheTables();
     void cacheModesEndWithTheLargest();
     void spinBoxesStepAsListed();
     void tableCannotBeEditedInPlace();
@@ -128,6 +130,14 @@ void TestFormUse::spinBoxesStayWithinTheirLimits()
     QCOMPARE(spin->value(), maximum);
     spin->stepUp();
     QCOMPARE(spin->value(), maximum);
+}
+
+void TestFormUse::methodsAndTypesAreThoseOfTheTables()
+{
+    QCOMPARE(m_form.comboMethod->count(), methodCount);
+    for (int i = 0; i < methodCount; ++i)
+        QVERIFY2(m_form.comboMethod->itemText(i).startsWith(ioMethods[i].name), ioMethods[i].name);
+    QCOMPARE(m_form.comboTestType->count(), testTypeCount);
 }
 
 void TestFormUse::cacheModesEndWithTheLargest()
