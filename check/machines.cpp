@@ -25,6 +25,10 @@ public:
         if (machine.name.size() > maxNameLength)
             setProblem(fmt::format("{} is longer than {} characters", quoted(machine.name),
                                    maxNameLength));
+        else if (machine.name.contains('/') || machine.name.contains('\\'))
+            setProblem(fmt::format("{} holds a separator of folders, and is not the name of a "
+                                   "machine",
+                                   quoted(machine.name)));
         else
             addExpanded(machine, {}, machine.name);
         m_expanded = 0;

@@ -56,6 +56,7 @@ public:
 private:
     void compare(const Need& need);
     bool isMet(const Need& need);
+    bool makesOtherSize(const Need& need, const InitEntry& entry) const;
     void reportMissing();
     void reportLacks();
     void reportLack(const Lack& lack, const std::vector<std::string>& names);
@@ -83,6 +84,17 @@ private:
     std::string m_advice;
 };
 
+/// False for a file that is there in a size of its own: that it is made anew is the finding.
+bool InitComparison::makesOtherSize(const Need& need, const InitEntry& entry) const
+{
+    constexpr qint64 kib = 1024;
+    const qint64 wanted = std::min<qint64>(need.file.size, maxFileSize);
+    if (!entry.isActive || entry.size / kib == wanted / kib)
+        return false;
+    const PathStatus status = m_environment.look(need.file.resolved);
+    return !status.exists() || status.size == entry.size;
+}
+
 void InitComparison::compare(const Need& need)
 {
     const QString& path = need.file.resolved;
@@ -93,8 +105,7 @@ void InitComparison::compare(const Need& need)
         return;
     if (!isMet(need))
         m_lacks.push_back({&need, entry});
-    else if (entry != nullptr && entry->isActive && !need.file.isDummy &&
-             entry->size / 1024 != std::min<qint64>(need.file.size, maxFileSize) / 1024)
+    else if (entry != nullptr && !need.file.isDummy && makesOtherSize(need, *entry))
         m_otherSizes.push_back(need);
 }
 

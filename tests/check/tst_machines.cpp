@@ -70,6 +70,9 @@ private slots:
         QTest::newRow("equal numbers")
             << QString("[1,1]").repeated(50) << "more than 100000 machines";
         const QString longName = QString("[0]").repeated(100);
+        QTest::newRow("separator") << "pc/1"
+                                   << QString("'pc/1' holds a separator of folders, and is not "
+                                              "the name of a machine");
         QTest::newRow("long name") << longName
                                    << QString("'%1...%2' is longer than 253 characters")
                                           .arg(longName.left(80), longName.right(80));

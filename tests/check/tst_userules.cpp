@@ -403,6 +403,16 @@ private slots:
         QCOMPARE(errorsAndWarnings(), QStringList());
     }
 
+    /// Two spellings, of which the first load out of "_wait" took one for missing.
+    void fileThatIsMadeAnewIsOneFinding()
+    {
+        m_series->setExisting(m_series->root() + "s.dat", 777);
+        m_series->put("a_init.dpc", making("[cfgPath]/s.dat", 4096) + dummy);
+        m_series->put("a.dpc", reading(m_series->root().toLatin1() + "s.dat") +
+                                   reading("[cfgPath]/s.dat", 4096));
+        QCOMPARE(errorsAndWarnings(), QStringList{"a_init.dpc:1:1 init-overwrites"});
+    }
+
     void whatTasksLeaveBehindMayBeMadeAnew()
     {
         m_series->put("a.dpc", writing("[cfgPath]/s.dat") + reading("[cfgPath]/s.dat", 2048));
