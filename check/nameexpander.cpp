@@ -21,6 +21,7 @@ Path toPath(const QByteArray& text)
 
 int longestValueOf(const SeriesFacts& facts, const MachineValues& machine)
 {
+    constexpr int maxNumbersAndAdditions = 20;
     int longest = std::max(facts.runFolder.size(), facts.name.baseName.size());
     longest = std::max(longest, machine.computerName ? int(machine.computerName->length) : 0);
     longest = std::max(longest, machine.tempFolder ? int(machine.tempFolder->length) : 0);
@@ -76,6 +77,12 @@ QString NameExpander::namelessInitName(const LineFact& line, const QByteArray& p
     m_file = -1;
     m_task.configPath.clear();
     return expand(line, path, iteration, true);
+}
+
+QString NameExpander::valueOf(const LineFact& line, const char* variable, int iteration)
+{
+    turnTo(line);
+    return expand(line, variable, iteration, false);
 }
 
 TestTask& NameExpander::record(const LineFact& line)

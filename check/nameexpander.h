@@ -3,10 +3,6 @@
 #include "check/seriesfacts.h"
 #include "model/pathvariables.h"
 
-/// Characters of a number or a date that a variable stands for, or of an addition to a name, at
-/// most.
-constexpr int maxNumbersAndAdditions = 20;
-
 /// Expands the names of the tasks of a series as they are on the machines that run it: its files
 /// lie outside "_wait" then, and have their number as config file ID.
 class NameExpander
@@ -23,6 +19,9 @@ public:
 
     /// As an "_init" file names it that was saved before the tasks belonged to a config file.
     QString namelessInitName(const LineFact& line, const QByteArray& path, int iteration = 0);
+
+    /// The value of a variable, which is given as it is spelled.
+    QString valueOf(const LineFact& line, const char* variable, int iteration);
 
     /// At least as long as what any variable stands for, in characters.
     int longestValue() const { return m_longestValue; }

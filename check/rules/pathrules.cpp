@@ -4,7 +4,6 @@
 #include "check/rules/variables.h"
 #include "check/taskfields.h"
 #include "check/text.h"
-#include "shared/kvfile.h"
 #include "shared/kvpath.h"
 
 #include <fmt/format.h>
@@ -101,16 +100,8 @@ public:
     LengthRule(const SeriesFacts& facts, const CheckOptions& options, Findings& findings)
         : m_facts(facts)
         , m_findings(findings)
-    {
-        for (const QString& host : options.hosts)
-            m_hostLength =
-                std::max(m_hostLength, int(computerNameFrom(host.toLatin1().constData()).length));
-        if (options.hosts.isEmpty())
-            m_hostLength = getComputerName().length;
-        m_longestValue = std::max({m_hostLength, m_tempLength, facts.runFolder.size(),
-                                   facts.name.baseName.size()}) +
-                         maxNumbersAndAdditions;
-    }
+        , m_names(facts, machineWithTheLongestName(options))
+    {}
 
     void check(const LineFact& line, TaskPath which)
     {
@@ -136,55 +127,33 @@ public:
     }
 
 private:
-    /// The length of the longest value of a variable.
-    int valueLength(PathVariable variable, const LineFact& line) const
+    static MachineValues machineWithTheLongestName(const CheckOptions& options)
     {
-        constexpr int dateLength = 19;
-        constexpr int logNameAdditions = 5; // "_" and "_log"
-        const FileFact& file = m_facts.fileOf(line);
-        const int base =
-            file.path.size() - file.path.lastIndexOf('/') - 1 - int(qstrlen(configFileExtension));
-        const auto digits = [](int number) { return int(std::to_string(number).size()); };
-        switch (variable) {
-        case PathVariable::Host:
-            return m_hostLength;
-        case PathVariable::Date:
-            return dateLength;
-        case PathVariable::Iter:
-            return digits(std::max(line.used.iterations - 1, 0));
-        case PathVariable::CfgLine:
-        case PathVariable::CfgTaskId:
-            return digits(line.taskNumber);
-        case PathVariable::CfgId:
-            return digits(file.number);
-        case PathVariable::CfgLogName:
-            return base + logNameAdditions;
-        case PathVariable::CfgNameId:
-            return base;
-        case PathVariable::CfgName:
-            return m_facts.name.baseName.size();
-        case PathVariable::CfgPath:
-            return m_facts.runFolder.size();
-        case PathVariable::Temp:
-            break;
+        MachineValues machine = thisMachine();
+        if (!options.hosts.isEmpty())
+            machine.computerName->clear();
+        for (const QString& host : options.hosts) {
+            const _kvString<maxPath> name = computerNameFrom(host.toLatin1().constData());
+            if (name.length > machine.computerName->length)
+                machine.computerName = name;
         }
-        return m_tempLength;
+        return machine;
     }
 
     /// A path that is too long for a moment only is cut as well.
-    int longestExpansion(const LineFact& line, const QByteArray& path) const
+    int longestExpansion(const LineFact& line, const QByteArray& path)
     {
         int length = path.size();
         if (!path.isEmpty() && isRelative(path))
             length += m_facts.runFolder.size();
         // Most paths can't grow that long, and replacing is what takes time.
-        if (length + path.count('[') * m_longestValue <= maxPath)
+        if (length + path.count('[') * m_names.longestValue() <= maxPath)
             return length;
         int longest = length;
-        for (int i = 0; i < pathVariableCount; ++i) {
-            const char* const variable = pathVariables[i];
+        const int lastIteration = std::max(line.used.iterations - 1, 0);
+        for (const char* variable : pathVariables) {
             if (const int uses = path.count(variable); uses > 0)
-                length += uses * (valueLength(static_cast<PathVariable>(i), line) -
+                length += uses * (m_names.valueOf(line, variable, lastIteration).size() -
                                   int(qstrlen(variable)));
             longest = std::max(longest, length);
         }
@@ -193,9 +162,7 @@ private:
 
     const SeriesFacts& m_facts;
     Findings& m_findings;
-    int m_hostLength = 0;
-    int m_tempLength = kvGetTempDir().length;
-    int m_longestValue = 0; ///< of all variables, at least
+    NameExpander m_names;
 };
 
 constexpr Rule controlCharacter = {
