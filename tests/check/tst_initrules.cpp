@@ -149,7 +149,8 @@ private slots:
             << goodLine({{11, "/d/a;b"}}) << "a.dpc:2 is cut when it is loaded";
         QTest::newRow("long path")
             << goodLine({{11, '/' + QByteArray(600, 'x')}}) << "a.dpc:2 is cut when it is loaded";
-        QTest::newRow("long file") << goodLine().repeated(60) << "a.dpc would be cut at 5000";
+        QTest::newRow("long file")
+            << goodLine().repeated(60) << QString("a.dpc would be cut at %1").arg(maxConfigFile);
     }
 
     void saveIsNotAdvisedWhereALineWouldBeLost()

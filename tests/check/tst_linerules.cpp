@@ -70,7 +70,8 @@ private slots:
         row("long path with its values", "long-path",
             goodLine({{11, '/' + QByteArray(300, 'x') + "[cfgNameID]" + QByteArray(187, 'x') +
                                "[cfgPath]"}}));
-        row("long file", "long-file", '#' + QByteArray(5000 - 1, 'x'), '#' + QByteArray(4998, 'x'));
+        row("long file", "long-file", '#' + QByteArray(maxConfigFile - 1, 'x'),
+            '#' + QByteArray(maxConfigFile - 2, 'x'));
         row("full file with its line end", "long-file", '#' + QByteArray(4999, 'x') + "\n",
             '#' + QByteArray(4998, 'x') + "\n");
         row("same task", "same-task", goodLine() + goodLine(), goodLine() + goodLine({{8, "4"}}));
@@ -119,7 +120,7 @@ private slots:
         QCOMPARE(m_series->severity("winapi"), Severity::Warning);
         m_series->put("a.dpc", goodLine().repeated(60));
         QCOMPARE(m_series->severity("long-file"), Severity::Warning);
-        m_series->put("a.dpc", goodLine().repeated(60).left(5000));
+        m_series->put("a.dpc", goodLine().repeated(60).left(maxConfigFile));
         QCOMPARE(m_series->severity("long-file"), Severity::Error);
     }
 
@@ -141,7 +142,7 @@ private slots:
     void fileSizePointsAtTheLastCharacterThatASaveKeeps()
     {
         QByteArray content;
-        while (content.size() < 5000)
+        while (content.size() < maxConfigFile)
             content += '#' + QByteArray(98, 'x') + '\n';
         QCOMPARE(m_series->hits("long-file", content), 0);
         m_series->put("a.dpc", content.left(4990) + QByteArray(20, 'y'));

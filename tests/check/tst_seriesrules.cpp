@@ -306,7 +306,7 @@ private slots:
 
     void moreCommentsThanALoadTakes()
     {
-        const QByteArray most = QByteArray("# c\n").repeated(5000);
+        const QByteArray most = QByteArray("# c\n").repeated(maxSeriesComments);
         QCOMPARE(m_series->hits("too-much", most + goodLine()), 0);
         m_series->put("a.dpc", most + "# d\n# e\n" + goodLine());
         QCOMPARE(m_series->said({"too-much"}), QStringList{"a.dpc:5001:1 too-much"});

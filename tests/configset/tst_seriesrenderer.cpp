@@ -275,9 +275,9 @@ private slots:
             const QString content =
                 renderInitFile(series.filesToCreate, mytest, nothingExists).content;
             // All that a file can hold, and no more of it than that takes.
-            QCOMPARE(content.left(5000), initOf(fewTasks).left(5000));
-            QVERIFY(content.size() < 5000 + 1000);
-            QVERIFY(series.filesToCreate.files().size() <= 5000 / 70 + 1);
+            QCOMPARE(content.left(maxConfigFile), initOf(fewTasks).left(maxConfigFile));
+            QVERIFY(content.size() < maxConfigFile + maxLine);
+            QVERIFY(series.filesToCreate.files().size() <= maxConfigFile / 70 + 1);
         }
     }
 

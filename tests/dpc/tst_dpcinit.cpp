@@ -102,8 +102,9 @@ private slots:
         m_series->put("a.dpc", goodLine({{8, "100"}, {10, "[cfgPath]/s_[iter].dat"}}));
         const DpcRun::Result result = run("init");
         QCOMPARE(result.code, 0);
-        QCOMPARE(result.out.size(), 5000);
-        QVERIFY(result.err.contains("is cut at 5000 characters"));
+        QCOMPARE(result.out.size(), maxConfigFile);
+        QVERIFY(
+            result.err.contains(QString("is cut at %1 characters").arg(maxConfigFile).toUtf8()));
     }
 
     void aSeriesWithoutTasksHasNoInitFile()
