@@ -339,7 +339,7 @@ int run(const Arguments& arguments, const Output& output)
     const std::string taken =
         request.folder.isEmpty() ? std::string() : RunFolder::whyTaken(request.folder);
     if (!taken.empty())
-        return fail(output, taken);
+        return fail(output, taken + "; name a folder that does not exist yet");
     std::string problem;
     const QString version = fioVersion(request.run.program, problem);
     if (!problem.empty())

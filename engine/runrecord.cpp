@@ -121,15 +121,21 @@ RecordedJob plannedJob(const Plan& plan, const PlanJob& planned)
     return job;
 }
 
-/// Of a run without results: it was killed, or goes on.
+/// Of a run without results: it was refused or killed, or goes on.
 RecordedRun runOf(const QJsonObject& state, const QString& folder, const PlanFileContent* planned)
 {
     RecordedRun run;
-    run.state = RunFolder::isLocked(folder) ? "running" : "killed";
     run.startedMs = wholeOf(state["startedMs"]);
-    const QJsonValue stage = state["stage"];
-    run.reasons += stage.isDouble() ? QString("%1 in stage %2").arg(run.state).arg(stage.toInt())
-                                    : QString("%1 before its first stage").arg(run.state);
+    run.state = state["state"].toString();
+    if (run.state == QLatin1String(runStateName(RunState::Refused))) {
+        run.reasons = textsOf(state["reasons"]);
+    } else {
+        run.state = RunFolder::isLocked(folder) ? "running" : "killed";
+        const QJsonValue stage = state["stage"];
+        run.reasons += stage.isDouble()
+                           ? QString("%1 in stage %2").arg(run.state).arg(stage.toInt())
+                           : QString("%1 before its first stage").arg(run.state);
+    }
     if (planned == nullptr)
         return run;
     const Plan& plan = planned->plan;

@@ -394,6 +394,7 @@ void TestRun::makesNoFolderThatIsThere()
         const test::Printed printed = series.run({"--to", series.file(name)});
         QCOMPARE(printed.status, 2);
         QVERIFY(printed.err.contains("is there already"));
+        QVERIFY(printed.err.contains("name a folder that does not exist yet"));
         QCOMPARE(canaries(series), before);
     }
 }

@@ -168,6 +168,18 @@ private slots:
         QCOMPARE(run->reasons, QStringList("killed in stage 1"));
     }
 
+    void aRunThatWasRefusedSaysWhy()
+    {
+        const QTemporaryDir folder;
+        test::put(folder.filePath("state.json"),
+                  R"({"version": 1, "state": "refused", "stage": null, "reasons": ["no disk"]})");
+        std::string problem;
+        const auto run = readRun(folder.path(), problem);
+        QVERIFY(run.has_value());
+        QCOMPARE(run->state, QString("refused"));
+        QCOMPARE(run->reasons, QStringList("no disk"));
+    }
+
 private:
     static RunSummary summed(const QJsonArray& jobs)
     {
