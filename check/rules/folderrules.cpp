@@ -105,8 +105,11 @@ public:
                                 quoted(nameOf(m_firstUser[i]))),
                     folder.shownPath);
         }
-        for (int i = 0; i < int(m_uses.uses().size()); ++i)
-            checkFile(i);
+        for (const FileUse& use : m_uses.uses()) {
+            const int machines = m_uses.nameOf(use).byHost ? int(m_uses.machines().size()) : 1;
+            for (int machine = 0; machine < machines; ++machine)
+                checkFile(use, m_uses.file(use, machine).path);
+        }
         for (const InitUse& made : m_uses.init())
             checkMade(made);
     }
@@ -131,10 +134,8 @@ private:
     }
 
     /// A file that a task names, and that another one needs as a folder.
-    void checkFile(int index)
+    void checkFile(const FileUse& use, const KeyedPath& path)
     {
-        const FileUse& use = m_uses.uses()[size_t(index)];
-        const KeyedPath& path = m_uses.file(use, 0).path;
         const auto folder = m_folderOfKey.constFind(path.key);
         const bool isKnown = path.kind != PathStatus::Kind::Nothing || path.namesFolder;
         if (folder == m_folderOfKey.cend() || isKnown || m_said.contains(path.key))
@@ -198,7 +199,9 @@ constexpr Rule destFolder = {
     "dest-folder",
     Severity::Warning,
     "paths",
-    "The folder of the destination does not exist, and the _init file does not make it.",
+    "The folder of the destination does not exist, and the _init file does not make it. A folder "
+    "of "
+    "each machine counts for its log and .csv files as well.",
     "make the folder, or correct the name",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  /data/out/[host].dat;  "
             "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
@@ -212,7 +215,7 @@ constexpr Rule destFolderLocal = {
     Severity::Note,
     "paths",
     "The folder of the destination must be there on each machine; the _init file makes folders "
-    "below [cfgPath] only.",
+    "below [cfgPath] only, and those with [host] in their names for one machine.",
     "make the folder on each machine, or write into [temp] itself",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[temp]/[cfgName]/out.dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
@@ -238,6 +241,8 @@ public:
     void check(int line)
     {
         const LineFact& fact = m_facts.lines[size_t(line)];
+        for (const TaskPath role : {DestPath, LogPath, CsvPath})
+            checkOfMachines(line, role);
         const QByteArray dest = fact.path(DestPath);
         // Below the config file's folder, the "_init" file is asked as a whole.
         if (dest.isEmpty() || dest.startsWith(configPathVariable) || isForeignPath(dest))
@@ -257,6 +262,49 @@ public:
     }
 
 private:
+    /// A folder of each machine beside the config files: the "_init" file is made on one of them.
+    void checkOfMachines(int line, TaskPath role)
+    {
+        const LineFact& fact = m_facts.lines[size_t(line)];
+        if (m_uses.givenMachines() == 0 || !fact.path(role).startsWith(configPathVariable))
+            return;
+        for (int i = 0; i < m_uses.useCount(line, role); ++i) {
+            const FileUse& use = m_uses.use(line, role, i);
+            const QByteArray name = m_uses.nameOf(use).text;
+            const QByteArray folder = name.left(name.lastIndexOf('/') + 1);
+            if (!folder.contains(hostVariable) || folder.contains(dateVariable) ||
+                m_checked.contains(folder))
+                continue;
+            m_checked.insert(folder);
+            sayLacking(fact, role, folder, machinesWithout(use));
+        }
+    }
+
+    std::vector<int> machinesWithout(const FileUse& use) const
+    {
+        std::vector<int> lacking;
+        for (int machine = 0; machine < int(m_uses.machines().size()); ++machine) {
+            const int place = m_uses.file(use, machine).path.folder;
+            const KeyedFolder& folder = m_uses.folders()[size_t(place)];
+            if (folder.kind == PathStatus::Kind::Nothing && !m_made.contains(folder.key))
+                lacking.push_back(machine);
+        }
+        return lacking;
+    }
+
+    void sayLacking(const LineFact& line, TaskPath role, const QByteArray& folder,
+                    const std::vector<int>& lacking)
+    {
+        if (lacking.empty())
+            return;
+        m_findings.add(
+            destFolderLocal, line, line.columnOf(role),
+            {fmt::format("the folder {} does not exist for {}, and nothing makes it: the _init "
+                         "file makes it for the machine that saved the series",
+                         quoted(folder), listedMachines(m_uses, lacking, int(lacking.size()))),
+             "make the folders, or put [host] into the name of the file"});
+    }
+
     /// On all machines that the folder can be seen of.
     bool isThere(const FileUse& use) const
     {

@@ -228,7 +228,7 @@ private:
                     advice()};
         for (const FileWay& way : file.ways) {
             const int first = m_uses.names()[size_t(way.name)].firstUse[DestPath];
-            if (first >= 0)
+            if (first >= 0 && m_uses.uses()[size_t(first)].line != source.line)
                 return {fmt::format("{}nothing makes it before {} writes it", missing,
                                     placeOf(m_facts, m_uses.uses()[size_t(first)].line)),
                         "change the order of the tasks, or correct the name"};

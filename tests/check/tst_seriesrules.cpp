@@ -350,7 +350,7 @@ private:
         task.io.flush = task.io.preallocate = isSet;
         task.iterations = isSet ? 3 : 1;
         task.sourcePath = path("[cfgPath]/s[cfgID]-[cfgTaskID].dat");
-        task.destPath = path("[cfgPath]/[host]/d[cfgID]-[cfgTaskID]_[iter].dat");
+        task.destPath = path("[cfgPath]/d[cfgID]-[cfgTaskID]_[host]_[iter].dat");
         if (type == TestType::Write)
             task.sourcePath.clear();
         if (type == TestType::Read)

@@ -265,6 +265,38 @@ private slots:
         QCOMPARE(m_series->hits("same-file", task("[cfgPath]/pc4.dat", "[cfgPath]/[host].dat")), 0);
     }
 
+    /// The machine that saves the series makes its own folder only.
+    void foldersOfOtherMachines()
+    {
+        m_series->options().hosts = QStringList{"pc1", "pc2", "pc3"};
+        m_series->put("a_init.dpc", making("[cfgPath]/pc1/dummyFile", 0));
+        m_series->setExisting(m_series->root() + "pc3/");
+        for (const QByteArray& lines :
+             {writing("[cfgPath]/[host]/x") + writing("[cfgPath]/[host]/y"),
+              withLog("[cfgPath]/x_[host]", "[cfgPath]/[host]/l.txt"),
+              withCsv("[cfgPath]/[host]/c.csv")}) {
+            QCOMPARE(m_series->hits("dest-folder-local", lines), 1);
+            QVERIFY(m_series->text("dest-folder-local").contains("does not exist for pc2, and"));
+        }
+        m_series->setExisting(m_series->root() + "pc2/");
+        QCOMPARE(m_series->hits("dest-folder-local", writing("[cfgPath]/[host]/x")), 0);
+        // Without their names nobody can tell.
+        m_series->options().hosts.clear();
+        QCOMPARE(m_series->hits("dest-folder-local", writing("[cfgPath]/x/[host]/x")), 0);
+    }
+
+    void fileOfOneMachineThatIsAFolderOfAnother()
+    {
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+        m_series->put("a_init.dpc", dummy);
+        QCOMPARE(m_series->hits("folder-is-file",
+                                writing("[cfgPath]/[host]") + writing("[cfgPath]/pc2/x_[host]")),
+                 1);
+        QCOMPARE(m_series->hits("folder-is-file",
+                                writing("[cfgPath]/[host]") + writing("[cfgPath]/pc3/x_[host]")),
+                 0);
+    }
+
     void machinesThatMeetInOneName()
     {
         m_series->options().hosts = QStringList{"pc1", "pc11"};
