@@ -58,7 +58,7 @@ void TestTask::setDefaults()
 
 void TestTask::setFileCreation(const _kvString8_allSize<maxPath>& path, std::int64_t bytes)
 {
-    destPath = path; // first, for the path may be one of those that are cleared
+    destPath = path; // first, because the path may be one of those that are cleared
     waitForNextConfig = false;
     writeDone = true;
     iterations = 1;

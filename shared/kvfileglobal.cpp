@@ -17,7 +17,7 @@ _fileGLobal::_fileGLobal()
     auto* const blockEnd = reinterpret_cast<unsigned char*>(&timer) + sizeof timer;
     std::fill(blockStart, blockEnd, static_cast<unsigned char>(0));
 
-    // Only now, for two of these lie in the block.
+    // Only now, because two of these lie in the block.
     // NOLINTBEGIN(cppcoreguidelines-prefer-member-initializer)
     sysBufferMode = -1;
     chunkWait = 0;

@@ -44,8 +44,9 @@ bool kvIsDigit(const unsigned short& ch);
 
 /// A normalised form, never longer than the path: joins repeated "/" (exactly two at the start, a
 /// network share, stay), drops "." and resolves ".." as far as the text tells: never past the root,
-/// a leading ".." or a segment that holds a bracketed word, for nobody knows yet how many folders
-/// that stands for ("[cfgPath]sub"). A "/" at the end stays. A relative path that cancels out is
+/// a leading ".." or a segment that holds a bracketed word, because nobody knows yet how many
+/// folders that stands for ("[cfgPath]sub"). A "/" at the end stays. A relative path that cancels
+/// out is
 /// "."; the empty path stays empty.
 _kvString8_allSize<500> kvPathResolve(_kvString8_allSize<500> path);
 /// The same for 16-bit texts.

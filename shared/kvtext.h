@@ -21,7 +21,7 @@ QString kvToQString(const _kvString8_allSize<N>& text)
 }
 
 /// The one way by which 16-bit text leaves the program's records: code units 0xFF80 to 0xFFFF
-/// become the Latin-1 character of their low byte, for sign extension makes them of bytes.
+/// become the Latin-1 character of their low byte, because sign extension makes them of bytes.
 /// Characters that have these code units themselves, halfwidth forms, can't be told from them.
 template <int N>
 QString kvToQString(const _kvString<N>& text)

@@ -64,8 +64,8 @@ QByteArray folderOf(const QByteArray& path)
 
 QByteArray linkTarget(QByteArray path)
 {
-    // The kernel follows as many. Nothing of a path is shortened, for ".." after a link to a folder
-    // is not the folder before it.
+    // The kernel follows as many. Nothing of a path is shortened, because ".." after a link to a
+    // folder is not the folder before it.
     constexpr int maxLinks = 40;
     for (int i = 0; i < maxLinks; ++i) {
         const Link link = linkAt(path);

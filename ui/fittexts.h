@@ -5,7 +5,7 @@ class QMainWindow;
 /// Gives the texts of a window the space that they need at the font in use.
 ///
 /// Call it once, after the central widget has its layout, a row of columns. When the window is
-/// shown for the first time it grows until no text is cut, wider where its columns would be too
+/// shown for the first time it grows until no text is cut, wider if its columns would be too
 /// high for the screen; if its size is enough it keeps it. From then on its least height follows
 /// what the columns need at its width: after resizing, and when font or texts change. It has no
 /// least width.

@@ -181,7 +181,7 @@ private:
             QTest::newRow(qPrintable(example)) << example;
     }
 
-    /// Once more after a load, for then each task knows its config file.
+    /// Once more after a load, because then each task knows its config file.
     void saveLoadSave(Editor& editor, const QString& example) const
     {
         editor.save(m_folder + '/' + example + ".dpc");

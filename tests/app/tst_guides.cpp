@@ -24,7 +24,7 @@ private slots:
         QVERIFY(m_folder->isValid());
         m_root = QFileInfo(m_folder->path()).canonicalFilePath();
         QVERIFY(QDir().mkpath(m_root + "/tmp"));
-        // Small, for no figure is compared.
+        // Small, because no figure is compared.
         test::copyExamples(m_root + "/examples", "4096");
         QDir::setCurrent(m_root);
         m_shown.clear();

@@ -45,10 +45,10 @@ private slots:
         const QByteArray line = goodLine({{11, "[cfgPath]/[host]"}});
         m_series->options().hosts = QStringList{"pc1.north", "pc2", "pc1.south"};
         QCOMPARE(m_series->hits("shared-output", line), 1);
-        QVERIFY(
-            m_series->text("shared-output")
-                .startsWith("pc1.north, pc1.south all write '[cfgPath]/[host]', for the names come "
-                            "out the same"));
+        QVERIFY(m_series->text("shared-output")
+                    .startsWith(
+                        "pc1.north, pc1.south all write '[cfgPath]/[host]', because the names come "
+                        "out the same"));
     }
 
     void manyMachinesAreNotAllNamed()

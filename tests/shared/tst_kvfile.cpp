@@ -339,7 +339,7 @@ private slots:
         const QStringList before = entriesOf(in("."));
         for (const char* name : {"fifo", "folder", "device", "to folder", "to fifo"}) {
             const struct stat old = test::statusOf(in(name));
-            // In a child, for an open FIFO waits for its reader.
+            // In a child, because an open FIFO waits for its reader.
             QVERIFY2(test::runInChild([&] { save(in(name), "x"); }), name);
             QCOMPARE(entriesOf(in(".")), before);
             QCOMPARE(test::statusOf(in(name)).st_ino, old.st_ino);
