@@ -5,6 +5,9 @@ foreach(component dpc twdiskprobe)
     install_packed(${component} debian/changelog ${folder})
 endforeach()
 
+install(FILES debian/twdiskprobe.lintian-overrides RENAME twdiskprobe
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides COMPONENT twdiskprobe)
+
 # No revision of Debian's: the packages come with the programs.
 file(STRINGS debian/changelog newest LIMIT_COUNT 1)
 string(REGEX MATCH "\\((.+)\\)" newest ${newest})

@@ -174,7 +174,7 @@ std::string documents()
     std::string text;
     for (const char* name : {"dpc.md", "rules.md", "running.md", "report.md", "results.md"})
         text += fmt::format(".Pa /usr/share/doc/dpc/docs/{} ,\n", name);
-    return text + ".Pa /usr/share/doc/dpc/examples\n";
+    return text + ".Pa /usr/share/doc/dpc/examples/README.md\n";
 }
 
 } // namespace
