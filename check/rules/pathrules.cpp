@@ -131,7 +131,7 @@ private:
     {
         MachineValues machine = thisMachine();
         if (!options.hosts.isEmpty())
-            machine.computerName->clear();
+            machine.computerName = _kvString<maxPath>();
         for (const QString& host : options.hosts) {
             const _kvString<maxPath> name = computerNameFrom(host.toLatin1().constData());
             if (name.length > machine.computerName->length)
