@@ -120,8 +120,10 @@ InitFile::InitFile(const SeriesFacts& facts, const FileUses& uses)
         m_files.push_back({path, made.name, made.entry, uses.files()[size_t(made.file)].isOwn});
         if (!m_entries.contains(path) || made.entry.isActive)
             m_entries.insert(path, made.entry);
-        if (made.entry.isActive)
-            addFolders(path);
+        if (!made.entry.isActive)
+            continue;
+        m_sizes.insert({path, made.entry.size / 1024});
+        addFolders(path);
     }
 }
 

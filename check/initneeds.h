@@ -70,6 +70,9 @@ public:
     /// The line that names a file, or null. Of several an active one.
     const InitEntry* entryOf(const QString& path) const;
 
+    /// True if a line makes the file in this size, whether another one makes it anew or not.
+    bool makesSize(const QString& path, qint64 kib) const { return m_sizes.contains({path, kib}); }
+
     /// True if a line makes a file in the folder or below it.
     bool makesFolder(const QString& folder) const { return m_folders.contains(folder); }
 
@@ -81,6 +84,7 @@ private:
 
     std::vector<InitTarget> m_files;
     QHash<QString, InitEntry> m_entries;
+    QSet<QPair<QString, qint64>> m_sizes; ///< KiB
     QSet<QString> m_folders;
 };
 

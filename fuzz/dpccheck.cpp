@@ -85,6 +85,9 @@ std::optional<QJsonArray> check(CheckRequest request)
     Run json;
     Run quiet;
     slow::withinOneSecond([&] {
+        // It is called again if the machine was busy.
+        request.format = "text";
+        request.quiet = false;
         text = run([&](const Output& output) { return runCheck(request, output); });
         request.format = "json";
         json = run([&](const Output& output) { return runCheck(request, output); });

@@ -84,12 +84,13 @@ private:
     std::string m_advice;
 };
 
-/// False for a file that is there in a size of its own: that it is made anew is the finding.
+/// False for a file that is there in a size of its own, and for one that is made twice: these have
+/// findings of their own.
 bool InitComparison::makesOtherSize(const Need& need, const InitEntry& entry) const
 {
     constexpr qint64 kib = 1024;
     const qint64 wanted = std::min<qint64>(need.file.size, maxFileSize);
-    if (!entry.isActive || entry.size / kib == wanted / kib)
+    if (!entry.isActive || m_init.makesSize(need.file.resolved, wanted / kib))
         return false;
     const PathStatus status = m_environment.look(need.file.resolved);
     return !status.exists() || status.size == entry.size;

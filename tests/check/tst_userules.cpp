@@ -435,6 +435,15 @@ private slots:
         QCOMPARE(errorsAndWarnings(), QStringList());
     }
 
+    /// A save takes two spellings for two files.
+    void sourceThatIsMadeInTwoSizesIsOneFinding()
+    {
+        const QByteArray full = m_series->root().toLatin1() + "s.dat";
+        m_series->put("a_init.dpc", making("[cfgPath]/s.dat") + making(full, 2048) + dummy);
+        m_series->put("a.dpc", reading("[cfgPath]/s.dat") + reading(full, 2048));
+        QCOMPARE(errorsAndWarnings(), QStringList{"a.dpc:2:42 source-size"});
+    }
+
     /// Two spellings, of which the first load out of "_wait" took one for missing.
     void fileThatIsMadeAnewIsOneFinding()
     {
