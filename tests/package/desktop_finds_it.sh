@@ -47,7 +47,7 @@ type=$(gio info --attributes=standard::content-type "$scratch/unnamed" | sed -n 
 gio info --attributes=standard::icon "$scratch/mytest_init.dpc" | grep -q 'icon: text-x-twdiskprobe,' ||
     fail "a config file has not its own icon"
 
-# "Check Series" is offered for a config file, and a text editor opens it.
+# "Check series" is offered for a config file, and a text editor opens it.
 applications=$share/applications
 cat >"$applications/some-editor.desktop" <<END
 [Desktop Entry]
