@@ -67,12 +67,12 @@ int expectedCode(const QJsonObject& all, bool warningsAreErrors)
 }
 
 /// True if the findings tell each line that a load rejects: not those of a copy, which are told
-/// once, nor those beyond the number that is listed.
+/// once, nor those beyond the number that is listed, nor the rest of a task that is split.
 bool tellEachLine(const QJsonArray& findings)
 {
     return std::none_of(findings.begin(), findings.end(), [](const QJsonValue& value) {
         const QJsonObject finding = value.toObject();
-        return finding.contains("more") ||
+        return finding.contains("more") || finding["rule"] == "split-line" ||
                (finding["rule"] == "both-folders" && finding["severity"] == "note");
     });
 }
