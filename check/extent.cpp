@@ -17,7 +17,7 @@ void ExtentCounter::add(const SeriesFacts& facts, const std::set<const Rule*>& r
         ++m_tasks;
         bool hasMore = false;
         for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath}) {
-            const QByteArray path = line.path(which);
+            const QByteArray& path = line.path(which);
             if (isForeignPath(path))
                 (isSharePath(path) ? m_sharePaths : m_windowsPaths).insert(path);
             hasMore = hasMore || iterationsOf(line, path) > facts.iterationLimit;

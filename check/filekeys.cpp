@@ -1,5 +1,6 @@
 #include "check/filekeys.h"
 
+#include "check/text.h"
 #include "model/limits.h"
 #include "shared/kvpath.h"
 
@@ -20,7 +21,7 @@ bool isAsciiLetter(char c)
 QByteArray resolved(const QByteArray& path)
 {
     // Most paths have nothing to resolve.
-    if (!path.contains("//") && !path.contains("/."))
+    if (!holds(path, "//") && !holds(path, "/."))
         return path;
     _kvString8_allSize<maxPath> text;
     text.add(path.constData(), path.size());

@@ -1,5 +1,6 @@
 #include "check/fileuses.h"
 
+#include "check/text.h"
 #include "shared/kvpath.h"
 #include "shared/kvtext.h"
 
@@ -26,7 +27,7 @@ QByteArray resolved(const QByteArray& path)
 /// "[cfgPath]/x" and "[cfgPath]x" are the same: the folder ends in "/".
 void replaceConfigPath(QByteArray& path, const QByteArray& folder)
 {
-    if (!path.contains(configPathVariable))
+    if (!holds(path, configPathVariable))
         return;
     path.replace(QByteArray(configPathVariable) + '/', folder);
     path.replace(configPathVariable, folder);
@@ -85,7 +86,7 @@ void FileUses::takeMachines(const QStringList& hosts)
 void FileUses::addUses(int line, TaskPath role)
 {
     const LineFact& fact = m_facts.lines[size_t(line)];
-    const QByteArray path = fact.path(role);
+    const QByteArray& path = fact.path(role);
     if (path.isEmpty())
         return;
     const int iterations = std::min(iterationsOf(fact, path), m_facts.iterationLimit);
@@ -105,7 +106,7 @@ int FileUses::nameFor(const LineFact& line, const QByteArray& path, int iteratio
     name.text = m_templates.expand(line, full, iteration);
     // A cut falls elsewhere on each machine, and ".." can't be followed past a variable.
     name.mustExpandAnew =
-        path.contains("..") || full.size() + full.count('[') * m_longestValue >= maxPath;
+        holds(path, "..") || full.size() + maxVariables(full) * m_longestValue >= maxPath;
     const QByteArray key = name.mustExpandAnew
                                ? name.text + '\n' + QByteArray::number(qulonglong(m_uses.size()))
                                : name.text;
@@ -113,9 +114,9 @@ int FileUses::nameFor(const LineFact& line, const QByteArray& path, int iteratio
     if (known != m_nameOfText.cend())
         return *known;
     const QByteArray& telling = name.mustExpandAnew ? path : name.text;
-    name.byHost = telling.contains(hostVariable);
-    name.byDate = telling.contains(dateVariable);
-    name.byTemp = telling.contains(tempVariable);
+    name.byHost = holds(telling, hostVariable);
+    name.byDate = holds(telling, dateVariable);
+    name.byTemp = holds(telling, tempVariable);
     m_names.push_back(name);
     return *m_nameOfText.insert(key, int(m_names.size()) - 1);
 }
@@ -156,7 +157,7 @@ QByteArray FileUses::pathOn(const FileUse& use, int machine) const
     replaceConfigPath(path, m_runFolder);
     if (name.byTemp)
         path.replace(tempVariable, m_temp);
-    return path.contains("//") ? resolved(path) : path;
+    return holds(path, "//") ? resolved(path) : path;
 }
 
 void FileUses::placeNames()
@@ -172,7 +173,7 @@ void FileUses::placeNames()
             UsedFile& file = m_files[size_t(place)];
             file.isLocal = file.isLocal || name.byTemp;
             file.path.namesFolder = file.path.namesFolder || name.text == tempVariable;
-            file.isShared = file.isShared || name.text.contains(configPathVariable);
+            file.isShared = file.isShared || holds(name.text, configPathVariable);
             file.ways.push_back({int(i), name.byHost ? machine : allMachines});
         }
     }
@@ -194,6 +195,8 @@ int FileUses::fileAt(const QByteArray& path, bool isHere)
 
 bool FileUses::isOwnFile(const QByteArray& key) const
 {
+    if (!key.startsWith(m_runFolderKey))
+        return false;
     const int start = key.lastIndexOf('/') + 1;
     const QByteArray folder = key.left(start);
     if (folder != m_runFolderKey && folder != m_runFolderKey + waitFolder().toUtf8())
@@ -221,10 +224,10 @@ void FileUses::addInit()
         QByteArray path = use.name;
         replaceConfigPath(path, m_runFolder);
         // A save writes names without other variables.
-        if (use.name.count('[') != (use.name.startsWith(configPathVariable) ? 1 : 0) ||
-            path.contains("..") || isRelative(path))
+        if (maxVariables(use.name) != (use.name.startsWith(configPathVariable) ? 1 : 0) ||
+            holds(path, "..") || isRelative(path))
             path = expander.resolve(line, use.name).toLatin1();
-        use.file = fileAt(path.contains("//") ? resolved(path) : path, true);
+        use.file = fileAt(holds(path, "//") ? resolved(path) : path, true);
         UsedFile& file = m_files[size_t(use.file)];
         // Of several spellings the last line leaves the file as it is.
         if (file.init < 0 || use.entry.isActive)

@@ -1,5 +1,6 @@
 #include "check/initneeds.h"
 
+#include "check/text.h"
 #include "model/tasklinereader.h"
 #include "shared/kvpath.h"
 #include "shared/kvtext.h"
@@ -100,7 +101,7 @@ void Needs::add(const FileUse& use, const QByteArray& text, qint64 size, bool is
     m_known.insert(text);
     QByteArray path = text;
     path.replace("[cfgPath]/", m_runFolder).replace(configPathVariable, m_runFolder);
-    const bool isResolved = !path.contains("//") && !path.contains("/.");
+    const bool isResolved = !holds(path, "//") && !holds(path, "/.");
     m_needs.push_back({&m_facts.lines[size_t(use.line)],
                        use.role,
                        {QString::fromLatin1(text),

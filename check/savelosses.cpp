@@ -92,7 +92,7 @@ QByteArray sourceMadeAnew(const SeriesFacts& facts, const FileUses& uses)
 {
     for (const UsedName& name : uses.names()) {
         const int first = name.firstUse[SourcePath];
-        if (first < 0 || !name.text.contains(configPathVariable))
+        if (first < 0 || !holds(name.text, configPathVariable))
             continue;
         const FileUse& use = uses.uses()[size_t(first)];
         const FileFact& file = facts.fileOf(facts.lines[size_t(use.line)]);

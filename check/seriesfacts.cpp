@@ -1,4 +1,5 @@
 #include "check/seriesfacts.h"
+#include "check/text.h"
 
 #include "check/environment.h"
 #include "configset/configfilereader.h"
@@ -51,8 +52,8 @@ bool isPartOfTask(const QByteArray& text)
 /// Marks the lines of a task that stands in several, because a path was pasted with its line end.
 void markSplitTasks(std::vector<LineFact>& lines)
 {
-    for (size_t first = 0; first < lines.size(); ++first) {
-        if (!isPartOfTask(lines[first].text))
+    for (size_t first = 0; first + 1 < lines.size(); ++first) {
+        if (lines[first + 1].kind != LineFact::Kind::Rejected || !isPartOfTask(lines[first].text))
             continue;
         int separators = lines[first].text.count(';');
         size_t next = first + 1;
@@ -132,7 +133,7 @@ private:
         const bool isWhole = fact.length < maxLine && !fact.hasZero && !isPartOfTask(fact.text);
         if (isWhole || ++m_facts.brokenComments > maxSeriesComments)
             return;
-        m_lines.push_back(fact);
+        m_lines.push_back(std::move(fact));
     }
 
     void scanEntry(LineFact& fact, const _kvString<maxLine>& line)
@@ -153,7 +154,7 @@ private:
         } else {
             takeTask(fact, line);
         }
-        m_lines.push_back(fact);
+        m_lines.push_back(std::move(fact));
     }
 
     void takeTask(LineFact& fact, const _kvString<maxLine>& line)
@@ -166,6 +167,12 @@ private:
         fact.written = settingsOf(m_task);
         m_task.normalise();
         fact.used = settingsOf(m_task);
+        for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath}) {
+            const bool isMemory =
+                which == SourcePath ? fact.fromMemory : which == DestPath && fact.toMemory;
+            if (!isMemory)
+                fact.paths[size_t(which)] = fact.field(firstPathField + which).left(maxPath);
+        }
     }
 
     SeriesFacts& m_facts;
@@ -302,7 +309,7 @@ void scanInit(SeriesFacts& facts, FileFact& file, int entryLimit)
 int longestName(const SeriesFacts& facts, const QByteArray& path)
 {
     const int longestValue = std::max(facts.runFolder.size(), facts.name.baseName.size());
-    return std::min(path.size() + path.count('[') * longestValue, maxPath);
+    return std::min(path.size() + maxVariables(path) * longestValue, maxPath);
 }
 
 /// Counts the names that all paths stand for.
@@ -325,7 +332,7 @@ void countNames(SeriesFacts& facts, const ReadLimits& limits)
 
 int iterationsOf(const LineFact& line, const QByteArray& path)
 {
-    return path.contains(iterVariable) ? line.used.iterations : std::min(line.used.iterations, 1);
+    return holds(path, iterVariable) ? line.used.iterations : std::min(line.used.iterations, 1);
 }
 
 TaskSettings settingsOf(const TestTask& task)
@@ -337,15 +344,15 @@ TaskSettings settingsOf(const TestTask& task)
 
 QByteArray LineFact::field(int number) const
 {
-    const TaskLineField& place = fields.fields[size_t(number - 1)];
-    return text.mid(place.column, place.length);
+    const std::string_view found = fieldText(number);
+    return {found.data(), int(found.size())};
 }
 
-QByteArray LineFact::path(TaskPath which) const
+std::string_view LineFact::fieldText(int number) const
 {
-    if ((which == SourcePath && fromMemory) || (which == DestPath && toMemory))
-        return {};
-    return field(firstPathField + which).left(maxPath);
+    const TaskLineField& place = fields.fields[size_t(number - 1)];
+    const std::string_view whole(text.constData(), size_t(text.size()));
+    return whole.substr(std::min(size_t(place.column), whole.size()), size_t(place.length));
 }
 
 int LineFact::columnOf(int number) const

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // The content of a series, read once with the editor's own reader. Rules and listings ask only
@@ -76,11 +77,14 @@ struct LineFact
     TaskSettings used;    ///< as the editor loads them
     bool fromMemory = false;
     bool toMemory = false;
+    /// Of tasks: each path as the line has it; empty for memory and for what is not given.
+    std::array<QByteArray, taskPathCount> paths;
 
     /// The text of a field, from 1.
     QByteArray field(int number) const;
-    /// A path as the line has it; empty for memory and for what is not given.
-    QByteArray path(TaskPath which) const;
+    /// The same, for as long as the line is there.
+    std::string_view fieldText(int number) const;
+    const QByteArray& path(TaskPath which) const { return paths[size_t(which)]; }
     /// Where a field begins, from 1.
     int columnOf(int number) const;
     /// Where a path begins, from 1.

@@ -3,8 +3,10 @@
 #include <QByteArray>
 #include <QString>
 
+#include <algorithm>
 #include <functional>
 #include <string>
+#include <string_view>
 
 // Everything that dpc prints is UTF-8.
 
@@ -32,6 +34,20 @@ std::string safeText(const QString& text, const std::function<std::string(uint)>
 std::string quoted(const QString& text);
 /// The same for Latin-1.
 std::string quoted(const QByteArray& latin1);
+
+/// True if a path holds a variable or another part. Paths are short: QByteArray::contains costs
+/// several times as much, and every path is asked often.
+inline bool holds(const QByteArray& path, std::string_view part)
+{
+    const std::string_view text(path.constData(), size_t(path.size()));
+    return text.find(part) != std::string_view::npos;
+}
+
+/// How many variables a path holds at most: each begins with a bracket.
+inline int maxVariables(const QByteArray& path)
+{
+    return int(std::count(path.cbegin(), path.cend(), '['));
+}
 
 /// "1 task", "2 tasks".
 std::string counted(long long count, const char* noun);

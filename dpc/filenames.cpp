@@ -30,6 +30,11 @@ int validLength(const uchar* bytes, int size)
     return isWrong ? 0 : length;
 }
 
+bool isForeign(QChar unit)
+{
+    return unit.unicode() >= foreignByte + 0x80 && unit.unicode() <= foreignByte + 0xFF;
+}
+
 class FileNameCodec : public QTextCodec
 {
 public:
@@ -56,17 +61,16 @@ protected:
                                   ConverterState* /*state*/) const override
     {
         QByteArray result;
+        int written = 0;
         for (int i = 0; i < size; ++i) {
-            const uint unit = text[i].unicode();
-            const bool isPair =
-                text[i].isHighSurrogate() && i + 1 < size && text[i + 1].isLowSurrogate();
-            if (unit >= foreignByte + 0x80 && unit <= foreignByte + 0xFF)
-                result += static_cast<char>(unit - foreignByte);
-            else
-                result += QString(text + i, isPair ? 2 : 1).toUtf8();
-            i += isPair ? 1 : 0;
+            const bool isSecondOfPair = i > 0 && text[i - 1].isHighSurrogate();
+            if (!isForeign(text[i]) || isSecondOfPair)
+                continue;
+            result += QString::fromRawData(text + written, i - written).toUtf8();
+            result += static_cast<char>(text[i].unicode() - foreignByte);
+            written = i + 1;
         }
-        return result;
+        return result + QString::fromRawData(text + written, size - written).toUtf8();
     }
 };
 

@@ -16,8 +16,8 @@ struct PlanOptions
     QString date;                      ///< what "[date]" stands for; empty: now
     bool startAtMinute = false;        ///< each machine waits for the next full minute of its clock
                                        ///< before each stage. Whoever runs the stage must not start
-                                ///< it late in a minute, because the machines read their clocks
-                                ///< one after the other
+    ///< it late in a minute, because the machines read their clocks
+    ///< one after the other
     std::optional<int> onlyStage; ///< of all stages, the only one that is planned; from 0
     /// True for a file of an earlier run that may be written again.
     std::function<bool(const QString& machine, const QString& path)> mayOverwrite;

@@ -243,7 +243,7 @@ public:
         const LineFact& fact = m_facts.lines[size_t(line)];
         for (const TaskPath role : {DestPath, LogPath, CsvPath})
             checkOfMachines(line, role);
-        const QByteArray dest = fact.path(DestPath);
+        const QByteArray& dest = fact.path(DestPath);
         // Below the config file's folder, the "_init" file is asked as a whole.
         if (dest.isEmpty() || dest.startsWith(configPathVariable) || isForeignPath(dest))
             return;
@@ -256,8 +256,8 @@ public:
             m_checked.insert(folder);
             if (folder == "[temp]/" || m_uses.file(use, 0).isNoFile() || isThere(use))
                 continue;
-            const bool isLocal = folder.contains(hostVariable) || folder.contains(tempVariable);
-            say(fact, folder, isLocal && !folder.contains(dateVariable));
+            const bool isLocal = holds(folder, hostVariable) || holds(folder, tempVariable);
+            say(fact, folder, isLocal && !holds(folder, dateVariable));
         }
     }
 
@@ -272,7 +272,7 @@ private:
             const FileUse& use = m_uses.use(line, role, i);
             const QByteArray name = m_uses.nameOf(use).text;
             const QByteArray folder = name.left(name.lastIndexOf('/') + 1);
-            if (!folder.contains(hostVariable) || folder.contains(dateVariable) ||
+            if (!holds(folder, hostVariable) || holds(folder, dateVariable) ||
                 m_checked.contains(folder))
                 continue;
             m_checked.insert(folder);
@@ -319,7 +319,7 @@ private:
             if (folder.kind == PathStatus::Kind::Nothing && !m_made.contains(folder.key))
                 return false;
         }
-        return !name.byHost || m_uses.givenMachines() > 0 || !name.text.contains("[host]/");
+        return !name.byHost || m_uses.givenMachines() > 0 || !holds(name.text, "[host]/");
     }
 
     void say(const LineFact& line, const QByteArray& folder, bool isLocal)

@@ -3,7 +3,6 @@
 #include "check/taskfields.h"
 #include "check/text.h"
 
-#include <QCryptographicHash>
 #include <QHash>
 
 #include <fmt/format.h>
@@ -330,27 +329,30 @@ constexpr Rule sameTask = {
     oneFile(plainTask, 2),
     series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
 
-/// The work of a task, as text: its settings as they are loaded, and its files in each iteration,
+/// The work of a task, as a key: its settings as they are loaded, and its files in each iteration,
 /// however they are spelled.
 QByteArray contentOf(const LineFact& line, int place, const FileUses& uses)
 {
     const TaskSettings& task = line.used;
     QByteArray content;
+    const auto add = [&content](int value) {
+        content.append(reinterpret_cast<const char*>(&value), sizeof value);
+    };
     for (const int value :
          {line.file, int(task.method), int(task.flush), int(task.preallocate), int(task.chunkWait),
           int(task.chunkSize), int(task.sysBufferMode), int(task.fileSize), int(task.iterations),
           int(task.cacheMode), int(task.writeDone)})
-        content += QByteArray::number(value) + ';';
+        add(value);
     for (const TaskPath role : {SourcePath, DestPath, LogPath, CsvPath}) {
         for (int i = 0; i < uses.useCount(place, role); ++i) {
             const FileUse& use = uses.use(place, role, i);
             // On another machine it may be another file.
-            content += uses.nameOf(use).byHost ? 'h' : 'f';
-            content += QByteArray::number(uses.fileOf(use, 0));
+            add(uses.nameOf(use).byHost ? -1 : 1);
+            add(uses.fileOf(use, 0));
         }
-        content += ';';
+        add(0);
     }
-    return QCryptographicHash::hash(content, QCryptographicHash::Sha1);
+    return content;
 }
 
 } // namespace

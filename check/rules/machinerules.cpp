@@ -135,7 +135,7 @@ private:
         if (!file.isShared)
             text += ", which is one file if its folder is a share";
         Message message = text;
-        if (path.contains(hostVariable))
+        if (holds(path, hostVariable))
             message = {text + ", because the names come out the same",
                        "give the machines different names, or put something between the variables"};
         m_findings.add(rule, line, line.columnOf(use.role), std::move(message));

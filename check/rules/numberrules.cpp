@@ -47,7 +47,8 @@ std::string inUnits(const Number& number, std::int32_t value)
 /// The number that the text means, of any size; the reader takes its first characters.
 long long textValue(const LineFact& line, const Number& number)
 {
-    return std::strtoll(line.field(number.field).left(maxNumberLength).constData(), nullptr, 10);
+    const std::string text(line.fieldText(number.field).substr(0, maxNumberLength));
+    return std::strtoll(text.c_str(), nullptr, 10);
 }
 
 bool overflows(const LineFact& line, const Number& number)
@@ -58,8 +59,8 @@ bool overflows(const LineFact& line, const Number& number)
 
 bool isEmptyNumber(const LineFact& line, const Number& number)
 {
-    const QByteArray text = line.field(number.field);
-    return text.isEmpty() || text == "-";
+    const std::string_view text = line.fieldText(number.field);
+    return text.empty() || text == "-";
 }
 
 constexpr Rule negativeNumber = {
@@ -277,7 +278,7 @@ Systems systemsOf(const LineFact& line)
 {
     Systems systems;
     for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath}) {
-        const QByteArray path = line.path(which);
+        const QByteArray& path = line.path(which);
         if (path.startsWith('\\') || (path.size() > 1 && path[1] == ':'))
             systems.maybeOther = false;
         else if (path.startsWith('/') && !path.startsWith("//"))

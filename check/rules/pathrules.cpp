@@ -51,7 +51,7 @@ Message relativeMessage(const QByteArray& path, TaskPath which)
 void checkRelative(const SeriesFacts& facts, const LineFact& line, TaskPath which,
                    Findings& findings)
 {
-    const QByteArray path = line.path(which);
+    const QByteArray& path = line.path(which);
     if (path.isEmpty() || !isRelative(path) || (facts.isOfInit(line) && path == "dummyFile"))
         return;
     // A misspelled variable at the start is one mistake, not two.
@@ -147,7 +147,7 @@ private:
         if (!path.isEmpty() && isRelative(path))
             length += m_facts.runFolder.size();
         // Most paths can't grow that long, and replacing is what takes time.
-        if (length + path.count('[') * m_names.longestValue() <= maxPath)
+        if (length + maxVariables(path) * m_names.longestValue() <= maxPath)
             return length;
         int longest = length;
         const int lastIteration = std::max(line.used.iterations - 1, 0);
@@ -178,7 +178,7 @@ constexpr Rule controlCharacter = {
 
 void checkCharacters(const LineFact& line, TaskPath which, Findings& findings)
 {
-    const QByteArray path = line.path(which);
+    const QByteArray& path = line.path(which);
     const char noBreakBlank = '\xA0';
     const auto isHidden = [&](const char& c) {
         const bool isAtEnd = &c == path.begin() || &c == path.end() - 1;

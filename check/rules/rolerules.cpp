@@ -283,9 +283,9 @@ private:
             return false;
         const LineFact& oneLine = m_facts.lines[size_t(one.line)];
         const LineFact& otherLine = m_facts.lines[size_t(other.line)];
-        const QByteArray path = oneLine.path(one.role);
-        const QByteArray otherPath = otherLine.path(other.role);
-        if (path.contains(iterVariable) && otherPath.contains(iterVariable) &&
+        const QByteArray& path = oneLine.path(one.role);
+        const QByteArray& otherPath = otherLine.path(other.role);
+        if (holds(path, iterVariable) && holds(otherPath, iterVariable) &&
             one.iteration != other.iteration)
             return true;
         return path == otherPath &&
