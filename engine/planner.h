@@ -14,10 +14,10 @@ struct PlanOptions
     std::vector<PlanMachine> machines; ///< none: this one, without a server
     QString localTempFolder;           ///< "[temp]" of this machine; empty: its own
     QString date;                      ///< what "[date]" stands for; empty: now
-    bool startAtMinute = false;        ///< each machine waits for the next full minute of its clock
-                                       ///< before each stage. Whoever runs the stage must not start
-    ///< it late in a minute, because the machines read their clocks
-    ///< one after the other
+    /// Each machine waits for the next full minute of its clock before each stage. Whoever runs the
+    /// stage must not start it late in a minute, because the machines read their clocks one after
+    /// the other.
+    bool startAtMinute = false;
     std::optional<int> onlyStage; ///< of all stages, the only one that is planned; from 0
     /// True for a file of an earlier run that may be written again.
     std::function<bool(const QString& machine, const QString& path)> mayOverwrite;
