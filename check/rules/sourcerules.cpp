@@ -203,10 +203,11 @@ private:
             return;
         }
         std::vector<std::string> names;
+        names.reserve(sources.size());
         for (const FileUse* source : sources)
             names.push_back(printable(QString::fromLatin1(m_uses.nameOf(*source).text)));
         m_findings.add(sourceMissing, line, line.columnOf(SourcePath),
-                       messageOnMissing(*sources.front(), names.size()).about(std::move(names)));
+                       messageOnMissing(*sources.front(), sources.size()).about(std::move(names)));
     }
 
     Message messageOnMissing(const FileUse& source, size_t count)
