@@ -89,7 +89,7 @@ QByteArray Needs::folderName(const LineFact& line, const FileUse& use)
     const UsedName& name = m_uses.nameOf(use);
     if (!name.mustExpandAnew)
         return name.text.left(name.text.lastIndexOf('/') + 1) + "dummyFile";
-    const QByteArray path = line.path(use.role);
+    const QByteArray& path = line.path(use.role);
     const QByteArray dummy = path.left(path.lastIndexOf('/') + 1) + "dummyFile";
     return m_names.initName(line, dummy, use.iteration).toLatin1();
 }

@@ -39,7 +39,7 @@ std::optional<std::vector<PlainSection>> plainSections(const QByteArray& text)
         return std::nullopt;
     std::vector<PlainSection> sections;
     for (const char* list : {"jobs", "client_stats"}) {
-        for (const QJsonValue& section : document.object().value(list).toArray()) {
+        for (const QJsonValue section : document.object().value(list).toArray()) {
             const QJsonValue read = section["read"];
             const QJsonValue write = section["write"];
             const QString name = section["jobname"].toString();

@@ -128,7 +128,7 @@ QByteArray RandomSeries::asSeenByOthers(QByteArray path, const Task& task)
         .replace("[cfgTaskID]", QByteArray::number(task.number));
 }
 
-QByteArray RandomSeries::expanded(QByteArray path, const Task& task, const QString& host,
+QByteArray RandomSeries::expanded(const QByteArray& path, const Task& task, const QString& host,
                                   int iteration) const
 {
     return asSeenByOthers(path, task)

@@ -62,7 +62,7 @@ public:
     static QString fileName(int number);
 
     /// The name that a path of a task stands for, on a machine and in an iteration.
-    QByteArray expanded(QByteArray path, const Task& task, const QString& host,
+    QByteArray expanded(const QByteArray& path, const Task& task, const QString& host,
                         int iteration) const;
     /// The same path as any other task has to name it.
     static QByteArray asSeenByOthers(QByteArray path, const Task& task);

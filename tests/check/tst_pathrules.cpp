@@ -180,7 +180,7 @@ private slots:
         // After a first save, and after a first run.
         m_series->put("a_init.dpc", creating("/s.dat"));
         QCOMPARE(m_series->hits("overwrites-source", lines), 0);
-        m_series->setExisting("/s.dat", 1024 * 1024);
+        m_series->setExisting("/s.dat", qint64(1024) * 1024);
         QCOMPARE(m_series->hits("overwrites-source", lines), 0);
         // A copy there and back holds what it held before.
         m_series->put("a_init.dpc", creating("/c.dat"));
@@ -198,7 +198,7 @@ private slots:
                  QStringList{"a.dpc:1:46 overwrites-source"});
         QVERIFY(m_series->text("overwrites-source").contains("a.dpc:2"));
         // The same size by chance, or made by a run of the _init file.
-        m_series->setExisting("/s.dat", 1024 * 1024);
+        m_series->setExisting("/s.dat", qint64(1024) * 1024);
         QCOMPARE(m_series->hits("overwrites-source", lines), 0);
     }
 

@@ -358,11 +358,11 @@ private slots:
         m_series->options().limits.names = 21;
         QCOMPARE(m_series->hits("many-iterations", lines), 1);
         m_series->options().limits.names = 22;
-        m_series->options().limits.nameCharacters = 20 * 500;
+        m_series->options().limits.nameCharacters = 20LL * 500;
         const QByteArray longName(480, 'x');
         QCOMPARE(m_series->hits("many-iterations", writing("/" + longName + "[iter]", 1024, 20)),
                  0);
-        m_series->options().limits.nameCharacters = 20 * 480;
+        m_series->options().limits.nameCharacters = 20LL * 480;
         QCOMPARE(m_series->hits("many-iterations", writing("/" + longName + "[iter]", 1024, 20)),
                  1);
         QCOMPARE(m_series->hits("many-iterations", writing("/" + longName, 1024, 20)), 0);
@@ -424,7 +424,7 @@ private slots:
         m_series->put("a_init.dpc", making("[cfgPath]/s.dat") + dummy);
         QCOMPARE(errorsAndWarnings(), QStringList());
         // After a run of the _init file it has that size.
-        m_series->setExisting(m_series->root() + "s.dat", 1024 * 1024);
+        m_series->setExisting(m_series->root() + "s.dat", qint64(1024) * 1024);
         QCOMPARE(errorsAndWarnings(), QStringList());
         m_series->setExisting(m_series->root() + "s.dat", 1024 * 1024 + 1);
         QCOMPARE(errorsAndWarnings(), QStringList{"a_init.dpc:1:1 init-overwrites"});
@@ -458,7 +458,7 @@ private slots:
     {
         m_series->put("a.dpc", writing("[cfgPath]/s.dat") + reading("[cfgPath]/s.dat", 2048));
         m_series->put("a_init.dpc", making("[cfgPath]/s.dat", 2048) + dummy);
-        m_series->setExisting(m_series->root() + "s.dat", 1024 * 1024);
+        m_series->setExisting(m_series->root() + "s.dat", qint64(1024) * 1024);
         QCOMPARE(errorsAndWarnings(), QStringList());
     }
 
@@ -498,9 +498,9 @@ private slots:
 
     void growingFilesTakeRoom()
     {
-        m_series->setExisting("/d/x", 1024 * 1024);
+        m_series->setExisting("/d/x", qint64(1024) * 1024);
         m_series->options().environment.space = [](const QString&) {
-            return std::optional<DiskSpace>({1, 1024 * 1024});
+            return std::optional<DiskSpace>({1, qint64(1024) * 1024});
         };
         QCOMPARE(m_series->hits("disk-space", writing("/d/x", 2048)), 0);
         QCOMPARE(m_series->hits("disk-space", writing("/d/x", 2049)), 1);
