@@ -31,6 +31,7 @@ public:
     /// Belongs to @p edit. @p pathOf makes the field's text out of a dropped file.
     PathField(QLineEdit& edit, QString (*pathOf)(const QString& file));
 
+    /// Takes what is dropped, and what an input method commits.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

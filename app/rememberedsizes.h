@@ -22,6 +22,7 @@ public:
     /// More than what a table measures at once: its first 1,000 rows, in eleven columns.
     static constexpr int maxTexts = 16384;
 
+    /// The remembered size of the text, or the measured one, which is remembered.
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
     /// How many texts are remembered.

@@ -13,10 +13,11 @@ constexpr int maxFindingsPerRule = 100;
 /// The message of a finding. Severity and advice are those of the rule unless it has its own.
 struct Message
 {
-    // Most messages are a text alone.
+    /// A text alone, as most messages are.
     Message(std::string what) // NOLINT(google-explicit-constructor)
         : text(std::move(what))
     {}
+    /// The same for a literal.
     Message(const char* what) // NOLINT(google-explicit-constructor)
         : text(what)
     {}

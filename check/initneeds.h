@@ -29,6 +29,7 @@ public:
     /// Both must outlive it.
     Needs(const SeriesFacts& facts, const FileUses& uses);
 
+    /// In the order in which a save collects them.
     const std::vector<Need>& all() const { return m_needs; }
 
     /// As a task without a config file would name it: the _init file of a first save does. Empty if

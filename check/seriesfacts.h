@@ -84,6 +84,7 @@ struct LineFact
     QByteArray field(int number) const;
     /// The same, for as long as the line is there.
     std::string_view fieldText(int number) const;
+    /// One of the paths.
     const QByteArray& path(TaskPath which) const { return paths[size_t(which)]; }
     /// Where a field begins, from 1.
     int columnOf(int number) const;

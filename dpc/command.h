@@ -19,13 +19,17 @@ class ListOf
 {
 public:
     constexpr ListOf() = default;
+    /// The array must outlive it.
     template <std::size_t N>
     constexpr ListOf(const T (&items)[N])
         : m_items(items)
         , m_size(N)
     {}
+    /// For range-based loops.
     constexpr const T* begin() const { return m_items; }
+    /// One after the last.
     constexpr const T* end() const { return m_items + m_size; }
+    /// True for a list without an array.
     constexpr bool empty() const { return m_size == 0; }
 
 private:
@@ -143,9 +147,11 @@ struct UsageError
 {
     std::string text;
 
+    /// About the command line as a whole.
     explicit UsageError(std::string reason)
         : text(std::move(reason))
     {}
+    /// About the value of an option.
     UsageError(const Option& option, const std::string& reason)
         : text(option.longName() + ": " + reason)
     {}

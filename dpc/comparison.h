@@ -15,6 +15,7 @@ struct EntryPlace
 /// A difference at one place of two series.
 struct Difference
 {
+    /// The part of the series that differs.
     enum class Kind
     {
         InfoText,

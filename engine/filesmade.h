@@ -20,10 +20,12 @@ public:
         size_t firstJob = 0; ///< index in Plan::jobs of the first that wrote it on this machine
     };
 
+    /// For so many machines; none has made a file yet.
     explicit FilesMade(size_t machines)
         : m_ofMachine(machines)
     {}
 
+    /// Notes the job that now makes the file, which comes after all that were added.
     void add(const QString& path, const Maker& maker)
     {
         m_ofMachine[size_t(maker.machine)][path] = maker;

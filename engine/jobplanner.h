@@ -30,6 +30,7 @@ public:
 
     /// Which files the jobs so far make; a stage that is left out again takes its own along.
     const FilesMade& filesMade() const { return m_made; }
+    /// As filesMade() gave them before the stage that is left out.
     void setFilesMade(const FilesMade& made) { m_made = made; }
 
     /// To be called after the last stage: a later job may need something of an earlier one.

@@ -150,8 +150,7 @@ QByteArray machineKey(const Plan& plan, int machine);
 // Names in the folder of an export.
 constexpr const char* planFileName = "plan.json";
 constexpr const char* readmeFileName = "README";
-constexpr const char* logFolderName = "logs";   ///< logs of jobs that run on this machine
-constexpr const char* proofFolderName = "made"; ///< proofs of jobs that run on this machine
-constexpr const char* guardFolderName =
-    "guards"; ///< guards/guard-K-<machine>.fio: calls that only look
+constexpr const char* logFolderName = "logs";      ///< logs of jobs that run on this machine
+constexpr const char* proofFolderName = "made";    ///< proofs of jobs that run on this machine
+constexpr const char* guardFolderName = "guards";  ///< calls that only look
 constexpr const char* outputFolderName = "output"; ///< what fio writes: bandwidth and latency logs

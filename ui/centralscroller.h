@@ -26,6 +26,7 @@ public:
     /// pixels; what @p content is larger than @p view gets a scroll bar.
     void show(QSize content, QSize view);
 
+    /// Follows focus and wheel; takes a wheel that scrolls.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

@@ -7,6 +7,8 @@
 
 // The families of rules: a file each, with the rules and what checks them.
 
+/// The rules of a family, in the order of the page of rules.
+/// @{
 RuleList lineRules();
 RuleList numberRules();
 RuleList pathRules();
@@ -20,6 +22,7 @@ RuleList markerRules();
 RuleList initRules();
 RuleList machineRules();
 RuleList spaceRules();
+/// @}
 
 /// True if the name has characters outside Latin-1; nothing else can be checked then.
 bool checkFolderLetters(const SeriesFacts& facts, Findings& findings);

@@ -7,11 +7,13 @@
 /// Bandwidth over time, for the picture of it.
 struct TimeLine
 {
+    /// The rates of a machine.
     struct Series
     {
         QString label;
         std::vector<double> values; ///< MiB/s in each step
     };
+    /// A moment, from the start of the run.
     struct Mark
     {
         QString label;
@@ -22,6 +24,7 @@ struct TimeLine
     std::vector<Series> series; ///< one for each machine, or one for all if they are many
     std::vector<Mark> stages;   ///< the begin of each stage but the first
 
+    /// True if nothing was measured over time.
     bool isEmpty() const { return series.empty(); }
 };
 
