@@ -62,9 +62,10 @@ inline bool showsItsText(const QComboBox& combo)
     const QRect space = combo.style()->subControlRect(QStyle::CC_ComboBox, &option,
                                                       QStyle::SC_ComboBoxEditField, &combo);
     for (int i = 0; i < combo.count(); ++i) {
-        // The box reckons with advances; bounds are rounded up and may say one pixel more.
+        // As wide as the letters: the box is made for them, or for the rounded advance of the text,
+        // as its version does.
         QSize size = textSize(combo, combo.itemText(i), QWIDGETSIZE_MAX, 0);
-        size.setWidth(combo.fontMetrics().horizontalAdvance(combo.itemText(i)));
+        size.setWidth(combo.fontMetrics().boundingRect(combo.itemText(i)).right() + 1);
         if (!holds(space, size))
             return false;
     }
