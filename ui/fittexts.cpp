@@ -4,6 +4,8 @@
 #include "ui/columns.h"
 
 #include <QBoxLayout>
+#include <QComboBox>
+#include <QCoreApplication>
 #include <QEvent>
 #include <QMainWindow>
 #include <QScreen>
@@ -59,6 +61,21 @@ TextFitter::TextFitter(QMainWindow& window)
     window.centralWidget()->installEventFilter(this);
 }
 
+namespace {
+
+// A combo box in other letters keeps the least size of the old ones, and would be cut; it forgets
+// both sizes with a style. The children of a window have its new font before the window tells.
+void forgetSizesOfCombos(const QMainWindow& window)
+{
+    for (QComboBox* combo : window.findChildren<QComboBox*>()) {
+        QEvent change(QEvent::StyleChange);
+        QCoreApplication::sendEvent(combo, &change);
+        combo->updateGeometry();
+    }
+}
+
+} // namespace
+
 // The layouts have had each event before this filter.
 bool TextFitter::eventFilter(QObject* watched, QEvent* event)
 {
@@ -75,6 +92,8 @@ bool TextFitter::eventFilter(QObject* watched, QEvent* event)
         if (isComing || type == QEvent::Show)
             open();
     } else {
+        if (type == QEvent::FontChange)
+            forgetSizesOfCombos(m_window);
         if (type == QEvent::Resize || type == QEvent::Move)
             noticeFrame();
         if (changesSizes)
