@@ -32,8 +32,10 @@ std::vector<std::string> typed(const SeriesRun& series, const QStringList& argum
 QByteArray describe(const QString& path)
 {
     const struct stat status = statusOf(path);
+    // On some file systems a folder grows with what is in it.
+    const qint64 size = S_ISDIR(status.st_mode) ? 0 : qint64(status.st_size);
     const QByteArray kind = QByteArray::number(uint(status.st_mode), 8) + ' ' +
-                            QByteArray::number(qint64(status.st_size)) + ' ' + linkOf(path);
+                            QByteArray::number(size) + ' ' + linkOf(path);
     return S_ISREG(status.st_mode) ? kind + contentOf(path) : kind;
 }
 
