@@ -1,4 +1,4 @@
-set(twdp_test_environment LC_ALL=C.UTF-8
+set(twdp_test_environment LC_ALL=C.UTF-8 QTEST_FUNCTION_TIMEOUT=1500000
     LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0)
 
 # twdp_add_test(NAME <name> SOURCE <file> LABEL <unit|gui|fault|engine|package> LIBRARIES <targets...>)
@@ -17,13 +17,13 @@ function(twdp_add_test)
     cmake_path(GET folder FILENAME folder)
     set(labels ${arg_LABEL} ${folder})
     add_test(NAME ${arg_NAME} COMMAND ${arg_NAME})
-    set_tests_properties(${arg_NAME} PROPERTIES LABELS "${labels}" TIMEOUT 300
+    set_tests_properties(${arg_NAME} PROPERTIES LABELS "${labels}" TIMEOUT 1500
         SKIP_RETURN_CODE 77
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${twdp_test_environment}")
     if(arg_LABEL STREQUAL gui)
         add_test(NAME ${arg_NAME}_x11
             COMMAND xvfb-run -a -s "-screen 0 1920x1080x24" $<TARGET_FILE:${arg_NAME}>)
-        set_tests_properties(${arg_NAME}_x11 PROPERTIES LABELS "${labels}" TIMEOUT 300
+        set_tests_properties(${arg_NAME}_x11 PROPERTIES LABELS "${labels}" TIMEOUT 1500
             ENVIRONMENT "QT_QPA_PLATFORM=xcb;${twdp_test_environment}")
     endif()
 endfunction()
