@@ -52,7 +52,7 @@ private slots:
 
 namespace {
 
-constexpr int kib = 1024;
+constexpr qint64 kib = 1024;
 
 QByteArray contentOf(const SeriesRun& series, const QString& name)
 {
@@ -102,7 +102,7 @@ test::Snapshot canaries(const SeriesRun& series)
 QStringList reasonsOf(const SeriesRun& series, const QString& run)
 {
     QStringList reasons;
-    for (const QJsonValue& reason : series.json(run, "state.json").value("reasons").toArray())
+    for (const QJsonValue reason : series.json(run, "state.json").value("reasons").toArray())
         reasons += reason.toString();
     return reasons;
 }

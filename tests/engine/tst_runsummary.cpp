@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr qint64 mib = 1024 * 1024;
+constexpr qint64 mib = qint64(1024) * 1024;
 
 QJsonObject job(const char* machine, int iteration, qint64 startMs, qint64 runtimeMs)
 {
