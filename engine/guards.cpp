@@ -63,7 +63,7 @@ QByteArray sizeBitCondition(const QByteArray& file, qint64 bit)
 
 /// The folders with the KiB that they need, summed by the file system of the nearest folder that
 /// exists.
-QByteArray roomCondition(const std::vector<SpaceNeed>& needs)
+QByteArray spaceCondition(const std::vector<SpaceNeed>& needs)
 {
     constexpr const char* script = R"(while test $# -gt 0
 do folder=$2
@@ -105,9 +105,9 @@ public:
         if (file.isEmpty() || job.destination.beforeRun != FileState::Absent)
             return;
         const QString folder = file.left(qMax(file.lastIndexOf('/'), 1));
-        if (!m_room.contains(folder))
+        if (!m_space.contains(folder))
             m_folders += folder;
-        m_room[folder] += job.bytes;
+        m_space[folder] += job.bytes;
     }
 
     void askNewFolder(const QString& path)
@@ -141,12 +141,12 @@ private:
     {
         GuardTest test = ofKind(GuardTest::Kind::Space);
         for (const QString& folder : m_folders) {
-            test.needs.push_back({folder, m_room[folder]});
+            test.needs.push_back({folder, m_space[folder]});
             if (guardCondition(test).size() <= maxNameLine)
                 continue;
             test.needs.pop_back();
             m_tests.push_back(test);
-            test.needs = {{folder, m_room[folder]}};
+            test.needs = {{folder, m_space[folder]}};
         }
         if (!test.needs.empty())
             m_tests.push_back(test);
@@ -155,7 +155,7 @@ private:
     std::vector<GuardTest> m_tests;
     QSet<QString> m_files;
     QStringList m_folders;
-    QHash<QString, qint64> m_room;
+    QHash<QString, qint64> m_space;
     bool m_needsCaches = false;
 };
 
@@ -224,7 +224,7 @@ QByteArray guardCondition(const GuardTest& test)
     case GuardTest::Kind::NewFolder:
         return newFolderCondition(test.path);
     case GuardTest::Kind::Space:
-        return roomCondition(test.needs);
+        return spaceCondition(test.needs);
     case GuardTest::Kind::Caches:
         return "test -w /proc/sys/vm/drop_caches";
     case GuardTest::Kind::SizeBit:

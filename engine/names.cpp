@@ -57,7 +57,7 @@ std::string nameProblem(const QString& path)
         return "names a folder";
     const QByteArray name = encodedName(path);
     if (QFile::decodeName(name) != path)
-        return "has letters that the file system of this session can't hold";
+        return "has letters that the encoding of file names can't hold";
     return valueProblem(name);
 }
 

@@ -24,13 +24,12 @@ bool isWrittenOnly(std::string_view name)
 TaskRules rulesFor(IoMethod method, TestType type)
 {
     TaskRules rules;
-    rules.allowsFlush = type != TestType::Read;
     const MethodInfo* const info = methodInfo(method);
+    // A system copy keeps its flush setting even if nothing is written.
+    const bool isOwnWay = info != nullptr && info->copyChunks == CopyChunks::OwnWay;
+    rules.allowsFlush = type != TestType::Read || isOwnWay;
     if (info == nullptr)
         return rules;
-    const bool isOwnWay = info->copyChunks == CopyChunks::OwnWay;
-    // A system copy keeps its flush setting even if nothing is written.
-    rules.allowsFlush = rules.allowsFlush || isOwnWay;
     rules.maxSystemBuffer = maxSystemBufferOf(*info);
     rules.hasOneSystemBuffer = info->systemBuffers[1].text == nullptr;
     rules.systemBufferNeedsChunks = info->has(BufferIsOfChunk);

@@ -16,6 +16,17 @@
 
 namespace {
 
+// A combo box in other letters keeps the least size of the old ones, and would be cut; it forgets
+// both sizes with a style. The children of a window have its new font before the window tells.
+void forgetSizesOfCombos(const QMainWindow& window)
+{
+    for (QComboBox* combo : window.findChildren<QComboBox*>()) {
+        QEvent change(QEvent::StyleChange);
+        QCoreApplication::sendEvent(combo, &change);
+        combo->updateGeometry();
+    }
+}
+
 class TextFitter final : public QObject
 {
 public:
@@ -60,21 +71,6 @@ TextFitter::TextFitter(QMainWindow& window)
     window.installEventFilter(this);
     window.centralWidget()->installEventFilter(this);
 }
-
-namespace {
-
-// A combo box in other letters keeps the least size of the old ones, and would be cut; it forgets
-// both sizes with a style. The children of a window have its new font before the window tells.
-void forgetSizesOfCombos(const QMainWindow& window)
-{
-    for (QComboBox* combo : window.findChildren<QComboBox*>()) {
-        QEvent change(QEvent::StyleChange);
-        QCoreApplication::sendEvent(combo, &change);
-        combo->updateGeometry();
-    }
-}
-
-} // namespace
 
 // The layouts have had each event before this filter.
 bool TextFitter::eventFilter(QObject* watched, QEvent* event)

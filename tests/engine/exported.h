@@ -6,7 +6,7 @@
 /// Writes the export of a plan and lets fio read each job file.
 inline QString exported(const PlannedSeries& series, const Plan& plan)
 {
-    const QString folder = series.place("out");
+    QString folder = series.place("out");
     std::string problem;
     if (!createExport(folder, plan, {}, problem))
         qFatal("%s", problem.c_str());

@@ -35,7 +35,7 @@ void useOwnNetwork()
     ::close(any);
 }
 
-FioServer::FioServer(QByteArray address, QString folder, const QByteArray& options)
+FioServer::FioServer(const QByteArray& address, QString folder, const QByteArray& options)
     : m_folder(std::move(folder))
 {
     const QByteArray folderName = QFile::encodeName(m_folder);

@@ -18,7 +18,7 @@ class FioServer
 public:
     /// `address` as fio takes it: "ip:127.0.0.11,8765" or "sock:PATH". `options` are those of the
     /// tmpfs. Returns once it can be connected to.
-    FioServer(QByteArray address, QString folder, const QByteArray& options = "size=64m");
+    FioServer(const QByteArray& address, QString folder, const QByteArray& options = "size=64m");
     ~FioServer();
     Q_DISABLE_COPY_MOVE(FioServer)
 
@@ -30,8 +30,8 @@ public:
     bool isBusy() const;
 
 private:
-    pid_t m_process = 0;
     QString m_folder;
+    pid_t m_process = 0;
 };
 
 } // namespace test

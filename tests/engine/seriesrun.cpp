@@ -21,6 +21,8 @@ namespace test {
 
 namespace {
 
+constexpr qint64 kib = 1024;
+
 std::vector<std::string> typed(const SeriesRun& series, const QStringList& arguments)
 {
     std::vector<std::string> list = {"run", series.file("mytest.dpc").toStdString()};
@@ -84,6 +86,57 @@ QByteArray SeriesRun::line(const QByteArray& source, const QByteArray& destinati
            path(destination) + ";;;false;";
 }
 
+QByteArray SeriesRun::slowWrite()
+{
+    return line("", "[cfgPath]/slow.dat", 640, 32, 200);
+}
+
+void SeriesRun::putKind(const QString& kind, const QString& name) const
+{
+    const QString path = file(name);
+    const QByteArray bytes = path.toUtf8();
+    bool made = true;
+    QDir().mkpath(path.left(path.lastIndexOf('/')));
+    if (kind == "smaller")
+        put(path, "canary");
+    else if (kind == "larger")
+        put(path, textOf(300 * kib));
+    else if (kind == "same size")
+        put(path, textOf(128 * kib));
+    else if (kind == "empty")
+        put(path, "");
+    else if (kind == "read-only")
+        put(path, "canary", 0400);
+    else if (kind == "folder")
+        QDir().mkpath(path + "/inside");
+    else if (kind == "FIFO")
+        made = ::mkfifo(bytes.constData(), 0600) == 0;
+    else if (kind == "link") {
+        put(file("target"), "canary");
+        made = ::symlink(file("target").toUtf8().constData(), bytes.constData()) == 0;
+    } else if (kind == "dangling link")
+        made = ::symlink(file("nowhere").toUtf8().constData(), bytes.constData()) == 0;
+    else
+        made = false;
+    if (!made)
+        qFatal("can't put a file of the kind '%s'", qPrintable(kind));
+}
+
+Snapshot SeriesRun::canaries() const
+{
+    Snapshot all = snapshotOf(m_folder);
+    for (const QString& name : all.keys()) {
+        if (name.startsWith("run") || name == "out" || name == "err")
+            all.remove(name);
+    }
+    return all;
+}
+
+QByteArray SeriesRun::content(const QString& name) const
+{
+    return contentOf(file(name));
+}
+
 Printed SeriesRun::run(const QStringList& arguments) const
 {
     std::ostringstream out;
@@ -120,6 +173,14 @@ QJsonObject SeriesRun::json(const QString& run, const QString& name) const
 QString SeriesRun::state(const QString& run) const
 {
     return json(run, "state.json").value("state").toString();
+}
+
+QStringList SeriesRun::reasons(const QString& run) const
+{
+    QStringList reasons;
+    for (const QJsonValue reason : json(run, "state.json").value("reasons").toArray())
+        reasons += reason.toString();
+    return reasons;
 }
 
 QJsonArray SeriesRun::jobs(const QString& run) const

@@ -45,6 +45,14 @@ public:
     /// A task line: method Posix, sizes in KiB, one iteration, empty paths for memory.
     static QByteArray line(const QByteArray& source, const QByteArray& destination, int sizeKib,
                            int chunkKib = 64, int waitMs = 0, int iterations = 1);
+    /// A write of "slow.dat" that takes long enough to be interrupted: twenty chunks, 200 ms apart.
+    static QByteArray slowWrite();
+
+    /// Puts something of a kind ("smaller", "FIFO", "dangling link" ...) in the place of a file.
+    void putKind(const QString& kind, const QString& name) const;
+    /// All files, except for those of runs that are named "run...".
+    Snapshot canaries() const;
+    QByteArray content(const QString& name) const;
 
     /// Runs "dpc run mytest.dpc" with more arguments, in this process.
     Printed run(const QStringList& arguments) const;
@@ -56,6 +64,8 @@ public:
     /// A file of a run as JSON.
     QJsonObject json(const QString& run, const QString& name) const;
     QString state(const QString& run) const;
+    /// Why it did not start, or ended.
+    QStringList reasons(const QString& run) const;
     QJsonArray jobs(const QString& run) const;
 
 private:

@@ -161,38 +161,10 @@ void TestFioObstacles::namesArriveAsTheyAre()
     QByteArray lines;
     QStringList names;
     const QByteArray long250(250, 'n');
-    QList<QByteArray> odd = {"a b",
-                             "it's",
-                             "a\"b",
-                             "a:b",
-                             "::",
-                             "a\\:b",
-                             "a\\b",
-                             "%d",
-                             "a,b",
-                             "a=b",
-                             "a|b",
-                             "*",
-                             "?",
-                             "[x]",
-                             "`id`",
-                             "$HOME",
-                             "$(id)",
-                             "~",
-                             "-",
-                             "!",
-                             "\xFC"
-                             "b",
-                             "a&b",
-                             "(a)",
-                             "{a,b}",
-                             "<a>",
-                             "a@b",
-                             "a+b",
-                             "a b c",
-                             "=",
-                             "a\\",
-                             long250};
+    QList<QByteArray> odd = {"a b",   "it's", "a\"b", "a:b",   "::",    "a\\:b", "a\\b", "%d",
+                             "a,b",   "a=b",  "a|b",  "*",     "?",     "[x]",   "`id`", "$HOME",
+                             "$(id)", "~",    "-",    "!",     "b\xFC", "a&b",   "(a)",  "{a,b}",
+                             "<a>",   "a@b",  "a+b",  "a b c", "=",     "a\\",   long250};
     for (const QByteArray& name : odd) {
         Line line;
         line.size = line.chunk = 4;

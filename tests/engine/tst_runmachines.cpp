@@ -55,11 +55,6 @@ namespace {
 constexpr int kib = 1024;
 constexpr int machineCount = 3;
 
-QByteArray slowWrite()
-{
-    return SeriesRun::line("", "[cfgPath]/slow.dat", 640, 32, 200);
-}
-
 QString machineName(int machine)
 {
     return QStringLiteral("pc0%1").arg(machine + 1);
@@ -137,7 +132,7 @@ void TestRunMachines::accountsForAMachineThatDied()
 {
     startServers();
     m_series->putSeries({{SeriesRun::line("", "[cfgPath]/[host].dat", 128)},
-                         {slowWrite().replace("slow", "[host]_slow")},
+                         {SeriesRun::slowWrite().replace("slow", "[host]_slow")},
                          {SeriesRun::line("", "[cfgPath]/[host]_next.dat", 128)}});
     const pid_t child = m_series->start(withHosts({}));
     test::waitUntil([&] { return QFile::exists(m_servers[1]->seen("pc02_slow.dat")); });
@@ -170,7 +165,7 @@ void TestRunMachines::stopsAllMachines()
 {
     QFETCH(int, signal);
     startServers();
-    m_series->putSeries({{slowWrite().replace("slow", "[host]_slow")}});
+    m_series->putSeries({{SeriesRun::slowWrite().replace("slow", "[host]_slow")}});
     const pid_t child = m_series->start(withHosts({}));
     for (int i = 0; i < machineCount; ++i) {
         const QString file = m_servers[size_t(i)]->seen(machineName(i) + "_slow.dat");
@@ -273,7 +268,7 @@ void TestRunMachines::tellsBothSizesOfASource()
 void TestRunMachines::tellsOfAFullDisk()
 {
     startServers("size=1m");
-    m_series->putSeries({{slowWrite().replace("slow", "[host]_slow")}});
+    m_series->putSeries({{SeriesRun::slowWrite().replace("slow", "[host]_slow")}});
     // The disk has space for the write when the machine is asked, and not any more when it writes.
     const pid_t child = m_series->start(withHosts({}));
     test::waitUntil([&] { return QFile::exists(m_servers[0]->seen("pc01_slow.dat")); });
