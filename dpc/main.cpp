@@ -86,10 +86,13 @@ int main(int count, char** arguments)
     setLocale();
     OutputBuffer buffer;
     std::ostream out(&buffer);
+    // On a terminal both streams come out in the order in which they are written.
+    std::cerr.tie(&out);
     const std::vector<std::string> typed(arguments + 1, arguments + count);
     const Output output{out, std::cerr, wantsColour(), ::isatty(STDOUT_FILENO) == 1,
                         ::isatty(STDERR_FILENO) == 1};
     const int code = runDpc(typed, output);
+    std::cerr.tie(nullptr);
     out.flush();
     // A full disk must not look like a clean series.
     if (buffer.error() == 0)

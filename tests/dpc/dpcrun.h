@@ -18,7 +18,7 @@ inline bool updatesGolden()
 }
 
 /// Runs dpc on a copy of the series in tests/data/dpc/series. "@ROOT@" in files and output stands
-/// for the folder of the copy, which is the current one.
+/// for the folder of the copy, which is the current one. "[temp]" is a folder that is empty.
 class DpcRun
 {
 public:
@@ -37,6 +37,7 @@ public:
             copy(source.filePath(name), m_root + '/' + name);
         if (!QDir::setCurrent(m_root))
             qFatal("can't enter the copy of the series");
+        qputenv("TMPDIR", QFile::encodeName(m_temporary.path()));
     }
 
     /// Arguments as in a shell, but nothing is quoted: no name here has a blank.
@@ -68,5 +69,6 @@ private:
     }
 
     QTemporaryDir m_folder;
+    QTemporaryDir m_temporary;
     QString m_root;
 };

@@ -40,6 +40,13 @@ private slots:
         }
     }
 
+    void countsFollowTheFindingsIfBothGoToOnePlace()
+    {
+        const QByteArray printed = shell("\"$dpc\" check --summary a.dpc 2>&1").out;
+        QVERIFY2(printed.startsWith("a.dpc:1:1: error: "), printed);
+        QVERIFY2(printed.contains("\n1 error, 0 warnings, 0 notes\n1 file, 0 tasks; "), printed);
+    }
+
     void nothingIsWrittenIntoFilesInPlaceOfClosedStreams()
     {
         const QByteArray before = test::contentOf(m_series->root() + "a.dpc");
