@@ -18,17 +18,6 @@ bool isAsciiLetter(char c)
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-QByteArray resolved(const QByteArray& path)
-{
-    // Most paths have nothing to resolve.
-    if (!holds(path, "//") && !holds(path, "/."))
-        return path;
-    _kvString8_allSize<maxPath> text;
-    text.add(path.constData(), path.size());
-    const auto result = kvPathResolve(text);
-    return {result.text, result.length};
-}
-
 /// Windows ignores dots and blanks at the end of each name.
 QByteArray withoutIgnoredEnds(const QByteArray& path)
 {
@@ -84,6 +73,17 @@ QByteArray joined(const QByteArray& folder, const QByteArray& name)
 
 } // namespace
 
+QByteArray resolvedPath(const QByteArray& path)
+{
+    // Most paths have nothing to resolve.
+    if (!holds(path, "//") && !holds(path, "/."))
+        return path;
+    _kvString8_allSize<maxPath> text;
+    text.add(path.constData(), path.size());
+    const auto result = kvPathResolve(text);
+    return {result.text, result.length};
+}
+
 bool isSharePath(const QByteArray& path)
 {
     return path.size() > 2 && isSeparator(path[0]) && path[1] == path[0] && !isSeparator(path[2]);
@@ -106,7 +106,7 @@ QByteArray foldedPath(const QByteArray& path)
     // Without a drive, it is the root of the one that is in use there.
     if (folded.startsWith('/') && !isSharePath(folded))
         folded.prepend(':');
-    return lowered(withoutIgnoredEnds(resolved(folded)));
+    return lowered(withoutIgnoredEnds(resolvedPath(folded)));
 }
 
 KeyedPath FileKeys::find(const QByteArray& path, bool isHere)
@@ -116,7 +116,7 @@ KeyedPath FileKeys::find(const QByteArray& path, bool isHere)
     QByteArray text = isForeignPath(path) ? foldedPath(path) : path;
     // On Linux a "\" may be part of a name; on Windows it never is.
     if (text.contains('\\') && !(found.isSeen && m_environment.exists(toQString(text))))
-        text = resolved(withSlashes(text));
+        text = resolvedPath(withSlashes(text));
     const char last = path.isEmpty() ? '\0' : path[path.size() - 1];
     const QByteArray lastName = text.mid(nameStart(text));
     found.namesFolder = isSeparator(last) || lastName == "." || lastName == "..";

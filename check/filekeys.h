@@ -21,6 +21,9 @@ bool isSharePath(const QByteArray& path);
 /// Latin-1, at most 500 characters; longer ones are cut.
 QByteArray foldedPath(const QByteArray& path);
 
+/// A path without repeated "/", "." and "..", as the editor resolves it: at most 500 characters.
+QByteArray resolvedPath(const QByteArray& path);
+
 /// A folder that files of the series lie in, whether it exists or not.
 struct KeyedFolder
 {

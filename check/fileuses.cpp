@@ -16,14 +16,6 @@ QByteArray latin1(const _kvString<maxPath>& text)
     return kvToQString(text).toLatin1();
 }
 
-QByteArray resolved(const QByteArray& path)
-{
-    _kvString8_allSize<maxPath> text;
-    text.add(path.constData(), path.size());
-    const auto result = kvPathResolve(text);
-    return {result.text, result.length};
-}
-
 /// "[cfgPath]/x" and "[cfgPath]x" are the same: the folder ends in "/".
 void replaceConfigPath(QByteArray& path, const QByteArray& folder)
 {
@@ -157,7 +149,7 @@ QByteArray FileUses::pathOn(const FileUse& use, int machine) const
     replaceConfigPath(path, m_runFolder);
     if (name.byTemp)
         path.replace(tempVariable, m_temp);
-    return holds(path, "//") ? resolved(path) : path;
+    return holds(path, "//") ? resolvedPath(path) : path;
 }
 
 void FileUses::placeNames()
@@ -227,7 +219,7 @@ void FileUses::addInit()
         if (maxVariables(use.name) != (use.name.startsWith(configPathVariable) ? 1 : 0) ||
             holds(path, "..") || isRelative(path))
             path = expander.resolve(line, use.name).toLatin1();
-        use.file = fileAt(holds(path, "//") ? resolved(path) : path, true);
+        use.file = fileAt(holds(path, "//") ? resolvedPath(path) : path, true);
         UsedFile& file = m_files[size_t(use.file)];
         // Of several spellings the last line leaves the file as it is.
         if (file.init < 0 || use.entry.isActive)

@@ -1,6 +1,7 @@
 #include "check/initneeds.h"
 
 #include "check/text.h"
+#include "check/units.h"
 #include "model/tasklinereader.h"
 #include "shared/kvpath.h"
 #include "shared/kvtext.h"
@@ -12,13 +13,6 @@ namespace {
 QString folderOf(const QString& path)
 {
     return kvGetDirName(path, '/');
-}
-
-QString resolved(const QByteArray& path)
-{
-    _kvString8_allSize<maxPath> text;
-    text.add(path.constData(), path.size());
-    return kvToQString(kvPathResolve(text));
 }
 
 TestTask withPath(const TestTask& all, TaskPath which)
@@ -88,9 +82,9 @@ QByteArray Needs::folderName(const LineFact& line, const FileUse& use)
 {
     const UsedName& name = m_uses.nameOf(use);
     if (!name.mustExpandAnew)
-        return name.text.left(name.text.lastIndexOf('/') + 1) + "dummyFile";
+        return name.text.left(name.text.lastIndexOf('/') + 1) + dummyFileName;
     const QByteArray& path = line.path(use.role);
-    const QByteArray dummy = path.left(path.lastIndexOf('/') + 1) + "dummyFile";
+    const QByteArray dummy = path.left(path.lastIndexOf('/') + 1) + dummyFileName;
     return m_names.initName(line, dummy, use.iteration).toLatin1();
 }
 
@@ -101,12 +95,11 @@ void Needs::add(const FileUse& use, const QByteArray& text, qint64 size, bool is
     m_known.insert(text);
     QByteArray path = text;
     path.replace("[cfgPath]/", m_runFolder).replace(configPathVariable, m_runFolder);
-    const bool isResolved = !holds(path, "//") && !holds(path, "/.");
-    m_needs.push_back({&m_facts.lines[size_t(use.line)],
-                       use.role,
-                       {QString::fromLatin1(text),
-                        isResolved ? QString::fromLatin1(path) : resolved(path), size, isDummy},
-                       !isDummy && m_uses.isWrittenBefore(m_uses.file(use, 0), use)});
+    m_needs.push_back(
+        {&m_facts.lines[size_t(use.line)],
+         use.role,
+         {QString::fromLatin1(text), QString::fromLatin1(resolvedPath(path)), size, isDummy},
+         !isDummy && m_uses.isWrittenBefore(m_uses.file(use, 0), use)});
 }
 
 InitFile::InitFile(const SeriesFacts& facts, const FileUses& uses)
@@ -123,7 +116,7 @@ InitFile::InitFile(const SeriesFacts& facts, const FileUses& uses)
             m_entries.insert(path, made.entry);
         if (!made.entry.isActive)
             continue;
-        m_sizes.insert({path, made.entry.size / 1024});
+        m_sizes.insert({path, made.entry.size / bytesPerKib});
         addFolders(path);
     }
 }

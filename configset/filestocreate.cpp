@@ -9,8 +9,6 @@
 
 namespace {
 
-const QString dummyName = QStringLiteral("dummyFile");
-
 QString expanded(_kvString<maxPath> name, const TestTask& task, int taskNumber, int iteration,
                  bool keepCfgPath, const MachineValues& machine)
 {
@@ -23,7 +21,7 @@ void collectFolder(FileToCreateList& list, const _kvString8_allSize<maxPath>& pa
 {
     constexpr qint64 dummySize = 1;
     const QString folder = kvGetDirName(kvConvertPDToOS(kvToQString(path), _kvOS::Linux), '/');
-    collectFilesToCreate(list, folder + dummyName, dummySize, task, taskNumber, machine);
+    collectFilesToCreate(list, folder + dummyFileName, dummySize, task, taskNumber, machine);
 }
 
 /// The texts that a name has in the iterations of a task.
@@ -92,7 +90,7 @@ void collectFilesToCreate(FileToCreateList& list, const QString& name, qint64 si
     while (iteration < iterations && !list.isFull()) {
         const QString text = texts.text(iteration);
         if (!list.contains(text))
-            list.append({text, texts.text(iteration, false), size, name.endsWith(dummyName)});
+            list.append({text, texts.text(iteration, false), size, name.endsWith(dummyFileName)});
         // Most names that depend on the iteration are others each time.
         iteration = text == previous ? texts.after(iteration) : iteration + 1;
         previous = text;

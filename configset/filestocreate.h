@@ -8,6 +8,9 @@
 
 #include <optional>
 
+/// The name of a file that is only there to make its folder.
+constexpr char dummyFileName[] = "dummyFile";
+
 /// A file that must exist before a series can run.
 struct FileToCreate
 {

@@ -1,5 +1,6 @@
 #include "check/environment.h"
 #include "check/text.h"
+#include "configset/filestocreate.h"
 #include "dpc/commands.h"
 #include "dpc/oneseries.h"
 #include "dpc/resave.h"
@@ -64,7 +65,7 @@ QString fileMadeBy(const QByteArray& line, const SeriesFacts& facts)
 /// True for a file that only keeps its folder: it has no bytes to lose.
 bool isDummy(const QFileInfo& file)
 {
-    return file.fileName() == QLatin1String("dummyFile") && file.size() <= 1;
+    return file.fileName() == QLatin1String(dummyFileName) && file.size() <= 1;
 }
 
 void addDestroyedFiles(const SeriesFacts& facts, const ResavedFile& file, Reasons& reasons)

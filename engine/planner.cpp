@@ -1,6 +1,7 @@
 #include "engine/planner.h"
 
 #include "check/text.h"
+#include "configset/filestocreate.h"
 #include "engine/jobplanner.h"
 #include "engine/losses.h"
 #include "engine/lossrules.h"
@@ -30,7 +31,7 @@ MachineValues valuesOf(const PlanMachine& machine, const QString& date)
 /// A line of an _init file that makes a folder: the editor gives it one byte, which is 0 KiB.
 bool makesFolder(const LineFact& line)
 {
-    return line.path(DestPath).endsWith("dummyFile") && line.used.fileSize == 0;
+    return line.path(DestPath).endsWith(dummyFileName) && line.used.fileSize == 0;
 }
 
 bool isForeign(const SeriesFacts& facts)

@@ -5,10 +5,11 @@
 #include "check/rules/families.h"
 #include "check/savelosses.h"
 #include "check/text.h"
+#include "check/units.h"
+#include "check/usedpaths.h"
 #include "shared/kvpath.h"
 
 #include <QHash>
-#include <QRegularExpression>
 #include <QSet>
 
 #include <fmt/format.h>
@@ -88,9 +89,8 @@ private:
 /// findings of their own.
 bool InitComparison::makesOtherSize(const Need& need, const InitEntry& entry) const
 {
-    constexpr qint64 kib = 1024;
     const qint64 wanted = std::min<qint64>(need.file.size, maxFileSize);
-    if (!entry.isActive || m_init.makesSize(need.file.resolved, wanted / kib))
+    if (!entry.isActive || m_init.makesSize(need.file.resolved, wanted / bytesPerKib))
         return false;
     const PathStatus status = m_environment.look(need.file.resolved);
     return !status.exists() || status.size == entry.size;
@@ -252,70 +252,11 @@ void InitComparison::reportSizes()
             initOutdated, *need.line, need.line->columnOf(need.which),
             Message(fmt::format("line {} of the _init file makes {} with {} KiB, but the task has "
                                 "{} KiB",
-                                entry->line, quoted(need.file.text), entry->size / 1024,
-                                need.file.size / 1024),
+                                entry->line, quoted(need.file.text), entry->size / bytesPerKib,
+                                need.file.size / bytesPerKib),
                     advice()));
     }
 }
-
-/// The files that the tasks use, and their folders. Names that differ by machine are compared as
-/// patterns.
-class UsedPaths
-{
-public:
-    UsedPaths(const SeriesFacts& facts, const FileUses& uses)
-    {
-        const QString start = facts.runFolder;
-        for (const UsedName& name : uses.names()) {
-            const QString text = QString::fromLatin1(name.text);
-            QString path = text;
-            path.replace(QStringLiteral("[cfgPath]/"), start).replace("[cfgPath]", start);
-            if (name.byHost || name.byDate || name.byTemp)
-                m_patterns.push_back(patternOf(path));
-            else
-                addPath(path);
-        }
-    }
-
-    /// A dummy is only there to make its folder.
-    bool contains(const QString& path) const
-    {
-        const QString used = path.endsWith(QLatin1String("dummyFile")) ? folderOf(path) : path;
-        return m_paths.contains(used) || m_folders.contains(used) ||
-               std::any_of(m_patterns.begin(), m_patterns.end(),
-                           [&](const QRegularExpression& p) { return p.match(used).hasMatch(); });
-    }
-
-private:
-    void addPath(const QString& path)
-    {
-        m_paths.insert(path);
-        for (QString folder = folderOf(path); !folder.isEmpty() && !m_folders.contains(folder);
-             folder = folderOf(folder.chopped(1)))
-            m_folders.insert(folder);
-    }
-
-    /// Matches the path with any values, and every folder above it.
-    static QRegularExpression patternOf(const QString& path)
-    {
-        QString pattern;
-        int depth = 0;
-        for (const QString& part : path.split('/')) {
-            QString escaped = QRegularExpression::escape(part);
-            for (const char* variable : {"\\[host\\]", "\\[date\\]", "\\[temp\\]"})
-                escaped.replace(variable, ".*");
-            pattern += depth == 0 ? escaped : "(?:/" + escaped;
-            ++depth;
-        }
-        for (int i = 1; i < depth; ++i)
-            pattern += ")?";
-        return QRegularExpression("^" + pattern + "/?$");
-    }
-
-    QSet<QString> m_paths;
-    QSet<QString> m_folders;
-    std::vector<QRegularExpression> m_patterns;
-};
 
 constexpr Rule initUnneeded = {
     "init-unneeded",

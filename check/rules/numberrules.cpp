@@ -2,6 +2,7 @@
 #include "check/rules/families.h"
 #include "check/taskfields.h"
 #include "check/text.h"
+#include "check/units.h"
 
 #include <fmt/format.h>
 
@@ -248,12 +249,13 @@ void checkChunks(const LineFact& line, Findings& findings)
     if (size < chunk)
         findings.add(chunkTooLarge, line, column,
                      fmt::format("the file of {} KiB is smaller than one chunk of {} KiB",
-                                 size / 1024, chunk / 1024));
+                                 size / bytesPerKib, chunk / bytesPerKib));
     else if (size % chunk != 0)
         findings.add(chunkRemainder, line, column,
                      fmt::format("the file of {} KiB is not a multiple of the chunk of {} KiB: "
                                  "the last chunk has {} KiB",
-                                 size / 1024, chunk / 1024, size % chunk / 1024));
+                                 size / bytesPerKib, chunk / bytesPerKib,
+                                 size % chunk / bytesPerKib));
 }
 
 constexpr Rule cacheMode = {

@@ -2,6 +2,8 @@
 #include "check/rules/families.h"
 #include "check/rules/usetexts.h"
 #include "check/text.h"
+#include "check/units.h"
+#include "configset/filestocreate.h"
 
 #include <QSet>
 
@@ -225,13 +227,12 @@ void checkInitLine(const SeriesFacts& facts, const FileUses& uses, const InitUse
     const qint64 sizeAfterwards = uses.init()[size_t(file.init)].entry.size;
     const bool makesAnew = made.entry.isActive && file.isFile() && file.path.size != sizeAfterwards;
     // A file that only keeps its folder has no bytes to lose.
-    if (!makesAnew || made.name.endsWith("dummyFile") || isSizeOfTask(facts, uses, file))
+    if (!makesAnew || made.name.endsWith(dummyFileName) || isSizeOfTask(facts, uses, file))
         return;
-    constexpr qint64 kib = 1024;
     findings.add(initOverwrites, facts.initFile, made.entry.line, 1,
                  fmt::format("makes {} anew, which exists with {} bytes, in {} KiB: what it holds "
                              "is lost when the _init file is run",
-                             quoted(made.name), file.path.size, made.entry.size / kib));
+                             quoted(made.name), file.path.size, made.entry.size / bytesPerKib));
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "check/rules/variables.h"
 #include "check/taskfields.h"
 #include "check/text.h"
+#include "configset/filestocreate.h"
 #include "shared/kvpath.h"
 
 #include <fmt/format.h>
@@ -52,7 +53,7 @@ void checkRelative(const SeriesFacts& facts, const LineFact& line, TaskPath whic
                    Findings& findings)
 {
     const QByteArray& path = line.path(which);
-    if (path.isEmpty() || !isRelative(path) || (facts.isOfInit(line) && path == "dummyFile"))
+    if (path.isEmpty() || !isRelative(path) || (facts.isOfInit(line) && path == dummyFileName))
         return;
     // A misspelled variable at the start is one mistake, not two.
     if (path.startsWith('[') && !isVariable(path.left(path.indexOf(']') + 1)))

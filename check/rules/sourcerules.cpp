@@ -3,6 +3,7 @@
 #include "check/rules/usetexts.h"
 #include "check/savelosses.h"
 #include "check/text.h"
+#include "check/units.h"
 
 #include <fmt/format.h>
 
@@ -324,8 +325,8 @@ private:
             sourceSize, other, other.columnOf(FileSizeField),
             fmt::format("the source {} is wanted with {} KiB here and with {} KiB in {}: the _init "
                         "file makes one of them only",
-                        quoted(other.path(SourcePath)), other.used.fileSize / 1024,
-                        one.used.fileSize / 1024, placeOf(m_facts, first)));
+                        quoted(other.path(SourcePath)), other.used.fileSize / bytesPerKib,
+                        one.used.fileSize / bytesPerKib, placeOf(m_facts, first)));
         return true;
     }
 

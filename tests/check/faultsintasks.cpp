@@ -57,6 +57,19 @@ void allowSharing(Planted& planted, const Task& task)
                          findingAt("maybe-shared", task)};
 }
 
+/// A destination that is wrong by its name.
+Fault wrongDest(const char* dest, const char* rule)
+{
+    return [=](RandomSeries& series, Planted& planted) {
+        Task* task = nullptr;
+        if (!isDrawn(series, task, isFreeWriter(series)))
+            return false;
+        task->record.destPath = path(dest);
+        planted.wanted = {{findingAt(rule, *task)}};
+        return true;
+    };
+}
+
 bool plantResultsOverOwnData(RandomSeries& series, Planted& planted)
 {
     Task* task = nullptr;
@@ -128,16 +141,6 @@ bool plantOverSeries(RandomSeries& series, Planted& planted)
     target = path(respelled(series, names[series.draw(4)]));
     planted.wanted = {{findingAt("overwrites-series", *task)}};
     allowSharing(planted, *task);
-    return true;
-}
-
-bool plantDoneName(RandomSeries& series, Planted& planted)
-{
-    Task* task = nullptr;
-    if (!isDrawn(series, task, isFreeWriter(series)))
-        return false;
-    task->record.destPath = path("[cfgPath]/done_[host]");
-    planted.wanted = {{findingAt("done-name", *task)}};
     return true;
 }
 
@@ -287,49 +290,41 @@ bool plantFileThatOthersNeedAsFolder(RandomSeries& series, Planted& planted)
     return true;
 }
 
+/// Lets a task that reads nothing write over the source of another one.
+bool overwrite(RandomSeries& series, const QByteArray& source, Task& writer, Planted& planted)
+{
+    writer.record.destPath = path(respelled(series, source));
+    planted.wanted = {{findingAt("overwrites-source", writer)}};
+    allowSharing(planted, writer);
+    return true;
+}
+
+bool isDrawnToOverwrite(RandomSeries& series, Task*& writer)
+{
+    return isDrawn(series, writer, [&](const Task& task) {
+        return isFreeWriter(series)(task) && !hasSource(task);
+    });
+}
+
 bool plantOverwrittenData(RandomSeries& series, Planted& planted)
 {
     Task* reader = nullptr;
     Task* writer = nullptr;
-    const auto isWriter = [&](const Task& task) {
-        return isFreeWriter(series)(task) && !hasSource(task);
-    };
-    if (!isDrawn(series, reader, [](const Task& task) { return task.readsExisting; }) ||
-        !isDrawn(series, writer, isWriter))
-        return false;
-    writer->record.destPath = path(respelled(series, "[cfgPath]/data.bin"));
-    planted.wanted = {{findingAt("overwrites-source", *writer)}};
-    allowSharing(planted, *writer);
-    return true;
+    return isDrawn(series, reader, [](const Task& task) { return task.readsExisting; }) &&
+           isDrawnToOverwrite(series, writer) &&
+           overwrite(series, "[cfgPath]/data.bin", *writer, planted);
 }
 
 bool plantOverwrittenSource(RandomSeries& series, Planted& planted)
 {
     Task* reader = nullptr;
     Task* writer = nullptr;
-    const auto isWriter = [&](const Task& task) {
-        return isFreeWriter(series)(task) && !hasSource(task);
-    };
     if (!isDrawn(series, reader, [](const Task& task) { return task.readsOwn; }) ||
-        !isDrawn(series, writer, isWriter) || reader >= writer ||
+        !isDrawnToOverwrite(series, writer) || reader >= writer ||
         reader->record.iterations > writer->record.iterations)
         return false;
-    const QByteArray source =
-        RandomSeries::asSeenByOthers(textOf(reader->record.sourcePath), *reader);
-    writer->record.destPath = path(respelled(series, source));
-    planted.wanted = {{findingAt("overwrites-source", *writer)}};
-    allowSharing(planted, *writer);
-    return true;
-}
-
-bool plantMissingFolder(RandomSeries& series, Planted& planted)
-{
-    Task* task = nullptr;
-    if (!isDrawn(series, task, isFreeWriter(series)))
-        return false;
-    task->record.destPath = path("/no such folder/x_[host].dat");
-    planted.wanted = {{findingAt("dest-folder", *task)}};
-    return true;
+    const QByteArray source = textOf(reader->record.sourcePath);
+    return overwrite(series, RandomSeries::asSeenByOthers(source, *reader), *writer, planted);
 }
 
 bool plantSourceThatIsMadeAnew(RandomSeries& series, Planted& planted)
@@ -376,7 +371,7 @@ const std::vector<NamedFault>& faultsInTasks()
         {"same file", plantSameFile},
         {"same file in an iteration", plantSameFileInAnIteration},
         {"over the series", plantOverSeries},
-        {"done name", plantDoneName},
+        {"done name", wrongDest("[cfgPath]/done_[host]", "done-name")},
         {"two sizes", plantTwoSizes},
         {"dated source", plantDatedSource},
         {"local source", plantLocalSource},
@@ -390,7 +385,7 @@ const std::vector<NamedFault>& faultsInTasks()
         {"file that others need as folder", plantFileThatOthersNeedAsFolder},
         {"overwritten data", plantOverwrittenData},
         {"overwritten source", plantOverwrittenSource},
-        {"missing folder", plantMissingFolder},
+        {"missing folder", wrongDest("/no such folder/x_[host].dat", "dest-folder")},
         {"source that is made anew", plantSourceThatIsMadeAnew},
     };
     return faults;

@@ -102,6 +102,17 @@ public:
         return texts;
     }
 
+    /// The same without notes.
+    QStringList errorsAndWarnings() const
+    {
+        QSet<QString> rules;
+        for (const Finding& finding : findings()) {
+            if (finding.rule->severity != Severity::Note)
+                rules.insert(finding.rule->name);
+        }
+        return rules.isEmpty() ? QStringList() : said(rules);
+    }
+
     /// The text of the first finding of a rule.
     QString text(const char* rule, const QString& chosen = "a.dpc") const
     {

@@ -1,4 +1,5 @@
 #include "check/fileuses.h"
+#include "tests/check/tasklines.h"
 #include "tests/support/files.h"
 
 #include <QDir>
@@ -11,12 +12,6 @@ QByteArray copying(const QByteArray& source, const QByteArray& dest, int iterati
 {
     return "Stream;NOflush;NOprealloc; 50; 1024; -1; 1024;" + QByteArray::number(iterations) +
            ";0;  " + source + ";  " + dest + ";  ;  ;  true;\n";
-}
-
-QByteArray making(const QByteArray& file, int kib)
-{
-    return "Stream;NOflush;NOprealloc;  0;    0; -1; " + QByteArray::number(kib) +
-           ";1;0;  MEMORY;  " + file + ";  ;  ;  true;\n";
 }
 
 /// A series in a folder of its own, and a disk that holds what the test names.

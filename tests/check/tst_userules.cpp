@@ -1,46 +1,5 @@
 #include "tests/check/seriesfolder.h"
-
-namespace {
-
-/// A line of a task; sizes in KiB.
-QByteArray task(const QByteArray& source, const QByteArray& dest, int kib = 1024,
-                int iterations = 1, const QByteArray& log = "[cfgPath]/[host].txt",
-                const QByteArray& csv = "[cfgPath]/[host]-[cfgID].csv")
-{
-    return "Stream;NOflush;NOprealloc; 50; 1024; -1; " + QByteArray::number(kib) + ';' +
-           QByteArray::number(iterations) + ";0;  " + source + ";  " + dest + ";  " + log + ";  " +
-           csv + ";  true;\n";
-}
-
-QByteArray writing(const QByteArray& dest, int kib = 1024, int iterations = 1)
-{
-    return task("MEMORY", dest, kib, iterations);
-}
-
-QByteArray reading(const QByteArray& source, int kib = 1024, int iterations = 1)
-{
-    return task(source, "MEMORY", kib, iterations);
-}
-
-QByteArray withLog(const QByteArray& dest, const QByteArray& log)
-{
-    return task("MEMORY", dest, 1024, 1, log);
-}
-
-QByteArray withCsv(const QByteArray& csv, const QByteArray& log = "[cfgPath]/[host].txt")
-{
-    return task("MEMORY", "[cfgPath]/out_[host].dat", 1024, 1, log, csv);
-}
-
-QByteArray making(const QByteArray& file, int kib = 1024)
-{
-    return "Stream;NOflush;NOprealloc;  0;    0; -1; " + QByteArray::number(kib) +
-           ";1;0;  MEMORY;  " + file + ";  ;  ;  true;\n";
-}
-
-const QByteArray dummy = making("[cfgPath]/dummyFile", 0);
-
-} // namespace
+#include "tests/check/tasklines.h"
 
 /// The rules that ask who uses which file.
 class TestUseRules : public QObject
@@ -177,23 +136,7 @@ private slots:
         QVERIFY(!m_series->text(rule).isEmpty());
         m_series->put("a.dpc", good);
         QCOMPARE(m_series->hits(rule, good), 0);
-        QCOMPARE(errorsAndWarnings(), QStringList());
-    }
-
-    /// Nothing has to be made before.
-    void filesThatTasksWriteThemselvesNeedNoInitFile()
-    {
-        for (const QByteArray& lines :
-             {writing("[cfgPath]/x") + reading("[cfgPath]/x", 2048),
-              writing("[cfgPath]/x[iter]", 1024, 3) + reading("[cfgPath]/x2"),
-              writing("[cfgPath]/x") + task("[cfgPath]/x", "[cfgPath]/y") +
-                  reading("[cfgPath]/y")}) {
-            m_series->put("a.dpc", lines);
-            QCOMPARE(m_series->said(), QStringList());
-            m_series->put("a_init.dpc", dummy);
-            QCOMPARE(m_series->said(), QStringList());
-            QVERIFY(QFile::remove(m_series->root() + "a_init.dpc"));
-        }
+        QCOMPARE(m_series->errorsAndWarnings(), QStringList());
     }
 
     void naturalSeriesAreClean_data()
@@ -253,100 +196,7 @@ private slots:
         m_series->options().hosts = hosts;
         m_series->put("a_init.dpc", init);
         m_series->put("a.dpc", lines);
-        QCOMPARE(errorsAndWarnings(), QStringList());
-    }
-
-    void sourceAndDestinationOfOneMachineOnly()
-    {
-        m_series->put("a_init.dpc", making("[cfgPath]/pc2.dat"));
-        m_series->options().hosts = QStringList{"pc1", "pc2", "pc3"};
-        QCOMPARE(m_series->hits("same-file", task("[cfgPath]/pc2.dat", "[cfgPath]/[host].dat")), 1);
-        QVERIFY(m_series->text("same-file").contains("on pc2"));
-        QCOMPARE(m_series->hits("same-file", task("[cfgPath]/pc4.dat", "[cfgPath]/[host].dat")), 0);
-    }
-
-    /// The machine that saves the series makes its own folder only.
-    void foldersOfOtherMachines()
-    {
-        m_series->options().hosts = QStringList{"pc1", "pc2", "pc3"};
-        m_series->put("a_init.dpc", making("[cfgPath]/pc1/dummyFile", 0));
-        m_series->setExisting(m_series->root() + "pc3/");
-        for (const QByteArray& lines :
-             {writing("[cfgPath]/[host]/x") + writing("[cfgPath]/[host]/y"),
-              withLog("[cfgPath]/x_[host]", "[cfgPath]/[host]/l.txt"),
-              withCsv("[cfgPath]/[host]/c.csv")}) {
-            QCOMPARE(m_series->hits("dest-folder-local", lines), 1);
-            QVERIFY(m_series->text("dest-folder-local").contains("does not exist for pc2, and"));
-        }
-        m_series->setExisting(m_series->root() + "pc2/");
-        QCOMPARE(m_series->hits("dest-folder-local", writing("[cfgPath]/[host]/x")), 0);
-        // Without their names nobody can tell.
-        m_series->options().hosts.clear();
-        QCOMPARE(m_series->hits("dest-folder-local", writing("[cfgPath]/x/[host]/x")), 0);
-    }
-
-    void fileOfOneMachineThatIsAFolderOfAnother()
-    {
-        m_series->options().hosts = QStringList{"pc1", "pc2"};
-        m_series->put("a_init.dpc", dummy);
-        QCOMPARE(m_series->hits("folder-is-file",
-                                writing("[cfgPath]/[host]") + writing("[cfgPath]/pc2/x_[host]")),
-                 1);
-        QCOMPARE(m_series->hits("folder-is-file",
-                                writing("[cfgPath]/[host]") + writing("[cfgPath]/pc3/x_[host]")),
-                 0);
-    }
-
-    void machinesThatMeetInOneName()
-    {
-        m_series->options().hosts = QStringList{"pc1", "pc11"};
-        QCOMPARE(m_series->hits("shared-output", writing("[cfgPath]/[host][iter].dat", 1024, 12)),
-                 1);
-        QVERIFY(m_series->text("shared-output").startsWith("pc1, pc11 all write"));
-        QCOMPARE(m_series->hits("shared-output", writing("[cfgPath]/[host]_[iter].dat", 1024, 12)),
-                 0);
-        QCOMPARE(m_series->hits("shared-output", writing("[cfgPath]/[host][iter].dat", 1024, 5)),
-                 0);
-        // A name of one machine that a task has for all.
-        QCOMPARE(
-            m_series->hits("shared-results", withLog("[cfgPath]/x_[host]", "[cfgPath]/[host]") +
-                                                 withLog("[cfgPath]/y_[host]", "[cfgPath]/pc1")),
-            1);
-    }
-
-    void sharesAreSharedForCertain()
-    {
-        m_series->options().hosts = QStringList{"pc1", "pc2"};
-        for (const char* share : {"//nas/e/x", "\\\\nas\\e\\x"}) {
-            QCOMPARE(m_series->hits("shared-output", writing(share)), 1);
-            QCOMPARE(m_series->hits("maybe-shared", writing(share)), 0);
-        }
-        QCOMPARE(m_series->hits("shared-output", writing(m_series->root().toLatin1() + "e/x")), 1);
-        QCOMPARE(m_series->hits("maybe-shared", writing("/mnt/x")), 1);
-    }
-
-    void sizesThatWantTheSameSourceAcrossConfigFiles()
-    {
-        const QByteArray source = "[cfgPath]/testfile_[cfgName]-[cfgTaskID].dat";
-        m_series->put("a_init.dpc", making("[cfgPath]/testfile_a-0.dat") + dummy);
-        m_series->put("a.dpc", reading(source) + "[cfgPath]/a1.dpc\n");
-        m_series->put("a1.dpc", reading(source, 2048));
-        QCOMPARE(errorsAndWarnings(), QStringList{"a1.dpc:1:42 source-size"});
-        QVERIFY(m_series->text("source-size").contains("2048 KiB here and with 1024 KiB in"));
-        // A file that is there has the size that it has.
-        m_series->setExisting(m_series->root() + "testfile_a-0.dat", 777);
-        m_series->put("a_init.dpc", "# " + making("[cfgPath]/testfile_a-0.dat") + dummy);
-        QCOMPARE(errorsAndWarnings(), QStringList());
-    }
-
-    /// With the source itself, which a save would put into the "_init" file.
-    void sizesOfASourceThatNothingMakesYet()
-    {
-        const QByteArray two = reading("[cfgPath]/s.dat") + reading("[cfgPath]/s.dat", 2048);
-        QCOMPARE(m_series->hits("source-size", two), 1);
-        QCOMPARE(m_series->hits("source-size", writing("[cfgPath]/s.dat") + two), 0);
-        m_series->setExisting(m_series->root() + "s.dat", 777);
-        QCOMPARE(m_series->hits("source-size", two), 0);
+        QCOMPARE(m_series->errorsAndWarnings(), QStringList());
     }
 
     /// Long names take memory and time, not only many.
@@ -368,35 +218,9 @@ private slots:
         QCOMPARE(m_series->hits("many-iterations", writing("/" + longName, 1024, 20)), 0);
     }
 
-    void initFileThatMakesAFileOfTheSeries()
-    {
-        m_series->put("a.dpc", writing("[cfgPath]/x_[host]"));
-        m_series->put("a_init.dpc", making("[cfgPath]/a1.dpc") + dummy);
-        QCOMPARE(m_series->said(), QStringList{"a_init.dpc:1:1 overwrites-series"});
-        m_series->put("a_init.dpc", "# " + making("[cfgPath]/a1.dpc") + dummy);
-        QCOMPARE(m_series->said(), QStringList());
-    }
-
     void filesOfTheSeriesInAllIterationsAreOneFinding()
     {
         QCOMPARE(m_series->hits("overwrites-series", writing("[cfgPath]/a[iter].dpc", 1024, 3)), 1);
-    }
-
-    /// It runs on one machine.
-    void initFileByItselfIsNotSharedByMachines()
-    {
-        m_series->options().hosts = QStringList{"pc1", "pc2"};
-        m_series->put("a_init.dpc", making("[cfgPath]/s.dat") + dummy);
-        QCOMPARE(m_series->said({}, "a_init.dpc"), QStringList());
-    }
-
-    void doneFileOfAMachine()
-    {
-        const QByteArray line = writing("[cfgPath]/done_pc2");
-        QCOMPARE(m_series->hits("done-name", line), 0);
-        m_series->options().hosts = QStringList{"pc1", "pc2"};
-        QCOMPARE(m_series->hits("done-name", line), 1);
-        QCOMPARE(m_series->hits("done-name", writing("[cfgPath]/done_pc3")), 0);
     }
 
     void tasksAreTheSameIfTheirFilesAre()
@@ -416,75 +240,6 @@ private slots:
         // On another machine it is another file.
         m_series->options().hosts = QStringList{"pc1", "pc2"};
         QCOMPARE(m_series->hits("same-task", twice(plain, "[cfgPath]/x_pc1")), 0);
-    }
-
-    void initFileThatMakesAFileAnew()
-    {
-        m_series->put("a.dpc", reading("[cfgPath]/s.dat"));
-        m_series->put("a_init.dpc", making("[cfgPath]/s.dat") + dummy);
-        QCOMPARE(errorsAndWarnings(), QStringList());
-        // After a run of the _init file it has that size.
-        m_series->setExisting(m_series->root() + "s.dat", qint64(1024) * 1024);
-        QCOMPARE(errorsAndWarnings(), QStringList());
-        m_series->setExisting(m_series->root() + "s.dat", 1024 * 1024 + 1);
-        QCOMPARE(errorsAndWarnings(), QStringList{"a_init.dpc:1:1 init-overwrites"});
-        m_series->put("a_init.dpc", "# " + making("[cfgPath]/s.dat") + dummy);
-        QCOMPARE(errorsAndWarnings(), QStringList());
-        // A file that only keeps its folder may have a byte.
-        m_series->setExisting(m_series->root() + "dummyFile", 1);
-        QCOMPARE(errorsAndWarnings(), QStringList());
-    }
-
-    /// A save takes two spellings for two files.
-    void sourceThatIsMadeInTwoSizesIsOneFinding()
-    {
-        const QByteArray full = m_series->root().toLatin1() + "s.dat";
-        m_series->put("a_init.dpc", making("[cfgPath]/s.dat") + making(full, 2048) + dummy);
-        m_series->put("a.dpc", reading("[cfgPath]/s.dat") + reading(full, 2048));
-        QCOMPARE(errorsAndWarnings(), QStringList{"a.dpc:2:42 source-size"});
-    }
-
-    /// Two spellings, of which the first load out of "_wait" took one for missing.
-    void fileThatIsMadeAnewIsOneFinding()
-    {
-        m_series->setExisting(m_series->root() + "s.dat", 777);
-        m_series->put("a_init.dpc", making("[cfgPath]/s.dat", 4096) + dummy);
-        m_series->put("a.dpc", reading(m_series->root().toLatin1() + "s.dat") +
-                                   reading("[cfgPath]/s.dat", 4096));
-        QCOMPARE(errorsAndWarnings(), QStringList{"a_init.dpc:1:1 init-overwrites"});
-    }
-
-    void whatTasksLeaveBehindMayBeMadeAnew()
-    {
-        m_series->put("a.dpc", writing("[cfgPath]/s.dat") + reading("[cfgPath]/s.dat", 2048));
-        m_series->put("a_init.dpc", making("[cfgPath]/s.dat", 2048) + dummy);
-        m_series->setExisting(m_series->root() + "s.dat", qint64(1024) * 1024);
-        QCOMPARE(errorsAndWarnings(), QStringList());
-    }
-
-    void machinesWhoseSourcesAreNotThere()
-    {
-        m_series->options().hosts = QStringList{"pc1", "pc2", "pc3"};
-        m_series->put("a_init.dpc", making("[cfgPath]/pc1.dat") + dummy);
-        QCOMPARE(m_series->hits("source-local", reading("[cfgPath]/[host].dat")), 1);
-        QVERIFY(m_series->text("source-local").contains("not there on pc2, pc3"));
-        m_series->setExisting(m_series->root() + "pc2.dat");
-        m_series->setExisting(m_series->root() + "pc3.dat");
-        QCOMPARE(m_series->hits("source-local", reading("[cfgPath]/[host].dat")), 0);
-        // The folders of other machines can't be seen.
-        m_series->setExisting(QDir::tempPath() + "/s.dat");
-        QCOMPARE(m_series->hits("source-local", reading("[temp]/s.dat")), 1);
-    }
-
-    void foldersThatEachMachineNeeds()
-    {
-        m_series->options().hosts = QStringList{"pc1", "pc2"};
-        const QByteArray lines = writing("/d/[host]/x");
-        QCOMPARE(m_series->hits("dest-folder-local", lines), 1);
-        m_series->setExisting("/d/pc1/");
-        QCOMPARE(m_series->hits("dest-folder-local", lines), 1);
-        m_series->setExisting("/d/pc2/");
-        QCOMPARE(m_series->hits("dest-folder-local", lines), 0);
     }
 
     void pathThroughAFileThatExists()
@@ -525,34 +280,7 @@ private slots:
         QCOMPARE(hits(shared + shared).size(), 1);
     }
 
-    void allMachinesOfALargeListAreCounted()
-    {
-        QStringList hosts;
-        for (int i = 0; i < 4000; ++i)
-            hosts += QStringLiteral("m%1").arg(i);
-        m_series->options().hosts = hosts;
-        QByteArray lines;
-        for (int i = 0; i < 5; ++i)
-            lines += writing("[cfgPath]/[host]_[cfgTaskID].dat");
-        QCOMPARE(m_series->hits("shared-output", lines + writing("[cfgPath]/x.dat")), 1);
-        QVERIFY(m_series->text("shared-output").startsWith("m0, m1, m2 and 3997 more all write"));
-    }
-
 private:
-    QStringList errorsAndWarnings() const
-    {
-        QStringList texts;
-        for (const Finding& finding : m_series->findings()) {
-            if (finding.rule->severity != Severity::Note)
-                texts += QStringLiteral("%1:%2:%3 %4")
-                             .arg(QString(finding.path).remove(m_series->root()))
-                             .arg(finding.line)
-                             .arg(finding.column)
-                             .arg(finding.rule->name);
-        }
-        return texts;
-    }
-
     QScopedPointer<SeriesFolder> m_series;
 };
 

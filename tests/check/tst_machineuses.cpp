@@ -1,0 +1,133 @@
+#include "tests/check/seriesfolder.h"
+#include "tests/check/tasklines.h"
+
+/// The rules for the files of several machines.
+class TestMachineUses : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { m_series.reset(new SeriesFolder); }
+
+    void sourceAndDestinationOfOneMachineOnly()
+    {
+        m_series->put("a_init.dpc", making("[cfgPath]/pc2.dat"));
+        m_series->options().hosts = QStringList{"pc1", "pc2", "pc3"};
+        QCOMPARE(m_series->hits("same-file", task("[cfgPath]/pc2.dat", "[cfgPath]/[host].dat")), 1);
+        QVERIFY(m_series->text("same-file").contains("on pc2"));
+        QCOMPARE(m_series->hits("same-file", task("[cfgPath]/pc4.dat", "[cfgPath]/[host].dat")), 0);
+    }
+
+    /// The machine that saves the series makes its own folder only.
+    void foldersOfOtherMachines()
+    {
+        m_series->options().hosts = QStringList{"pc1", "pc2", "pc3"};
+        m_series->put("a_init.dpc", making("[cfgPath]/pc1/dummyFile", 0));
+        m_series->setExisting(m_series->root() + "pc3/");
+        for (const QByteArray& lines :
+             {writing("[cfgPath]/[host]/x") + writing("[cfgPath]/[host]/y"),
+              withLog("[cfgPath]/x_[host]", "[cfgPath]/[host]/l.txt"),
+              withCsv("[cfgPath]/[host]/c.csv")}) {
+            QCOMPARE(m_series->hits("dest-folder-local", lines), 1);
+            QVERIFY(m_series->text("dest-folder-local").contains("does not exist for pc2, and"));
+        }
+        m_series->setExisting(m_series->root() + "pc2/");
+        QCOMPARE(m_series->hits("dest-folder-local", writing("[cfgPath]/[host]/x")), 0);
+        // Without their names nobody can tell.
+        m_series->options().hosts.clear();
+        QCOMPARE(m_series->hits("dest-folder-local", writing("[cfgPath]/x/[host]/x")), 0);
+    }
+
+    void fileOfOneMachineThatIsAFolderOfAnother()
+    {
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+        m_series->put("a_init.dpc", dummy);
+        QCOMPARE(m_series->hits("folder-is-file",
+                                writing("[cfgPath]/[host]") + writing("[cfgPath]/pc2/x_[host]")),
+                 1);
+        QCOMPARE(m_series->hits("folder-is-file",
+                                writing("[cfgPath]/[host]") + writing("[cfgPath]/pc3/x_[host]")),
+                 0);
+    }
+
+    void machinesThatMeetInOneName()
+    {
+        m_series->options().hosts = QStringList{"pc1", "pc11"};
+        QCOMPARE(m_series->hits("shared-output", writing("[cfgPath]/[host][iter].dat", 1024, 12)),
+                 1);
+        QVERIFY(m_series->text("shared-output").startsWith("pc1, pc11 all write"));
+        QCOMPARE(m_series->hits("shared-output", writing("[cfgPath]/[host]_[iter].dat", 1024, 12)),
+                 0);
+        QCOMPARE(m_series->hits("shared-output", writing("[cfgPath]/[host][iter].dat", 1024, 5)),
+                 0);
+        // A name of one machine that a task has for all.
+        QCOMPARE(
+            m_series->hits("shared-results", withLog("[cfgPath]/x_[host]", "[cfgPath]/[host]") +
+                                                 withLog("[cfgPath]/y_[host]", "[cfgPath]/pc1")),
+            1);
+    }
+
+    void sharesAreSharedForCertain()
+    {
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+        for (const char* share : {"//nas/e/x", "\\\\nas\\e\\x"}) {
+            QCOMPARE(m_series->hits("shared-output", writing(share)), 1);
+            QCOMPARE(m_series->hits("maybe-shared", writing(share)), 0);
+        }
+        QCOMPARE(m_series->hits("shared-output", writing(m_series->root().toLatin1() + "e/x")), 1);
+        QCOMPARE(m_series->hits("maybe-shared", writing("/mnt/x")), 1);
+    }
+
+    void doneFileOfAMachine()
+    {
+        const QByteArray line = writing("[cfgPath]/done_pc2");
+        QCOMPARE(m_series->hits("done-name", line), 0);
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+        QCOMPARE(m_series->hits("done-name", line), 1);
+        QCOMPARE(m_series->hits("done-name", writing("[cfgPath]/done_pc3")), 0);
+    }
+
+    void machinesWhoseSourcesAreNotThere()
+    {
+        m_series->options().hosts = QStringList{"pc1", "pc2", "pc3"};
+        m_series->put("a_init.dpc", making("[cfgPath]/pc1.dat") + dummy);
+        QCOMPARE(m_series->hits("source-local", reading("[cfgPath]/[host].dat")), 1);
+        QVERIFY(m_series->text("source-local").contains("not there on pc2, pc3"));
+        m_series->setExisting(m_series->root() + "pc2.dat");
+        m_series->setExisting(m_series->root() + "pc3.dat");
+        QCOMPARE(m_series->hits("source-local", reading("[cfgPath]/[host].dat")), 0);
+        // The folders of other machines can't be seen.
+        m_series->setExisting(QDir::tempPath() + "/s.dat");
+        QCOMPARE(m_series->hits("source-local", reading("[temp]/s.dat")), 1);
+    }
+
+    void foldersThatEachMachineNeeds()
+    {
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+        const QByteArray lines = writing("/d/[host]/x");
+        QCOMPARE(m_series->hits("dest-folder-local", lines), 1);
+        m_series->setExisting("/d/pc1/");
+        QCOMPARE(m_series->hits("dest-folder-local", lines), 1);
+        m_series->setExisting("/d/pc2/");
+        QCOMPARE(m_series->hits("dest-folder-local", lines), 0);
+    }
+
+    void allMachinesOfALargeListAreCounted()
+    {
+        QStringList hosts;
+        for (int i = 0; i < 4000; ++i)
+            hosts += QStringLiteral("m%1").arg(i);
+        m_series->options().hosts = hosts;
+        QByteArray lines;
+        for (int i = 0; i < 5; ++i)
+            lines += writing("[cfgPath]/[host]_[cfgTaskID].dat");
+        QCOMPARE(m_series->hits("shared-output", lines + writing("[cfgPath]/x.dat")), 1);
+        QVERIFY(m_series->text("shared-output").startsWith("m0, m1, m2 and 3997 more all write"));
+    }
+
+private:
+    QScopedPointer<SeriesFolder> m_series;
+};
+
+QTEST_APPLESS_MAIN(TestMachineUses)
+#include "tst_machineuses.moc"
