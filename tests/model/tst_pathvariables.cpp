@@ -137,6 +137,25 @@ private slots:
         QCOMPARE(expanded(taskIn("/data/cfg/mytest12.dpc", 12), name, 3, 7), result);
     }
 
+    void variablesVaryByAPartOfTheRun()
+    {
+        const QStringList parts = {"machine", "moment", "iteration", "task", "file", "series"};
+        QStringList found;
+        for (int i = 0; i < pathVariableCount; ++i) {
+            const auto variable = static_cast<PathVariable>(i);
+            found += spellingOf(variable) + (' ' + parts[int(variationOf(variable))]);
+        }
+        QCOMPARE(found, (QStringList{"[host] machine", "[date] moment", "[iter] iteration",
+                                     "[cfgline] task", "[cfgTaskID] task", "[cfgID] file",
+                                     "[cfgLogName] file", "[cfgNameID] file", "[cfgName] series",
+                                     "[cfgPath] series", "[temp] machine"}));
+        QCOMPARE(hostVariable, "[host]");
+        QCOMPARE(dateVariable, "[date]");
+        QCOMPARE(iterVariable, "[iter]");
+        QCOMPARE(configPathVariable, "[cfgPath]");
+        QCOMPARE(tempVariable, "[temp]");
+    }
+
     void everyVariableIsReplaced()
     {
         TestTask task = taskIn("/cfg/mytest12.dpc", 4);

@@ -35,6 +35,20 @@ private slots:
                                                   "-1", QString::fromUtf8("/sü"), "/d", "/l"}));
     }
 
+    void columns()
+    {
+        QStringList columns;
+        for (const TaskColumn& column : taskColumns())
+            columns += QString(column.title) + (column.isNumber ? " #" : "");
+        QCOMPARE(columns, (QStringList{"Config File ID #", "Type", "Method", "Size #",
+                                       "Interations #", "Chunk Size #", "Chunk Wait #",
+                                       "SysBuffer #", "Source", "Dest", "Log"}));
+        QVERIFY(taskColumns()[7].path == nullptr);
+        QVERIFY(taskColumns()[8].path == &TestTask::sourcePath);
+        QVERIFY(taskColumns()[9].path == &TestTask::destPath);
+        QVERIFY(taskColumns()[10].path == &TestTask::logPath);
+    }
+
     void methodsAreNamed()
     {
         const QStringList names = {"Posix", "System", "Stream", "AnsiC", "WinApi"};

@@ -195,6 +195,13 @@ private slots:
         QCOMPARE(readLine("").problem.field, 1);
     }
 
+    void problemIsOptional()
+    {
+        TestTask task;
+        QVERIFY(!readTaskLine(task, kvToString16<1000>("Posx;"), path("/cfg/a.dpc")));
+        QVERIFY(!readTaskLine(task, kvToString16<1000>("Posix;;;x;"), path("/cfg/a.dpc")));
+    }
+
     void systemBufferIsLimitedToFiveAndThenPerMethod()
     {
         QCOMPARE(readWith(6, "9", "Posix").task.io.sysBufferMode, 1);
@@ -380,6 +387,17 @@ private slots:
         TaskLineProblem problem;
         QVERIFY(!readTaskLineAsIs(task, kvToString16<1000>("x"), path("/a.dpc"), &problem));
         QCOMPARE(problem.field, 1);
+    }
+
+    void namesOfTheFields()
+    {
+        const QStringList names = {"text",       "method",     "flush",         "pre-allocate",
+                                   "chunk wait", "chunk size", "system buffer", "file size",
+                                   "iterations", "cache mode", "source",        "destination",
+                                   "log file",   ".csv file",  "done file",     "text"};
+        for (int field = 0; field < names.size(); ++field)
+            QCOMPARE(fieldName(field), qPrintable(names[field]));
+        QCOMPARE(fieldName(-1), "text");
     }
 
     void placesOfTheFields()
