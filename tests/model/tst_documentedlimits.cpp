@@ -40,11 +40,11 @@ private slots:
         for (const QString& row : {
                  ".It Path Ta " + number(maxPath) + " characters",
                  ".It Line Ta " + number(maxLine) + " characters",
-                 ".It File, as the editor writes it Ta " + number(maxConfigFile) + " characters",
-                 ".It Full name of a file that is written Ta " + number(maxFileName) +
+                 ".It File, written by the editor Ta " + number(maxConfigFile) + " characters",
+                 ".It Full name of a written file Ta " + number(maxFileName) +
                      " characters",
-                 ".It Entries of a series that are read Ta " + number(maxSeriesEntries),
-                 ".It Comments of a series that are read Ta " + number(maxSeriesComments),
+                 ".It Entries of a series, read Ta " + number(maxSeriesEntries),
+                 ".It Comments of a series, read Ta " + number(maxSeriesComments),
                  ".It Digits of a number Ta " + number(maxNumberLength),
                  "at most " + QString::number(kibFromBytes(maxFileSize)) + ", which is " +
                      QString::number(maxFileSize >> 30) + " GiB",

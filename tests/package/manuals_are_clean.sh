@@ -14,7 +14,8 @@ done <"$scratch/references"
 for program in "$scratch/usr/bin"/*; do
     man --where 1 "${program##*/}" >"$scratch/page" || fail "$program has no manual page"
 done
-man 5 dpc | grep -q 'fourteen fields' || fail "dpc(5) can't be read"
+MANWIDTH=80 man 5 dpc 2>"$scratch/faults" | grep -q 'fourteen fields' || fail "dpc(5) can't be read"
+[ ! -s "$scratch/faults" ] || fail "dpc(5) does not fit into 80 columns: $(cat "$scratch/faults")"
 sed -n 's|^\.Pa /usr/\(share/doc/[^ ]*\).*|\1|p' "$source"/packaging/man/* >"$scratch/documents"
 [ -s "$scratch/documents" ] || fail "the manual pages name no documents"
 while read -r document; do
