@@ -1,6 +1,7 @@
 #include "check/filescanner.h"
 
 #include "check/environment.h"
+#include "check/text.h"
 #include "configset/configfilereader.h"
 #include "model/limits.h"
 #include "model/methods.h"
@@ -97,7 +98,10 @@ void FileScanner::scanComment(LineFact& fact, const _kvString<maxLine>& line)
     else if (m_takesInfo && m_facts.infoCut.line == 0)
         m_facts.infoCut = {m_index, fact.line};
     fact.text = latin1(line);
-    const bool isWhole = fact.length < maxLine && !fact.hasZero && !isPartOfTask(fact.text);
+    const bool isFirstUtf8 = !m_hasUtf8Comment && looksLikeUtf8(fact.text);
+    m_hasUtf8Comment = m_hasUtf8Comment || isFirstUtf8;
+    const bool isWhole =
+        fact.length < maxLine && !fact.hasZero && !isPartOfTask(fact.text) && !isFirstUtf8;
     if (isWhole || ++m_facts.brokenComments > maxSeriesComments)
         return;
     m_lines.push_back(std::move(fact));

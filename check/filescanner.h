@@ -29,6 +29,7 @@ private:
     int m_entryLimit;
     _kvString8_allSize<maxPath> m_path;
     bool m_takesInfo;
+    bool m_hasUtf8Comment = false;
     TestTask m_task;
 };
 

@@ -98,10 +98,14 @@ void findInit(SeriesFacts& facts)
 void findClosedWaitFolder(SeriesFacts& facts)
 {
     const PathStatus status = realEnvironment().look(facts.name.folder + waitFolder().chopped(1));
-    if (!status.isFolder() || status.isReadable)
+    if (status.kind == PathStatus::Kind::Nothing || (status.isFolder() && status.isReadable))
         return;
     addFile(facts, facts.name.folder + waitFolder(), seriesFileCount, false, FileRole::WaitFolder);
-    facts.files.back().whyUnreadable = "you have no right to look into it";
+    std::string& reason = facts.files.back().whyUnreadable;
+    if (status.isFolder())
+        reason = "you have no right to look into it";
+    else
+        reason = status.isFile() ? "it is a file" : status.whyUnreadable;
 }
 
 bool haveSameBytes(const QString& first, const QString& second)

@@ -47,7 +47,7 @@ enum TaskPath
 constexpr int firstPathField = SourceField;
 
 /// A line that holds something: a task, a marker, a line that the reader rejects, or a comment that
-/// was cut or begins like a task.
+/// was cut, begins like a task or is the first in UTF-8.
 struct LineFact
 {
     /// The kind of the line.
@@ -168,7 +168,7 @@ struct SeriesFacts
     std::vector<LineFact> initLines; ///< of the _init file
     std::vector<std::string> info;   ///< comments that a load shows as the info text
     LinePlace infoCut;               ///< the first comment that a load leaves out of it
-    int brokenComments = 0;          ///< that are cut or hold a zero byte; not all are kept
+    int brokenComments = 0;          ///< of which something can be said; not all are kept
     int initFile = -1;               ///< its place among the files, -1 if there is none
     QHash<QByteArray, InitEntry> init;
     int entryCount = 0;        ///< tasks, markers and rejected lines

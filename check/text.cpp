@@ -99,6 +99,31 @@ std::string quoted(const QByteArray& latin1)
     return quoted(QString::fromLatin1(latin1));
 }
 
+bool looksLikeUtf8(const QByteArray& text)
+{
+    const auto isContinuation = [](char c) {
+        return (static_cast<unsigned char>(c) & 0xC0U) == 0x80;
+    };
+    bool found = false;
+    for (int i = 0; i < text.size();) {
+        const auto lead = static_cast<unsigned char>(text[i]);
+        const int more = lead < 0x80    ? 0
+                         : lead >= 0xF0 ? 3
+                         : lead >= 0xE0 ? 2
+                         : lead >= 0xC2 ? 1
+                                        : -1;
+        if (more < 0 || lead > 0xF4 || i + more >= text.size())
+            return false;
+        for (int k = 1; k <= more; ++k) {
+            if (!isContinuation(text[i + k]))
+                return false;
+        }
+        found = found || more > 0;
+        i += more + 1;
+    }
+    return found;
+}
+
 std::string counted(long long count, const char* noun)
 {
     return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");

@@ -49,6 +49,9 @@ inline int maxVariables(const QByteArray& path)
     return int(std::count(path.cbegin(), path.cend(), '['));
 }
 
+/// True for text with letters that is UTF-8, and hardly Latin-1.
+bool looksLikeUtf8(const QByteArray& text);
+
 /// "1 task", "2 tasks".
 std::string counted(long long count, const char* noun);
 

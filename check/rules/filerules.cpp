@@ -89,8 +89,9 @@ bool checkUnread(const FileFact& file, int index, Findings& findings)
     } else if (file.role == FileRole::WaitFolder) {
         findings.add(
             unreadable, index, 1, 1,
-            fmt::format("the folder can't be read ({}), so the files in it are not checked",
-                        file.whyUnreadable));
+            Message(fmt::format("the folder can't be read ({}), so the files in it are not checked",
+                                file.whyUnreadable),
+                    "put a folder that you may look into in its place"));
     } else if (!file.readable) {
         const char* result = file.isInit() ? "nothing that the series needs is made"
                                            : "the editor skips it without a message";

@@ -26,16 +26,28 @@ QString folderOf(const QString& path)
     return kvGetDirName(path, '/');
 }
 
-/// A need that nothing meets.
+/// A folder that a series needs and that nothing makes.
 struct Lack
 {
     const Need* need;
+    QString folder;         ///< as the task names it
     const InitEntry* entry; ///< the line that would make it if it were not commented out, or null
 };
 
+/// Of a folder that is another one on each machine or at each run, the part that is the same.
+QString fixedFolder(const QString& folder)
+{
+    int end = folder.size();
+    for (const char* variable : {hostVariable, dateVariable, tempVariable}) {
+        const int place = folder.indexOf(QLatin1String(variable));
+        end = place < 0 ? end : std::min(end, place);
+    }
+    return folderOf(folder.left(end));
+}
+
 /// Compares what a series needs with what the "_init" file makes and with what is on the disk.
 /// Names that are others on each machine or at each save, and those of another system, can't be
-/// compared.
+/// compared. A source that nothing makes has a finding of its own.
 class InitComparison
 {
 public:
@@ -56,14 +68,14 @@ public:
 
 private:
     void compare(const Need& need);
-    bool isMet(const Need& need);
+    void compareFolder(const Need& need, const QString& folder, const InitEntry* entry);
+    bool isThere(const QString& folder);
     bool makesOtherSize(const Need& need, const InitEntry& entry) const;
     void reportMissing();
     void reportLacks();
     void reportLack(const Lack& lack, const std::vector<std::string>& names);
     void reportSizes();
     void reportUnneeded();
-    std::string named(const Lack& lack) const;
 
     /// Found out once, and only if it is asked for.
     const std::string& advice()
@@ -98,28 +110,28 @@ bool InitComparison::makesOtherSize(const Need& need, const InitEntry& entry) co
 
 void InitComparison::compare(const Need& need)
 {
-    const QString& path = need.file.resolved;
-    if (dependsOnMachine(path) || isForeignPath(need.line->path(need.which)))
+    if (need.isWritten || isForeignPath(need.line->path(need.which)))
         return;
-    const InitEntry* entry = m_init.entryOf(path);
-    if (need.isWritten)
-        return;
-    if (!isMet(need))
-        m_lacks.push_back({&need, entry});
-    else if (entry != nullptr && !need.file.isDummy && makesOtherSize(need, *entry))
+    const InitEntry* entry = m_init.entryOf(need.file.resolved);
+    if (need.file.isDummy) {
+        // With the names of the machines, the folders of all of them are looked at.
+        const QString folder = folderOf(need.file.resolved);
+        if (!dependsOnMachine(folder) || m_uses.givenMachines() == 0)
+            compareFolder(need, fixedFolder(folder), entry);
+    } else if (!dependsOnMachine(need.file.resolved) && entry != nullptr &&
+               makesOtherSize(need, *entry)) {
         m_otherSizes.push_back(need);
+    }
 }
 
-bool InitComparison::isMet(const Need& need)
+void InitComparison::compareFolder(const Need& need, const QString& folder, const InitEntry* entry)
 {
-    const QString& path = need.file.resolved;
-    if (!need.file.isDummy) {
-        const InitEntry* entry = m_init.entryOf(path);
-        return (entry != nullptr && entry->isActive) || m_environment.exists(path);
-    }
-    const QString folder = folderOf(path);
-    if (folder.isEmpty() || m_init.makesFolder(folder))
-        return true;
+    if (!folder.isEmpty() && !m_init.makesFolder(folder) && !isThere(folder))
+        m_lacks.push_back({&need, fixedFolder(folderOf(need.file.text)), entry});
+}
+
+bool InitComparison::isThere(const QString& folder)
+{
     const auto known = m_folderIsThere.constFind(folder);
     if (known != m_folderIsThere.cend())
         return *known;
@@ -130,8 +142,7 @@ constexpr Rule initMissing = {
     "init-missing",
     Severity::Warning,
     "series",
-    "The series needs files or folders that do not exist, and has no _init file that makes "
-    "them.",
+    "The series needs folders that do not exist, and has no _init file that makes them.",
     "run dpc init --write, or load and save the series",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out/[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
@@ -149,11 +160,13 @@ void InitComparison::reportMissing()
     const Lack& first = m_lacks.front();
     m_findings.add(
         initMissing, *first.need->line, first.need->line->columnOf(first.need->which),
-        Message(fmt::format("{} does not exist{}, and the series has no {}_init.dpc that makes it",
-                            named(first),
-                            names.size() > 1 ? fmt::format(", nor {} more", names.size() - 1) : "",
-                            printable(m_facts.name.baseName)),
-                advice())
+        Message(
+            fmt::format(
+                "the folder {} does not exist{}, and the series has no {}_init.dpc that makes it",
+                quoted(first.folder),
+                names.size() > 1 ? fmt::format(", nor {} more", names.size() - 1) : "",
+                printable(m_facts.name.baseName)),
+            advice())
             .about(names));
 }
 
@@ -181,21 +194,21 @@ constexpr Rule initNames = {
     "init-names",
     Severity::Warning,
     "series",
-    "The names in the _init file lack the name of the series: it was made in the form and saved "
-    "once.",
+    "The folders that the _init file makes lack the name of the series: it was made in the form "
+    "and saved once.",
     "run dpc init --write, or load and save the series",
     series({"mytest.dpc",
-            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/src_[cfgName].dat;  "
-            "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
-           {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 102400;1;0;  MEMORY;  "
-                               "[cfgPath]/src_.dat;  ;  ;  true;\n"
-                               "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
+            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[cfgName]/[host].txt;  [cfgPath]/[host].csv;  "
+            "true;\n"},
+           {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
                                "[cfgPath]/dummyFile;  ;  ;  true;\n"}),
     series({"mytest.dpc",
-            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/src_[cfgName].dat;  "
-            "MEMORY;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
-           {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 102400;1;0;  MEMORY;  "
-                               "[cfgPath]/src_mytest.dat;  ;  ;  true;\n"
+            "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
+            "[cfgPath]/out_[host].dat;  [cfgPath]/[cfgName]/[host].txt;  [cfgPath]/[host].csv;  "
+            "true;\n"},
+           {"mytest_init.dpc", "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
+                               "[cfgPath]/mytest/dummyFile;  ;  ;  true;\n"
                                "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  "
                                "[cfgPath]/dummyFile;  ;  ;  true;\n"})};
 
@@ -229,19 +242,17 @@ void InitComparison::reportLack(const Lack& lack, const std::vector<std::string>
                            .about(names));
         return;
     }
-    // A source that nothing makes has a finding of its own.
-    if (!need.file.isDummy)
-        return;
     const std::string others =
         names.size() > 1 ? fmt::format(", nor {} more", names.size() - 1) : std::string();
     const std::string reason =
         lack.entry != nullptr
             ? fmt::format("line {} of the _init file is commented out", lack.entry->line)
             : "the _init file does not make it";
-    m_findings.add(
-        initOutdated, *need.line, column,
-        Message(fmt::format("{} does not exist{}, and {}", named(lack), others, reason), advice())
-            .about(names));
+    m_findings.add(initOutdated, *need.line, column,
+                   Message(fmt::format("the folder {} does not exist{}, and {}",
+                                       quoted(lack.folder), others, reason),
+                           advice())
+                       .about(names));
 }
 
 void InitComparison::reportSizes()
@@ -317,13 +328,6 @@ void InitComparison::reportUnneeded()
                            fmt::format("the line makes {}, which no task of the series uses",
                                        quoted(made.path)));
     }
-}
-
-std::string InitComparison::named(const Lack& lack) const
-{
-    const FileToCreate& file = lack.need->file;
-    return file.isDummy ? fmt::format("the folder {}", quoted(folderOf(file.text)))
-                        : fmt::format("the source {}", quoted(file.text));
 }
 
 void InitComparison::report()

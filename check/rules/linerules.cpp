@@ -17,31 +17,6 @@ namespace {
 
 using namespace std::string_view_literals;
 
-bool isUtf8(const QByteArray& text)
-{
-    const auto isContinuation = [](char c) {
-        return (static_cast<unsigned char>(c) & 0xC0U) == 0x80;
-    };
-    bool found = false;
-    for (int i = 0; i < text.size();) {
-        const auto lead = static_cast<unsigned char>(text[i]);
-        const int more = lead < 0x80    ? 0
-                         : lead >= 0xF0 ? 3
-                         : lead >= 0xE0 ? 2
-                         : lead >= 0xC2 ? 1
-                                        : -1;
-        if (more < 0 || lead > 0xF4 || i + more >= text.size())
-            return false;
-        for (int k = 1; k <= more; ++k) {
-            if (!isContinuation(text[i + k]))
-                return false;
-        }
-        found = found || more > 0;
-        i += more + 1;
-    }
-    return found;
-}
-
 int firstHighByte(const QByteArray& text)
 {
     const auto found = std::find_if(text.begin(), text.end(),
@@ -53,7 +28,8 @@ constexpr Rule utf8Text = {
     "utf8-text",
     Severity::Warning,
     "lines",
-    "The line looks like UTF-8; config files are Latin-1, so its letters turn into others.",
+    "The line looks like UTF-8; config files are Latin-1, so its letters turn into others. A note "
+    "for the first such comment of a file.",
     "save the file as Latin-1",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/Pr\xC3\xBC"
             "fung_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
@@ -62,12 +38,15 @@ constexpr Rule utf8Text = {
 
 void checkLetters(const LineFact& line, Findings& findings)
 {
-    if (line.kind != LineFact::Kind::Comment && isUtf8(line.text))
-        findings.add(
-            utf8Text, line, line.column + firstHighByte(line.text) + 1,
-            fmt::format("the line looks like UTF-8, but config files are Latin-1: it reads "
-                        "as {}",
-                        quoted(line.text.mid(firstHighByte(line.text), 40))));
+    if (!looksLikeUtf8(line.text))
+        return;
+    const bool isComment = line.kind == LineFact::Kind::Comment;
+    findings.add(utf8Text, line, isComment ? 1 : line.column + firstHighByte(line.text) + 1,
+                 Message(fmt::format("the {} looks like UTF-8, but config files are Latin-1: it "
+                                     "reads as {}",
+                                     isComment ? "comment" : "line",
+                                     quoted(line.text.mid(firstHighByte(line.text), 40))))
+                     .as(isComment ? Severity::Note : Severity::Warning));
 }
 
 constexpr Rule longLine = {

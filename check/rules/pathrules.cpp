@@ -1,3 +1,4 @@
+#include "check/filekeys.h"
 #include "check/nameexpander.h"
 #include "check/rules/exampletasks.h"
 #include "check/rules/families.h"
@@ -88,13 +89,18 @@ constexpr Rule longPath = {
     "long-path",
     Severity::Error,
     "paths",
-    "A path ends at 500 characters, as written and with its variables replaced.",
+    "A path ends at 500 characters, and a name in it at 255 bytes, as written and with the "
+    "variables "
+    "replaced.",
     "shorten the path",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/x{500}_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
 
-/// Finds the paths that are cut while their variables are replaced.
+/// What file systems take in a name.
+constexpr int maxNameBytes = 255;
+
+/// Finds the paths that are cut while their variables are replaced, and names that are too long.
 class LengthRule
 {
 public:
@@ -125,6 +131,11 @@ public:
                            fmt::format("{} has {} characters when its variables are replaced, and "
                                        "is cut at {}: another file is used",
                                        name, longest, maxPath));
+        else if (const int bytes = longestNameIn(line, line.path(which)); bytes > maxNameBytes)
+            m_findings.add(longPath, line, column,
+                           fmt::format("a name in the {} has {} bytes, and file systems take at "
+                                       "most {}: the file can't be made",
+                                       name, bytes, maxNameBytes));
     }
 
 private:
@@ -158,6 +169,23 @@ private:
                                   int(qstrlen(variable)));
             longest = std::max(longest, length);
         }
+        return longest;
+    }
+
+    /// The bytes of the longest name of a file or folder in a path. Linux counts those of UTF-8,
+    /// Windows characters.
+    int longestNameIn(const LineFact& line, const QByteArray& path)
+    {
+        constexpr int bytesPerCharacter = 2; // of Latin-1 in UTF-8
+        if ((path.size() + maxVariables(path) * m_names.longestValue()) * bytesPerCharacter <=
+            maxNameBytes)
+            return 0;
+        const QString full =
+            m_names.resolve(line, path, std::max(line.used.iterations - 1, 0)).replace('\\', '/');
+        int longest = 0;
+        for (const QString& name : full.split('/'))
+            longest =
+                std::max(longest, isForeignPath(path) ? name.size() : int(name.toUtf8().size()));
         return longest;
     }
 

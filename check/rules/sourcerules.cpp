@@ -224,9 +224,11 @@ private:
         const LineFact& line = lineOf(source);
         const QString nameless =
             m_expander.namelessInitName(line, line.path(SourcePath), source.iteration);
-        if (m_facts.init.contains(nameless.toLatin1()))
-            return {fmt::format("{}nothing makes it: the _init file makes {}", missing,
-                                quoted(nameless)),
+        if (const auto made = m_facts.init.constFind(nameless.toLatin1());
+            made != m_facts.init.cend())
+            return {fmt::format("{}nothing makes it: line {} of the _init file makes {}, because "
+                                "the task had no config file yet when it was saved",
+                                missing, made->line, quoted(nameless)),
                     advice()};
         for (const FileWay& way : file.ways) {
             const int first = m_uses.names()[size_t(way.name)].firstUse[DestPath];
@@ -235,7 +237,11 @@ private:
                                     placeOf(m_facts, m_uses.uses()[size_t(first)].line)),
                         "change the order of the tasks, or correct the name"};
         }
-        return {missing + "nothing makes it",
+        const std::string nothing = m_facts.initFile >= 0 || m_facts.isInit
+                                        ? "nothing makes it"
+                                        : fmt::format("the series has no {}_init.dpc that makes it",
+                                                      printable(m_facts.name.baseName));
+        return {missing + nothing,
                 "correct the name; or, for the _init file to make it, " + advice()};
     }
 

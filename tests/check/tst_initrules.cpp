@@ -25,11 +25,31 @@ private slots:
     {
         const QByteArray line =
             goodLine({{10, "/d/s"}, {12, "[cfgPath]/l.txt"}, {13, "[cfgPath]/c.csv"}});
-        QCOMPARE(m_series->hits("init-missing", line), 1);
+        m_series->put("a.dpc", line);
+        // The source is one fault, and the missing file its cause.
+        QCOMPARE(m_series->said({"source-missing", "init-missing"}),
+                 QStringList{"a.dpc:1:39 source-missing"});
+        QVERIFY(m_series->text("source-missing")
+                    .contains("and the series has no a_init.dpc that makes it"));
         m_series->setExisting("/d/s");
-        QCOMPARE(m_series->hits("init-missing", line), 0);
+        QCOMPARE(m_series->said({"source-missing", "init-missing"}), QStringList());
         m_series->put("a_init.dpc", "");
         QCOMPARE(m_series->hits("init-outdated", line), 0);
+    }
+
+    /// Also the folder of a machine lies in one that must be there.
+    void folderAboveThoseOfTheMachines()
+    {
+        const QByteArray line = goodLine({{11, "[cfgPath]/out/[host]/x"},
+                                          {12, "[cfgPath]/log/[host]/l.txt"},
+                                          {13, "[cfgPath]/[host].csv"}});
+        m_series->put("a.dpc", line);
+        QCOMPARE(m_series->said({"init-missing"}), QStringList{"a.dpc:1:46 init-missing"});
+        QVERIFY(m_series->text("init-missing").startsWith("the folder '[cfgPath]/out/' does not"));
+        m_series->put("a_init.dpc", lineTo("[cfgPath]/log/elsewhere/dummyFile").toLatin1());
+        QCOMPARE(m_series->said({"init-outdated"}), QStringList{"a.dpc:1:46 init-outdated"});
+        QVERIFY(QDir(m_series->root()).mkdir("out"));
+        QCOMPARE(m_series->said({"init-outdated"}), QStringList());
     }
 
     void initFileNamesAreComparedAsFiles()
@@ -200,9 +220,9 @@ private slots:
         QVERIFY(
             QFile::rename(m_series->root() + "a_init.dpc", m_series->root() + "_wait/a_init.dpc"));
         for (const char* chosen : {"a.dpc", "_wait/a.dpc", ""})
-            QCOMPARE(
-                m_series->said({"init-missing", "init-place"}, chosen),
-                (QStringList{"_wait/a.dpc:3:55 init-missing", "_wait/a_init.dpc:1:1 init-place"}));
+            QCOMPARE(m_series->said({"source-missing", "init-place"}, chosen),
+                     (QStringList{"_wait/a.dpc:3:55 source-missing",
+                                  "_wait/a_init.dpc:1:1 init-place"}));
     }
 
 private:

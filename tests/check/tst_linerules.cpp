@@ -65,7 +65,7 @@ private slots:
         row("line cut by a save", "long-line", cutLine(1000), cutLine(999));
         row("zero byte", "zero-byte", goodLine() + QByteArray("a\0b\n", 4));
         row("long path", "long-path", goodLine({{11, '/' + QByteArray(500, 'x')}}),
-            goodLine({{11, '/' + QByteArray(498, 'x')}}));
+            goodLine({{11, '/' + QByteArray(248, 'x') + '/' + QByteArray(249, 'x')}}));
         row("path cut by a save", "long-path", goodLine({{11, '/' + QByteArray(499, 'x')}}));
         row("long path with its values", "long-path",
             goodLine({{11, '/' + QByteArray(300, 'x') + "[cfgNameID]" + QByteArray(187, 'x') +
@@ -88,6 +88,8 @@ private slots:
             goodLine({{9, "3"}, {11, "C:\\x"}, {12, "C:\\l"}, {13, "C:\\c"}}),
             goodLine({{9, "2"}, {11, "C:\\x"}, {12, "C:\\l"}, {13, "C:\\c"}}));
         row("utf-8", "utf8-text", goodLine({{11, "/d/f\xC3\xBCr"}}), goodLine({{11, "/d/f\xFCr"}}));
+        row("comment in utf-8", "utf8-text", "# f\xC3\xBCr\n" + goodLine(),
+            "# f\xFCr\n" + goodLine());
     }
 
     void ruleHitsAndMisses()
@@ -97,6 +99,18 @@ private slots:
         QFETCH(QByteArray, good);
         QVERIFY(m_series->hits(rule, bad) >= 1);
         QCOMPARE(m_series->hits(rule, good), 0);
+    }
+
+    /// It does no harm to the tests, and one finding tells of the whole file.
+    void firstCommentInUtf8IsANote()
+    {
+        QCOMPARE(m_series->hits("utf8-text", "# f\xC3\xBCr\n# \xC3\xA4\n" + goodLine()), 1);
+        QCOMPARE(m_series->severity("utf8-text"), Severity::Note);
+        m_series->put("a1.dpc", "# f\xC3\xBCr\n" + goodLine());
+        QCOMPARE(m_series->said({"utf8-text"}),
+                 (QStringList{"a.dpc:1:1 utf8-text", "a1.dpc:1:1 utf8-text"}));
+        m_series->put("a.dpc", goodLine({{11, "/d/f\xC3\xBCr"}}));
+        QCOMPARE(m_series->severity("utf8-text"), Severity::Warning);
     }
 
     /// One sentence for all parts, and none for the rest that does not load.

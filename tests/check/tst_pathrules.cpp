@@ -12,6 +12,15 @@ QByteArray writing(const QByteArray& dest)
     return goodLine({{11, dest}});
 }
 
+/// A path of so many characters, with names that file systems take.
+QByteArray folders(int length)
+{
+    QByteArray path(length, 'x');
+    for (int i = 99; i + 1 < length; i += 100)
+        path[i] = '/';
+    return path;
+}
+
 QByteArray creating(const char* dest)
 {
     return lineTo(dest).toLatin1();
@@ -106,14 +115,35 @@ private slots:
     {
         const int folder = m_series->root().size();
         const auto line = [&](int length) {
-            return writing("[cfgPath]" + QByteArray(length - folder, 'x'));
+            return writing("[cfgPath]" + folders(length - folder));
         };
         QCOMPARE(m_series->hits("long-path", line(500)), 0);
         QCOMPARE(m_series->hits("long-path", line(501)), 1);
-        const QByteArray byHost = writing('/' + QByteArray(480, 'x') + "[host]");
+        const QByteArray byHost = writing('/' + folders(480) + "[host]");
         m_series->options().hosts = QStringList{"pc1", QString(19, 'p')};
         QCOMPARE(m_series->hits("long-path", byHost), 0);
         m_series->options().hosts = QStringList{"pc1", QString(20, 'p')};
+        QCOMPARE(m_series->hits("long-path", byHost), 1);
+    }
+
+    /// Linux counts the bytes of UTF-8, Windows characters.
+    void nameThatIsLongerThanFileSystemsTake()
+    {
+        const QByteArray name(255, 'x');
+        QCOMPARE(m_series->hits("long-path", writing("/d/" + name + "/x")), 0);
+        QCOMPARE(m_series->hits("long-path", writing("/d/x" + name + "/x")), 1);
+        QVERIFY(m_series->text("long-path").contains("a name in the destination has 256 bytes"));
+        QCOMPARE(m_series->hits("long-path", reading("/d/x" + name)), 1);
+        QCOMPARE(m_series->hits("long-path", goodLine({{12, "/d/x" + name}})), 1);
+        const QByteArray umlauts(128, '\xFC');
+        QCOMPARE(m_series->hits("long-path", writing("/d/" + umlauts)), 1);
+        QCOMPARE(m_series->hits("long-path", writing("/d/" + umlauts.left(127))), 0);
+        QCOMPARE(m_series->hits("long-path", writing("C:\\d\\" + umlauts)), 0);
+        QCOMPARE(m_series->hits("long-path", writing("C:\\d\\x" + name)), 1);
+        const QByteArray byHost = writing("/d/" + name.left(250) + "_[host]");
+        m_series->options().hosts = QStringList{"pc1", "pc12"};
+        QCOMPARE(m_series->hits("long-path", byHost), 0);
+        m_series->options().hosts = QStringList{"pc1", "pc123"};
         QCOMPARE(m_series->hits("long-path", byHost), 1);
     }
 

@@ -28,10 +28,13 @@ private slots:
         task.setDefaults();
         m_series->save({task});
         const QStringList once = m_series->said();
-        QCOMPARE(once, (QStringList{
-                           "_wait/a.dpc:3:55 source-missing", "_wait/a.dpc:3:55 init-names",
-                           "_wait/a.dpc:3:102 dest-folder-local", "_wait/a.dpc:3:156 init-names"}));
+        QCOMPARE(once, (QStringList{"_wait/a.dpc:3:55 source-missing",
+                                    "_wait/a.dpc:3:102 dest-folder-local",
+                                    "_wait/a.dpc:3:156 init-names"}));
         QVERIFY(m_series->text("source-missing").contains("load and save the series again"));
+        QVERIFY(m_series->text("source-missing")
+                    .contains("line 1 of the _init file makes '[cfgPath]/testfile_-0.dat', because "
+                              "the task had no config file yet"));
         QVERIFY(m_series->text("init-names").contains("load and save the series again"));
 
         // Loading and saving it again mends it, as the findings say.
@@ -199,6 +202,19 @@ private slots:
         QVERIFY(QFile::remove(next));
         QCOMPARE(::mkfifo(QFile::encodeName(next).constData(), 0600), 0);
         QVERIFY(m_series->text("unreadable").contains("it is a pipe"));
+    }
+
+    void waitFolderThatIsNotAFolder()
+    {
+        m_series->put("a.dpc", goodLine({{12, ""}, {13, ""}}));
+        QVERIFY(QDir(m_series->root()).rmdir("_wait"));
+        QCOMPARE(m_series->said({"unreadable"}), QStringList());
+        m_series->put("_wait", "");
+        QCOMPARE(m_series->said({"unreadable"}), QStringList{"_wait/:1:1 unreadable"});
+        QVERIFY(m_series->text("unreadable").contains("it is a file"));
+        QVERIFY(QFile::remove(m_series->root() + "_wait"));
+        QVERIFY(QFile::link("nowhere", m_series->root() + "_wait"));
+        QVERIFY(m_series->text("unreadable").contains("it is a link that leads nowhere"));
     }
 
     void whatIsForbiddenIsTold()
