@@ -71,7 +71,8 @@ default=$(xdg-mime query default text/x-twdiskprobe)
 [ "$default" != twdiskprobe-check.desktop ] || fail "the check is the default"
 ! gio mime text/plain | grep -q twdiskprobe || fail "the check is offered for any text"
 
-# It keeps its terminal open until a key is pressed. The terminal is a stand-in: its keyboard is a pipe.
+# It keeps its terminal open until a key is pressed. The terminal is a stand-in, and the only one that
+# the desktop finds: its keyboard is a pipe.
 mkdir "$scratch/programs"
 cat >"$scratch/programs/xterm" <<END
 #!/bin/sh
@@ -80,15 +81,18 @@ cat >"$scratch/programs/xterm" <<END
 echo closed >>"$scratch/screen"
 END
 chmod +x "$scratch/programs/xterm"
+ln -s "$(command -v bash)" "$scratch/programs/bash"
 mkfifo "$scratch/keys"
 exec 3<>"$scratch/keys"
 echo 'Strem;NOflush;' >"$scratch/a file's \$HOME.dpc"
-PATH=$scratch/programs:$scratch/usr/bin:/usr/bin:/bin \
-    gio launch "$applications/twdiskprobe-check.desktop" "$scratch/a file's \$HOME.dpc"
+gio=$(command -v gio)
+PATH=$scratch/programs:$scratch/usr/bin \
+    "$gio" launch "$applications/twdiskprobe-check.desktop" "$scratch/a file's \$HOME.dpc"
 # If it says nothing, the test's own time limit ends the wait.
-until grep -q 'bad-line' "$scratch/screen" 2>/dev/null; do
+until grep -q -e bad-line -e closed "$scratch/screen" 2>/dev/null; do
     sleep 0.1
 done
+! grep -q closed "$scratch/screen" || fail "the terminal closed at once: $(cat "$scratch/screen")"
 printf x >&3
 until grep -q closed "$scratch/screen"; do
     sleep 0.1
