@@ -28,7 +28,7 @@ private slots:
                  "| full name of a file that is written | " + number(maxFileName) + " characters |",
                  "| files of a series, read | " + number(seriesFileCount) +
                      ": no number, then 1 to " + number(seriesFileCount - 1) + " |",
-                 "| file size | " + QString::number(maxFileSize >> 30) + " GiB |",
+                 "| file size | " + gib(maxFileSize) + " |",
              })
             QVERIFY2(read("README.md").contains(row), qPrintable(row));
         QVERIFY(read("README.md").contains("1 to " + number(seriesFileCount - 1) + ", each"));
@@ -47,7 +47,7 @@ private slots:
                  ".It Comments of a series, read Ta " + number(maxSeriesComments),
                  ".It Digits of a number Ta " + number(maxNumberLength),
                  "at most " + QString::number(kibFromBytes(maxFileSize)) + ", which is " +
-                     QString::number(maxFileSize >> 30) + " GiB",
+                     gib(maxFileSize),
              })
             QVERIFY2(manual.contains(row), qPrintable(row));
     }
@@ -84,7 +84,13 @@ private slots:
 
 private:
     static QString number(qint64 value) { return QLocale(QLocale::English).toString(value); }
-    static QString mib(qint64 bytes) { return QString::number(bytes >> 20) + " MiB"; }
+    static QString mib(qint64 bytes) { return whole(bytes, qint64(1) << 20) + " MiB"; }
+    static QString gib(qint64 bytes) { return whole(bytes, qint64(1) << 30) + " GiB"; }
+
+    static QString whole(qint64 bytes, qint64 unit)
+    {
+        return bytes % unit == 0 ? QString::number(bytes / unit) : "a part of";
+    }
 
     static QString read(const char* name)
     {
