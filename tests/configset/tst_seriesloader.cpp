@@ -1,4 +1,5 @@
 #include "configset/configfilereader.h"
+#include "configset/infotext.h"
 #include "configset/seriesloader.h"
 #include "configset/seriessaver.h"
 #include "tests/support/files.h"
@@ -271,6 +272,29 @@ private slots:
         write("a.dpc", QString("x\n").repeated(50000) + lineTo("/beyond"));
         QCOMPARE(load(m_root + "a.dpc"), QStringList());
         QCOMPARE(m_rejected.size(), 50000);
+    }
+
+    void infoTextIsThatOfTheEditorsField()
+    {
+        const auto textOf = [](const QStringList& lines) {
+            InfoText info;
+            for (const QString& line : lines)
+                info.addLine(line);
+            return info.text();
+        };
+        QCOMPARE(textOf({}), QString());
+        QCOMPARE(textOf({"a"}), QString("a"));
+        QCOMPARE(textOf({"a", "b"}), QString("a\nb"));
+        QCOMPARE(textOf({"", "", "a", "", "b", ""}), QString("a\n\nb\n"));
+        QCOMPARE(textOf({QString("a") + QChar(QChar::Nbsp) + "b\rc"}), QString("a b\nc"));
+
+        write("a.dpc", "# one\n#\n# two\nbad line\n" + lineTo("/1"));
+        write("a1.dpc", "# another file\n" + lineTo("/2"));
+        InfoText info;
+        TaskList tasks;
+        loadSeries({m_root, "a"}, tasks, silentListener(info));
+        QCOMPARE(info.text(), QString("one\n\ntwo"));
+        QCOMPARE(tasks.size(), 2);
     }
 
     void infoTextHasAtMost5000Lines()

@@ -111,6 +111,19 @@ private slots:
         }
     }
 
+    void filesBeyondTheSeriesAreKnownByTheirNumber()
+    {
+        for (const char* name : {"a20.dpc", "a99.dpc", "a100.dpc", "a0.dpc", "a00.dpc", "a05.dpc",
+                                 "a010.dpc", "a4294967297.dpc", "a99999999999999999999.dpc"})
+            QVERIFY2(isBeyondSeries(name, "a"), name);
+        for (const char* name : {"a.dpc", "a1.dpc", "a2.dpc", "a9.dpc", "a10.dpc", "a19.dpc",
+                                 "b20.dpc", "a20", "a20.txt", "a20.dpcx", "a20x.dpc", "ax20.dpc",
+                                 "a-20.dpc", "a20_init.dpc", "", "a", ".dpc"})
+            QVERIFY2(!isBeyondSeries(name, "a"), name);
+        QVERIFY(isBeyondSeries("20.dpc", ""));
+        QVERIFY(!isBeyondSeries("19.dpc", ""));
+    }
+
     void candidatesAreFortyFilesInBothFolders()
     {
         const QStringList files = candidateFiles({"/x/", "a"});
