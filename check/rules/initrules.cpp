@@ -130,12 +130,23 @@ void InitComparison::compareFolder(const Need& need, const QString& folder, cons
         m_lacks.push_back({&need, fixedFolder(folderOf(need.file.text)), entry});
 }
 
+/// True also for a folder below a file, which has a finding of its own.
 bool InitComparison::isThere(const QString& folder)
 {
     const auto known = m_folderIsThere.constFind(folder);
     if (known != m_folderIsThere.cend())
         return *known;
-    return *m_folderIsThere.insert(folder, m_environment.look(folder).isFolder());
+    const InitEntry* entry = m_init.entryOf(folder.chopped(1));
+    if (entry != nullptr && entry->isActive)
+        return *m_folderIsThere.insert(folder, true);
+    PathStatus status = m_environment.look(folder);
+    bool isThere = status.isFolder();
+    for (QString above = folder; !status.exists() && above.size() > 1; above = folderOf(above)) {
+        above.chop(1);
+        status = m_environment.look(above);
+        isThere = status.exists() && !status.isFolder();
+    }
+    return *m_folderIsThere.insert(folder, isThere);
 }
 
 constexpr Rule initMissing = {

@@ -169,7 +169,16 @@ private:
         const bool isMade = file.init >= 0 && m_uses.init()[size_t(file.init)].entry.isActive;
         if (isMade || file.exists())
             return Origin::Disk;
+        // Config files come and go, and an "_init" file that can't be read has a finding of its
+        // own.
+        if (file.isOwn || isInitUnreadable())
+            return Origin::Unseen;
         return file.path.isSeen ? Origin::Nobody : Origin::Unseen;
+    }
+
+    bool isInitUnreadable() const
+    {
+        return m_facts.initFile >= 0 && !m_facts.files[size_t(m_facts.initFile)].readable;
     }
 
     bool sayDated(const FileUse& source)

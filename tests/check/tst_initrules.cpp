@@ -214,6 +214,39 @@ private slots:
                  QStringList{"a_init.dpc:1:1 unreadable"});
     }
 
+    /// One finding for each fault, of the rule that names the cause.
+    void causeIsToldInPlaceOfWhatFollows()
+    {
+        const auto writing = [](const char* dest) {
+            return goodLine({{11, dest}, {12, "[cfgPath]/l.txt"}, {13, "[cfgPath]/c.csv"}});
+        };
+        m_series->put("f", "");
+        m_series->put("a_init.dpc", "");
+        for (const char* dest : {"[cfgPath]/f/x", "[cfgPath]/f/e/d/x"}) {
+            m_series->put("a.dpc", writing(dest));
+            QCOMPARE(m_series->errorsAndWarnings(), QStringList{"a.dpc:1:46 folder-is-file"});
+        }
+        m_series->put("a_init.dpc", lineTo("[cfgPath]/o").toLatin1());
+        m_series->put("a.dpc", writing("[cfgPath]/o/x"));
+        QCOMPARE(m_series->errorsAndWarnings(), QStringList{"a.dpc:1:46 folder-is-file"});
+
+        QVERIFY(QFile::remove(m_series->root() + "a_init.dpc"));
+        QVERIFY(QDir(m_series->root()).mkdir("a_init.dpc"));
+        m_series->put("a.dpc", goodLine({{10, "[cfgPath]/s"},
+                                         {11, "MEMORY"},
+                                         {12, "[cfgPath]/l.txt"},
+                                         {13, "[cfgPath]/c.csv"}}));
+        QCOMPARE(m_series->said({"source-missing", "unreadable"}),
+                 QStringList{"a_init.dpc:1:1 unreadable"});
+    }
+
+    /// They are there when the task runs, also if they still wait.
+    void configFileAsASourceIsNotMissing()
+    {
+        m_series->put("_wait/a.dpc", goodLine({{10, "[cfgPath]/[cfgName].dpc"}}));
+        QCOMPARE(m_series->said({"source-missing"}), QStringList());
+    }
+
     void initFileInWaitIsNotThatOfTheSeries()
     {
         m_series->save({readingTask("[cfgPath]/s.dat")});
