@@ -138,10 +138,19 @@ void print(const ResavedFile& file, const Output& output)
     }
 }
 
+/// The file lies beside "_wait", also if the series is picked inside of it.
+std::optional<SeriesFacts> readBesideWait(const QString& path, Remarks& remarks)
+{
+    auto facts = readOneSeries(path, remarks);
+    if (!facts || facts->isInit || facts->runFolder == facts->name.folder)
+        return facts;
+    return readSeries({facts->runFolder, facts->name.baseName}, facts->runFolder);
+}
+
 int run(const Arguments& arguments, const Output& output)
 {
     Remarks remarks;
-    const auto facts = readOneSeries(arguments.operands().front(), remarks);
+    const auto facts = readBesideWait(arguments.operands().front(), remarks);
     remarks.notChecked.clear();
     Resave saved;
     if (facts && facts->isInit)

@@ -48,6 +48,21 @@ private slots:
             QVERIFY(!change.shownPath.endsWith("a_init.dpc"));
     }
 
+    /// The one inside of "_wait" would not be that of the series.
+    void writesItBesideWaitAlsoForASeriesPickedInside()
+    {
+        const QByteArray printed = run("init").out;
+        QVERIFY(QFile::rename(m_series->root() + "a.dpc", m_series->root() + "_wait/a.dpc"));
+        for (const char* picked : {"_wait/a.dpc", "a.dpc"}) {
+            const DpcRun::Result result = m_dpc.run("init --write " + m_series->root() + picked);
+            QCOMPARE(result.code, 0);
+            QVERIFY2(result.out.startsWith(m_series->root().toUtf8() + "a_init.dpc: is "),
+                     result.out);
+            QCOMPARE(test::contentOf(initPath()), printed);
+        }
+        QCOMPARE(test::entriesOf(m_series->root() + "_wait"), QStringList{"a.dpc"});
+    }
+
     void filesThatAreThereBecomeComments()
     {
         m_series->put("s_1.dat", "x");
