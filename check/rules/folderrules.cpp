@@ -232,6 +232,8 @@ public:
         , m_findings(findings)
     {
         for (const InitUse& made : uses.init()) {
+            if (!made.entry.isActive)
+                continue;
             int folder = uses.files()[size_t(made.file)].path.folder;
             for (; folder >= 0; folder = uses.folders()[size_t(folder)].parent)
                 m_made.insert(uses.folders()[size_t(folder)].key);

@@ -101,6 +101,25 @@ private slots:
         QCOMPARE(m_series->hits("source-local", reading("[temp]/s.dat")), 1);
     }
 
+    /// It was there when the series was saved.
+    void folderOfALineThatIsCommentedOutIsNotMade()
+    {
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+        const QByteArray inHostFolder = writing("[cfgPath]/[host]/x");
+        const QByteArray both =
+            making("[cfgPath]/pc1/dummyFile", 0) + making("[cfgPath]/pc2/dummyFile", 0);
+        m_series->put("a_init.dpc", both);
+        QCOMPARE(m_series->hits("dest-folder-local", inHostFolder), 0);
+        m_series->put("a_init.dpc", "# " + both);
+        QCOMPARE(m_series->hits("dest-folder-local", inHostFolder), 1);
+        QVERIFY(m_series->text("dest-folder-local").contains("does not exist for pc1, and"));
+
+        m_series->put("a_init.dpc", making("/d/s"));
+        QCOMPARE(m_series->hits("dest-folder", reading("/d/s") + writing("/d/x_[host]")), 0);
+        m_series->put("a_init.dpc", "# " + making("/d/s"));
+        QCOMPARE(m_series->hits("dest-folder", reading("/d/s") + writing("/d/x_[host]")), 1);
+    }
+
     void foldersThatEachMachineNeeds()
     {
         m_series->options().hosts = QStringList{"pc1", "pc2"};
