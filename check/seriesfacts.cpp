@@ -100,7 +100,9 @@ void findClosedWaitFolder(SeriesFacts& facts)
     const PathStatus status = realEnvironment().look(facts.name.folder + waitFolder().chopped(1));
     if (status.kind == PathStatus::Kind::Nothing || (status.isFolder() && status.isReadable))
         return;
-    addFile(facts, facts.name.folder + waitFolder(), seriesFileCount, false, FileRole::WaitFolder);
+    const QString path = facts.name.folder + waitFolder();
+    addFile(facts, status.isFolder() ? path : path.chopped(1), seriesFileCount, false,
+            FileRole::WaitFolder);
     std::string& reason = facts.files.back().whyUnreadable;
     if (status.isFolder())
         reason = "you have no right to look into it";
