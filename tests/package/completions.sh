@@ -23,7 +23,8 @@ in_bash() {
         printf "%s\n" "${COMPREPLY[@]}"' bash "$completions/dpc.bash" "$1" 2>&1
 }
 
-# The words that zsh types and lists when Tab is pressed: its completion runs in a terminal only. The line is
+# The words that zsh types and lists when Tab is pressed: its completion runs in a terminal only. Keys go to
+# its line editor once that has begun, because before that the terminal itself takes them. The line is
 # cleared after that, and a command says that all was typed.
 in_zsh() {
     zsh --no-rcs -c '
@@ -31,8 +32,9 @@ in_zsh() {
         zpty shell zsh --no-rcs -i
         zpty -w shell "PS1=; fpath=($1 \$fpath); autoload -Uz compinit; compinit -u -d $2/dump"
         zpty -w shell "zstyle \":completion:*\" list-prompt \"\"; zstyle \":completion:*\" verbose no"
-        zpty -w shell "LISTMAX=1000; setopt no_always_last_prompt; unsetopt zle_bracketed_paste; print READY"
-        zpty -r shell output "*READY*READY*"
+        zpty -w shell "LISTMAX=1000; setopt no_always_last_prompt; unset zle_bracketed_paste"
+        zpty -w shell "zle-line-init() { print -n BEGI\"\"N }; zle -N zle-line-init"
+        zpty -r shell output "*BEGIN*"
         zpty -w -n shell "$3"$'"'\\t\\t\\x15print DO\"\"NE\\n'"'
         zpty -r shell output "*DONE*"
         print -r -- $output
