@@ -61,6 +61,7 @@ offers() {
 }
 
 commands=$("$build/bin/dpc" --help | sed -n '/^COMMANDS/,/^$/s/^ \+\([a-z]\+\) .*/\1/p')
+[ -n "$commands" ] || fail "dpc --help names no commands"
 for shell in bash zsh fish; do
     # shellcheck disable=SC2086 # a word each
     offers $shell 'dpc ' $commands
