@@ -2,13 +2,17 @@
 
 #include <QByteArray>
 #include <QCoreApplication>
+#include <QLoggingCategory>
 #include <QTranslator>
 
 void prepareApplication()
 {
-    const char* const variable = "QT_XCB_GL_INTEGRATION";
-    if (!qEnvironmentVariableIsSet(variable))
-        qputenv(variable, QByteArrayLiteral("none"));
+    for (const char* variable : {"QT_XCB_GL_INTEGRATION", "QT_WAYLAND_CLIENT_BUFFER_INTEGRATION"}) {
+        if (!qEnvironmentVariableIsSet(variable))
+            qputenv(variable, QByteArrayLiteral("none"));
+    }
+    // It would warn at each start that "none" can't be loaded.
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.wayland.warning=false"));
 }
 
 void installTranslation(const QLocale& locale, const QString& folder)

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QIcon>
 #include <QImage>
+#include <QLoggingCategory>
 #include <QPointer>
 #include <QProcess>
 #include <QPushButton>
@@ -154,9 +155,19 @@ private slots:
         QVERIFY(QResource::unregisterResource(resource));
     }
 
-    void xcbLoadsNoOpenGlUnlessItIsAskedTo()
+    void loadsNoOpenGlUnlessItIsAskedTo_data()
     {
-        const char* const variable = "QT_XCB_GL_INTEGRATION";
+        QTest::addColumn<QByteArray>("variable");
+        QTest::addColumn<QByteArray>("chosen");
+        QTest::newRow("X11") << QByteArray("QT_XCB_GL_INTEGRATION") << QByteArray("xcb_egl");
+        QTest::newRow("Wayland") << QByteArray("QT_WAYLAND_CLIENT_BUFFER_INTEGRATION")
+                                 << QByteArray("wayland-egl");
+    }
+
+    void loadsNoOpenGlUnlessItIsAskedTo()
+    {
+        QFETCH(QByteArray, variable);
+        QFETCH(QByteArray, chosen);
         const auto seen = [&] {
             QByteArray value;
             runEditor([&] {
@@ -167,9 +178,18 @@ private slots:
         };
         qunsetenv(variable);
         QCOMPARE(seen(), QByteArray("none"));
-        qputenv(variable, "xcb_egl");
-        QCOMPARE(seen(), QByteArray("xcb_egl"));
+        qputenv(variable, chosen);
+        QCOMPARE(seen(), chosen);
         qputenv(variable, "none");
+    }
+
+    void waylandsComplaintAboutThatIsNotShown()
+    {
+        runEditor([] { qApp->quit(); });
+        const QLoggingCategory wayland("qt.qpa.wayland");
+        QVERIFY(!wayland.isWarningEnabled());
+        QVERIFY(wayland.isCriticalEnabled());
+        QVERIFY(QLoggingCategory::defaultCategory()->isWarningEnabled());
     }
 
 private:

@@ -37,11 +37,11 @@ void useOwnNetwork()
 
 FioServer::FioServer(const QByteArray& address, QString folder, const QByteArray& options)
     : m_folder(std::move(folder))
+    , m_process(::fork())
 {
-    const QByteArray folderName = QFile::encodeName(m_folder);
-    const QByteArray argument = "--server=" + address;
-    m_process = ::fork();
     if (m_process == 0) {
+        const QByteArray folderName = QFile::encodeName(m_folder);
+        const QByteArray argument = "--server=" + address;
         ::setsid();
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         const int nothing = ::open("/dev/null", O_RDWR);

@@ -52,7 +52,7 @@ public slots:
 
 namespace {
 
-constexpr int kib = 1024;
+constexpr qint64 kib = 1024;
 constexpr int machineCount = 3;
 
 QString machineName(int machine)
@@ -99,11 +99,11 @@ void TestRunMachines::writesReadsAndCopiesOnThree()
     for (int i = 0; i < machineCount; ++i) {
         const FioServer& server = *m_servers[size_t(i)];
         const QByteArray written = test::contentOf(server.seen(machineName(i) + "_1.dat"));
-        QCOMPARE(written.size(), 1000 * kib);
+        QCOMPARE(qint64(written.size()), 1000 * kib);
         QCOMPARE(test::contentOf(server.seen(machineName(i) + "_copy.dat")), written);
     }
     QHash<QString, int> jobsOfMachine;
-    for (const QJsonValue& job : m_series->jobs("run")) {
+    for (const QJsonValue job : m_series->jobs("run")) {
         QVERIFY(job["good"].toBool());
         ++jobsOfMachine[job["machine"].toString()];
     }
@@ -141,7 +141,7 @@ void TestRunMachines::accountsForAMachineThatDied()
     QCOMPARE(m_series->state("run"), QStringLiteral("failed"));
     QCOMPARE(m_series->json("run", "state.json")["stage"].toInt(), 1);
     int good = 0;
-    for (const QJsonValue& job : m_series->jobs("run")) {
+    for (const QJsonValue job : m_series->jobs("run")) {
         good += job["good"].toBool() ? 1 : 0;
         if (job["stage"].toInt() == 1 && job["machine"].toString() == "pc02") {
             QVERIFY(!job["good"].toBool());
@@ -181,7 +181,7 @@ void TestRunMachines::stopsAllMachines()
     }
     if (signal == SIGKILL)
         return;
-    for (const QJsonValue& job : m_series->jobs("run")) {
+    for (const QJsonValue job : m_series->jobs("run")) {
         QVERIFY(!job["good"].toBool());
         QVERIFY(job["doneBytes"].toInt() >= 32 * kib);
     }
@@ -279,7 +279,7 @@ void TestRunMachines::tellsOfAFullDisk()
     filler.close();
     QCOMPARE(SeriesRun::statusOf(child), 1);
     QCOMPARE(m_series->state("run"), QStringLiteral("incomplete"));
-    for (const QJsonValue& job : m_series->jobs("run")) {
+    for (const QJsonValue job : m_series->jobs("run")) {
         const bool isFull = job["machine"].toString() == "pc01";
         QCOMPARE(job["good"].toBool(), !isFull);
         QCOMPARE(job["error"].toInt(), isFull ? ENOSPC : 0);
@@ -298,8 +298,8 @@ void TestRunMachines::tellsOfAFullDisk()
 QSet<QString> TestRunMachines::logsOfJobs() const
 {
     QSet<QString> logs;
-    for (const QJsonValue& job : m_series->jobs("run")) {
-        for (const QJsonValue& log : job["bandwidthLogs"].toArray()) {
+    for (const QJsonValue job : m_series->jobs("run")) {
+        for (const QJsonValue log : job["bandwidthLogs"].toArray()) {
             if (!test::contentOf(m_series->file("run/" + log.toString())).isEmpty())
                 logs.insert(log.toString());
         }
@@ -322,8 +322,7 @@ void TestRunMachines::reachesMachinesThroughSockets()
     const test::Printed printed = m_series->run(withHosts({}));
     QVERIFY2(printed.status == 0, printed.err.constData());
     for (int i = 0; i < 2; ++i)
-        QCOMPARE(QFileInfo(m_servers[size_t(i)]->seen(machineName(i) + ".dat")).size(),
-                 qint64(1000 * kib));
+        QCOMPARE(QFileInfo(m_servers[size_t(i)]->seen(machineName(i) + ".dat")).size(), 1000 * kib);
     QCOMPARE(logsOfJobs().size(), 2);
 }
 

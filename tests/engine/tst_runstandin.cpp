@@ -188,7 +188,7 @@ void TestRunStandIn::survivesAnyOutput()
         const QString run = QStringLiteral("run%1").arg(round);
         const int status = series.run({"--to", series.file(run)}).status;
         int good = 0;
-        for (const QJsonValue& job : series.jobs(run)) {
+        for (const QJsonValue job : series.jobs(run)) {
             good += job["good"].toBool() ? 1 : 0;
             QVERIFY(!job["good"].toBool() ||
                     (job["doneBytes"].toInt() == 128 * kib && job["error"].toInt(1) == 0));

@@ -41,8 +41,7 @@ private slots:
                  ".It Path Ta " + number(maxPath) + " characters",
                  ".It Line Ta " + number(maxLine) + " characters",
                  ".It File, written by the editor Ta " + number(maxConfigFile) + " characters",
-                 ".It Full name of a written file Ta " + number(maxFileName) +
-                     " characters",
+                 ".It Full name of a written file Ta " + number(maxFileName) + " characters",
                  ".It Entries of a series, read Ta " + number(maxSeriesEntries),
                  ".It Comments of a series, read Ta " + number(maxSeriesComments),
                  ".It Digits of a number Ta " + number(maxNumberLength),
