@@ -4,7 +4,7 @@
 
 #include <QTemporaryDir>
 
-// What the dialogs of the window ask for: which files, from which folder on, and for how long.
+// The files that the dialogs of the window offer, where they start, and how long they wait.
 
 namespace {
 

@@ -5,7 +5,7 @@
 if [ "${3:-}" != inside ]; then
     [ "$(id -u)" -eq 0 ] || { echo "FAIL: run this as root: it installs a package" >&2; exit 1; }
     if ! unshare --mount true 2>/dev/null && [ -z "${TWDP_LEAVE_NOTHING_OUT:-}" ]; then
-        echo "LEFT OUT: can't mount, so there is no layer to install on"
+        echo "LEFT OUT: can't mount a layer to install on"
         exit 77
     fi
     exec unshare --mount sh "$0" "$1" "$2" inside
