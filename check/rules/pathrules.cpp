@@ -97,7 +97,7 @@ constexpr Rule longPath = {
             "[cfgPath]/x{500}_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
 
-/// What file systems take in a name.
+/// Bytes that file systems take in a name.
 constexpr int maxNameBytes = 255;
 
 /// Finds the paths that are cut while their variables are replaced, and names that are too long.
