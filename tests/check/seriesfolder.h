@@ -7,6 +7,7 @@
 #include "configset/seriessaver.h"
 #include "shared/kvtext.h"
 #include "tests/support/files.h"
+#include "tests/support/recording.h"
 #include "tests/support/tasks.h"
 
 #include <QDir>
@@ -38,8 +39,10 @@ class SeriesFolder
 {
 public:
     SeriesFolder()
-        : m_root(m_folder.path() + '/')
+        : m_folder(folderOfKnownLength())
+        , m_root(m_folder.path() + '/')
     {
+        Recordings::hide(m_root, "@ROOT@/");
         if (!m_folder.isValid() || !QDir(m_root).mkdir("_wait"))
             qFatal("can't make a folder for the test");
         setExisting(m_root + "_wait/");
@@ -82,7 +85,35 @@ public:
 
     std::vector<Finding> findings(const QString& chosen = "a.dpc") const
     {
-        return checkAll({m_root + chosen}, m_options).findings;
+        const CheckResult result = checkAll({m_root + chosen}, m_options);
+        Recordings::compare(textOf(result));
+        return result.findings;
+    }
+
+    /// The first findings as people see them, and all problems.
+    static QString textOf(const CheckResult& result)
+    {
+        constexpr size_t most = 20;
+        const char* const severities[] = {"error", "warning", "note"};
+        QStringList lines;
+        for (const Finding& finding : result.findings) {
+            QStringList names;
+            for (const std::string& name : finding.names)
+                names += QString::fromStdString(name);
+            if (size_t(lines.size()) < most)
+                lines += QStringLiteral("%1:%2:%3: %4: %5 [%6]%7")
+                             .arg(finding.path)
+                             .arg(finding.line)
+                             .arg(finding.column)
+                             .arg(severities[int(finding.severity)],
+                                  QString::fromStdString(finding.text), finding.rule->name,
+                                  names.isEmpty() ? "" : " of " + names.mid(0, most).join(", "));
+        }
+        if (result.findings.size() > most)
+            lines += QStringLiteral("of %1").arg(result.findings.size());
+        for (const std::string& problem : result.problems)
+            lines += QString::fromStdString(problem);
+        return lines.join('\n');
     }
 
     /// "file:line:column rule" of each finding; only those of the given rules, if some are
@@ -141,6 +172,14 @@ public:
     }
 
 private:
+    /// Messages count the characters of paths: the folder has as many on every machine.
+    static QString folderOfKnownLength()
+    {
+        constexpr int length = 40;
+        const QString start = QDir::tempPath() + '/';
+        return start + QString("x").repeated(qMax(1, length - start.size() - 7)) + "-XXXXXX";
+    }
+
     PathStatus look(const QString& path) const
     {
         PathStatus status;

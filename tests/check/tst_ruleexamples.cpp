@@ -132,7 +132,7 @@ private:
     {
         SeriesFolder folder;
         layOut(folder, example);
-        const auto findings = checkAll({folder.root()}, folder.options()).findings;
+        const auto findings = folder.findings({});
         return int(std::count_if(findings.begin(), findings.end(),
                                  [&](const Finding& finding) { return finding.rule == &rule; }));
     }

@@ -2,20 +2,13 @@
 
 #include "dpc/commandline.h"
 #include "tests/support/files.h"
+#include "tests/support/recording.h"
 
 #include <QDir>
 #include <QDirIterator>
 #include <QTemporaryDir>
 
 #include <sstream>
-
-/// Set to 1, the tests write what dpc prints into the files that they compare with:
-///     TWDP_UPDATE_GOLDEN=1 ctest --preset dev -R 'tst_dpcgolden|tst_dpcdocument'
-/// Look at the difference before it is taken.
-inline bool updatesGolden()
-{
-    return qEnvironmentVariableIntValue("TWDP_UPDATE_GOLDEN") == 1;
-}
 
 /// Runs dpc on a copy of the series in tests/data/dpc/series. "@ROOT@" in files and output stands
 /// for the folder of the copy, which is the current one. "[temp]" is a folder that is empty.
@@ -38,6 +31,7 @@ public:
         if (!QDir::setCurrent(m_root))
             qFatal("can't enter the copy of the series");
         qputenv("TMPDIR", QFile::encodeName(m_temporary.path()));
+        Recordings::hide(m_root, "@ROOT@");
     }
 
     /// Arguments as in a shell, but nothing is quoted: no name here has a blank.
@@ -49,7 +43,11 @@ public:
         std::ostringstream out;
         std::ostringstream err;
         const int code = runDpc(list, {out, err, colour});
-        return {withoutRoot(out.str()), withoutRoot(err.str()), code};
+        Result result{withoutRoot(out.str()), withoutRoot(err.str()), code};
+        Recordings::compare(QString::fromUtf8(result.out.left(4000)) + "--- error stream\n" +
+                            QString::fromUtf8(result.err.left(4000)) + "--- exit status " +
+                            QString::number(code));
+        return result;
     }
 
     static QString dataFolder() { return QStringLiteral(TWDP_SOURCE_DIR "/tests/data/dpc/"); }
@@ -68,7 +66,14 @@ private:
             test::put(to, test::contentOf(from).replace("@ROOT@", m_root.toLocal8Bit()));
     }
 
-    QTemporaryDir m_folder;
-    QTemporaryDir m_temporary;
+    /// In the folder that TMPDIR named at first, and not in that of the run before, which goes.
+    static QString newFolder()
+    {
+        static const QString start = QDir::tempPath();
+        return start + "/dpc-XXXXXX";
+    }
+
+    QTemporaryDir m_folder{newFolder()};
+    QTemporaryDir m_temporary{newFolder()};
     QString m_root;
 };
