@@ -39,8 +39,8 @@ public:
 
     int lineNumber() const { return m_lineNumber; }    ///< of the last line, from 1
     qint64 lineLength() const { return m_lineLength; } ///< bytes of the last line, uncut
-    /// True if `maxFileRead` was reached, so that nothing beyond is read.
-    bool fileWasCut() const { return m_bytesRead >= maxFileRead; }
+    /// True if `maxFileRead` was reached before the end of the file, so that the rest is not read.
+    bool fileWasCut() const { return m_bytesRead >= maxFileRead && !m_file.atEnd(); }
 
 private:
     bool fillBuffer();

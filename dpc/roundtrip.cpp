@@ -20,11 +20,18 @@
 
 namespace {
 
+/// Far more than a save writes into a file.
+constexpr qint64 maxCompared = 256 * 1024;
+
+/// Whole lines, if the file is too large to be compared.
 QByteArray contentOf(const QString& path)
 {
     QFile file(path);
     const bool isFile = QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly);
-    return isFile ? file.read(maxFileRead) : QByteArray();
+    QByteArray content = isFile ? file.read(maxCompared) : QByteArray();
+    if (!file.atEnd() && content.contains('\n'))
+        content.truncate(content.lastIndexOf('\n') + 1);
+    return content;
 }
 
 /// The last line has a line end in a file that is whole.
@@ -81,6 +88,7 @@ FileChange changeOf(const SeriesFacts& facts, const ResavedFile& file)
     } else if (before != file.content) {
         change.kind = FileChange::Kind::Changed;
         change.lines = lineChanges(before, file.content);
+        change.bytesNotShown = QFileInfo(file.path).size() - before.size();
     }
     return change;
 }
@@ -151,6 +159,9 @@ std::string changesAsText(const std::vector<FileChange>& files)
     std::string text;
     for (const FileChange& file : files) {
         text += changeAsText(file);
+        if (file.bytesNotShown > 0)
+            text += fmt::format("{}: {} more bytes go, and are not shown\n",
+                                printable(file.shownPath), file.bytesNotShown);
         if (file.isCut)
             text += fmt::format("{}: is cut at {}{} characters\n", printable(file.shownPath),
                                 maxConfigFile,
@@ -202,6 +213,8 @@ QJsonObject jsonOf(const FileChange& file)
         object.insert("lineCount", file.lineCount);
     if (file.kind == FileChange::Kind::Blocked)
         object.insert("reason", QString::fromStdString(file.obstacle));
+    if (file.bytesNotShown > 0)
+        object.insert("bytesNotShown", file.bytesNotShown);
     if (file.isCut)
         object.insert("cutAt", maxConfigFile);
     return object;

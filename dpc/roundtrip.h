@@ -34,6 +34,7 @@ struct FileChange
     std::string obstacle; ///< half a sentence about a file that can't be written
     int lineCount = 0;    ///< of a file that is created
     std::vector<LineChange> lines;
+    qint64 bytesNotShown = 0; ///< go as well, and are not among `lines`: the file is too large
     bool isCut = false;
     qint64 fullSize = 0; ///< bytes of a file that is cut, before it is; 0 if that is not known
 };

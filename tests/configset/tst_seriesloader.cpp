@@ -254,6 +254,19 @@ private slots:
         QCOMPARE(reader.lineNumber(), 2);
     }
 
+    void fileOfTheLargestSizeIsNotCut()
+    {
+        for (const qint64 size : {maxFileRead, maxFileRead + 1}) {
+            test::put(m_root + "a.dpc", "");
+            QCOMPARE(::truncate(QFile::encodeName(m_root + "a.dpc"), size), 0);
+            ConfigFileReader reader(kvToString8<500>(m_root + "a.dpc"));
+            _kvString<1000> line;
+            while (reader.readLine(line)) {
+            }
+            QCOMPARE(reader.fileWasCut(), size > maxFileRead);
+        }
+    }
+
     void seriesHasAtMost50000Entries()
     {
         // Short lines in two files; a rejected line and a marker are entries like the others.

@@ -190,6 +190,21 @@ private slots:
             changes().contains(QRegularExpression("1 [+] # Stream.*[[]cfgPath\\]/_wait/a.dpc;")));
     }
 
+    void roundTripComparesALargeFileInPart()
+    {
+        constexpr int compared = 256 * 1024;
+        m_series->put("a.dpc", goodLine());
+        m_series->put("a_init.dpc", QByteArray("a\n").repeated(compared / 2));
+        QVERIFY(!changes().contains("not shown"));
+        QCOMPARE(changes().count(" - a\n"), compared / 2);
+        // The line at the edge is not shown in part.
+        m_series->put("a_init.dpc", QByteArray("aa\n").repeated(compared));
+        QCOMPARE(changes().count(" - aa\n"), compared / 3);
+        const int rest = 3 * (compared - compared / 3);
+        QVERIFY(changes().contains(
+            QString("a_init.dpc: %1 more bytes go, and are not shown\n").arg(rest)));
+    }
+
     void roundTripOfEndlessIterationsEnds()
     {
         m_series->put("a.dpc", goodLine({{8, "2000000000"}, {10, "[cfgPath]/[iter]"}}));
