@@ -1,7 +1,7 @@
 #include "dpc/totals.h"
 #include "tests/check/seriesfolder.h"
 
-/// What a series costs.
+/// The files, bytes and time that a series costs.
 class TestTotals : public QObject
 {
     Q_OBJECT
