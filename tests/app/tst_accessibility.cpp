@@ -1,3 +1,4 @@
+#include "app/tablefocus.h"
 #include "tests/app/editor.h"
 
 #include <QAccessible>
@@ -136,6 +137,7 @@ private slots:
         QTest::newRow("buttonBrowseLog") << "Choose log file";
         QTest::newRow("buttonBrowseExcel") << "Choose .csv file";
         QTest::newRow("tableWidget") << "Tasks";
+        QTest::newRow("groupBox_2") << "Change, save and load the tasks";
     }
 
     void labelsNameTheFieldBesideThem()
@@ -260,6 +262,105 @@ private slots:
         QVERIFY(editor.table()->grab().toImage() != without);
         editor.find<QWidget>("textInfo")->setFocus();
         QCOMPARE(editor.table()->grab().toImage(), without);
+    }
+
+    void frameOfTheTableLiesOverItsCells()
+    {
+        Editor editor;
+        editor.click("buttonCreateNew");
+        activate(editor.window);
+        editor.find<QWidget>("textInfo")->setFocus();
+        QTableWidget* table = editor.table();
+        QWidget* frame = nullptr;
+        for (QWidget* child :
+             table->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+            if (child->testAttribute(Qt::WA_TransparentForMouseEvents))
+                frame = child;
+        }
+        QVERIFY(frame != nullptr);
+        QVERIFY(!frame->isVisible());
+        const auto isOverTheCells = [&] {
+            return frame->isVisible() && frame->geometry() == table->viewport()->geometry() &&
+                   table->children().indexOf(frame) > table->children().indexOf(table->viewport());
+        };
+        table->viewport()->raise();
+        table->setFocus(Qt::TabFocusReason);
+        QVERIFY(isOverTheCells());
+        editor.window.resize(editor.window.size() + QSize(40, 30));
+        QTRY_VERIFY(isOverTheCells());
+        // The cells move, and keep their size.
+        table->verticalHeader()->hide();
+        QTRY_VERIFY(isOverTheCells());
+        table->viewport()->move(table->viewport()->pos() + QPoint(3, 2));
+        QVERIFY(isOverTheCells());
+        // A click goes through it.
+        editor.selectRow(0);
+        QCOMPARE(table->currentRow(), 0);
+        editor.find<QWidget>("textInfo")->setFocus();
+        QVERIFY(!frame->isVisible());
+        editor.window.resize(editor.window.size() - QSize(40, 30));
+        QVERIFY(!frame->isVisible());
+    }
+
+    void frameOfTheTableIsTwoPixelsWide()
+    {
+        QTableWidget table;
+        makeTabStop(table);
+        auto* frame = table.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly).last();
+        table.grab(); // gives all parts their places
+        QImage image(frame->size(), QImage::Format_ARGB32);
+        image.fill(Qt::transparent);
+        frame->render(&image, {}, {}, {});
+        const QRgb colour = frame->palette().color(QPalette::Highlight).rgb();
+        const int right = image.width() - 2;
+        const int bottom = image.height() - 2;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const bool isFrame = x < 2 || y < 2 || x >= right || y >= bottom;
+                const QRgb expected = isFrame ? colour : 0;
+                QVERIFY2(image.pixel(x, y) == expected, qPrintable(QString("%1,%2").arg(x).arg(y)));
+            }
+        }
+    }
+
+    void descriptionIsAllHelpInItsOrder()
+    {
+        const Editor editor;
+        const auto help = [&](std::initializer_list<const char*> labels) {
+            QStringList texts;
+            for (const char* label : labels)
+                texts += editor.find<QLabel>(label)->text();
+            return texts.join('\n');
+        };
+        const auto description = [&](const char* widget) {
+            return editor.find<QWidget>(widget)->accessibleDescription();
+        };
+        QCOMPARE(description("tableWidget"), help({"label_224", "label_213"}));
+        QCOMPARE(description("radioNextConfig"), help({"label_213"}));
+        QCOMPARE(description("editSource"),
+                 help({"label_216", "label_220", "label_214", "label_223"}));
+        QCOMPARE(description("editLog"), help({"label_220", "label_214", "label_223"}));
+    }
+
+    void screenReadersAreToldOnlyOfChanges()
+    {
+        static QVector<QAccessible::Event> told;
+        Editor editor;
+        QCoreApplication::processEvents();
+        told.clear();
+        QAccessible::installUpdateHandler([](QAccessibleEvent* event) {
+            if (event->type() == QAccessible::NameChanged ||
+                event->type() == QAccessible::DescriptionChanged)
+                told += event->type();
+        });
+        QEvent layout(QEvent::LayoutRequest);
+        QCoreApplication::sendEvent(editor.find<QWidget>("centralWidget"), &layout);
+        QCOMPARE(told.size(), 0);
+        editor.table()->setAccessibleName("another");
+        QEvent language(QEvent::LanguageChange);
+        QCoreApplication::sendEvent(editor.find<QWidget>("centralWidget"), &language);
+        QCOMPARE(editor.table()->accessibleName(), "Tasks");
+        QAccessible::installUpdateHandler(nullptr);
     }
 
     void helpTextsDescribeTheirControls_data()

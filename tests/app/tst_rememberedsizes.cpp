@@ -111,6 +111,25 @@ private slots:
         }
         QVERIFY(m_sizes->count() > 0);
     }
+
+    void allAreForgottenWhenTheMemoryIsFull()
+    {
+        QTableWidget table(1, 1);
+        RememberedSizes sizes;
+        QStyleOptionViewItem option;
+        option.widget = &table;
+        auto* item = new QTableWidgetItem;
+        table.setItem(0, 0, item);
+        const auto measure = [&](int number) {
+            item->setText(QString::number(number));
+            sizes.sizeHint(option, table.model()->index(0, 0));
+            return sizes.count();
+        };
+        for (int i = 1; i <= RememberedSizes::maxTexts; ++i)
+            QCOMPARE(measure(i), i);
+        QCOMPARE(measure(1), RememberedSizes::maxTexts);
+        QCOMPARE(measure(0), 1);
+    }
 };
 
 QTEST_MAIN(TestRememberedSizes)

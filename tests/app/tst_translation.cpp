@@ -13,13 +13,13 @@
 
 namespace {
 
-/// The texts that lupdate writes into a new .ts file of the form, by context.
-QHash<QString, QSet<QString>> textsFoundByLupdate()
+/// The texts that lupdate writes into a new .ts file of a source, by context.
+QHash<QString, QSet<QString>> textsFoundByLupdate(const char* source = TWDP_FORM)
 {
     const QTemporaryDir folder;
     QFile file(folder.filePath("form.ts"));
     QProcess lupdate;
-    lupdate.start(TWDP_LUPDATE, {"-silent", TWDP_FORM, "-ts", file.fileName()});
+    lupdate.start(TWDP_LUPDATE, {"-silent", source, "-ts", file.fileName()});
     if (!lupdate.waitForFinished() || lupdate.exitCode() != 0 || !file.open(QIODevice::ReadOnly))
         qFatal("lupdate failed: %s", lupdate.readAllStandardError().constData());
 
@@ -130,6 +130,18 @@ public:
     }
 };
 
+/// A file of a language that knows one text.
+void putTranslation(const QTemporaryDir& folder, const char* language, const char* text)
+{
+    const QString file = folder.filePath(QStringLiteral("twdiskprobe_%1.ts").arg(language));
+    test::put(file, QByteArray("<!DOCTYPE TS><TS version=\"2.1\" language=\"") + language +
+                        "\"><context><name>twDiskProbeClass</name><message>"
+                        "<source>Create new task line</source><translation>" +
+                        text + "</translation></message></context></TS>");
+    if (QProcess::execute(TWDP_LRELEASE, {"-silent", file}) != 0)
+        qFatal("lrelease failed");
+}
+
 /// A window in which nothing stands at its default.
 void fill(Editor& editor)
 {
@@ -155,6 +167,9 @@ class TestTranslation : public QObject
     Q_OBJECT
 
 private slots:
+    // Read once by each process, whatever it asks for first.
+    void initTestCase() { qputenv("LANGUAGE", "en_US:de"); }
+
     void lupdateFindsEveryTextOfTheForm()
     {
         const QHash<QString, QSet<QString>> found = textsFoundByLupdate();
@@ -167,6 +182,19 @@ private slots:
         for (const QString& key : formKeys())
             expected += key;
         QCOMPARE(found["twDiskProbeClass"], expected);
+    }
+
+    void lupdateFindsNamesThatAreNotSeen()
+    {
+        const QHash<QString, QSet<QString>> found =
+            textsFoundByLupdate(TWDP_APP "/accessibility.cpp");
+        QCOMPARE(found.keys(), QStringList{"AccessibleNames"});
+        const Editor editor;
+        QSet<QString> names;
+        for (const char* widget : {"tableWidget", "groupBox_2", "buttonBrowseSource",
+                                   "buttonBrowseDest", "buttonBrowseLog", "buttonBrowseExcel"})
+            names += editor.find<QWidget>(widget)->accessibleName();
+        QCOMPARE(found["AccessibleNames"], names);
     }
 
     void retranslatingChangesEveryTextOfTheFormAndNothingElse()
@@ -222,16 +250,23 @@ private slots:
         QFETCH(QString, locale);
         QFETCH(QString, text);
         const QTemporaryDir folder;
-        test::put(folder.filePath("twdiskprobe_de.ts"),
-                  "<!DOCTYPE TS><TS version=\"2.1\" language=\"de\"><context>"
-                  "<name>twDiskProbeClass</name><message><source>Create new task line</source>"
-                  "<translation>Neue Zeile</translation></message></context></TS>");
-        QCOMPARE(
-            QProcess::execute(TWDP_LRELEASE, {"-silent", folder.filePath("twdiskprobe_de.ts")}), 0);
+        putTranslation(folder, "de", "Neue Zeile");
         installTranslation(QLocale(locale), folder.path());
         const QScopedPointer<QTranslator> translator(qApp->findChild<QTranslator*>());
         Editor editor;
         QCOMPARE(editor.find<QPushButton>("buttonCreateNew")->text(), text);
+    }
+
+    void languageThatAUserLikesLessThanEnglishIsNotTaken()
+    {
+        const QStringList languages = QLocale::system().uiLanguages();
+        QVERIFY(languages.first().startsWith("en") && languages.contains("de"));
+        const QTemporaryDir folder;
+        putTranslation(folder, "de", "Neue Zeile");
+        installTranslation(QLocale::system(), folder.path());
+        QVERIFY(qApp->findChild<QTranslator*>() == nullptr);
+        Editor editor;
+        QCOMPARE(editor.find<QPushButton>("buttonCreateNew")->text(), "Create new task line");
     }
 
     void accessibleTextsFollowTheLanguage()

@@ -77,6 +77,7 @@ private slots:
     void wheelOverAFieldWithoutFocusMovesTheContent();
     void wheelOverAFieldWithFocusIsTheFields();
     void wheelOverWhatScrollsItselfIsItsOwn();
+    void wheelOverAnotherWindowIsThatWindows();
     void wheelIsTheFieldsIfNothingScrolls();
     void wheelAtTheEndOfABarDoesNothing();
 };
@@ -345,6 +346,24 @@ void TestCentralScroller::wheelOverWhatScrollsItselfIsItsOwn()
     window.bar(Qt::Vertical)->setValue(0);
     turnWheel(window, {0, -120});
     QCOMPARE(byBar, window.value(Qt::Vertical));
+}
+
+void TestCentralScroller::wheelOverAnotherWindowIsThatWindows()
+{
+    Window window;
+    CentralScroller scroller(window);
+    scroller.show({190, 400}, {190, 90});
+    QComboBox combo;
+    combo.addItems({"a", "b"});
+    combo.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&combo));
+    turnWheel(combo, {0, -120});
+    QCOMPARE(combo.currentIndex(), 1);
+    QWidget plain;
+    plain.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&plain));
+    turnWheel(plain, {0, -120});
+    QCOMPARE(window.value(Qt::Vertical), 0);
 }
 
 void TestCentralScroller::wheelIsTheFieldsIfNothingScrolls()

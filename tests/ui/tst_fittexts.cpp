@@ -72,6 +72,7 @@ private slots:
     void windowLargerThanTheScreenOpensWithinIt();
     void windowNeverGrowsBeyondTheScreen();
     void windowOnALowScreenOpensWider();
+    void windowOnAScreenThatIsFarTooLowOpensNoWiderThanItHelps();
     void windowHasNoLeastWidth();
     void windowCanBecomeNarrowAgainAfterALargerFont();
     void everyTextIsWholeInAnySize();
@@ -82,6 +83,10 @@ private slots:
     void maximizedWindowStaysMaximized();
     void windowIsFittedOnlyAtItsFirstShow();
     void windowBecomesSmallerOnASmallerScreen();
+    void windowMovesIntoItsScreen_data();
+    void windowMovesIntoItsScreen();
+    void windowThatFillsTheScreenStaysWhereItIs();
+    void windowFitsWithAnotherFrame();
 };
 
 // The same on every platform, whatever its own font is.
@@ -158,6 +163,26 @@ void TestFitTexts::windowOnALowScreenOpensWider()
     QCOMPARE(window.size(), window.size().boundedTo(available(window)));
     QCOMPARE(cutTexts(window), QStringList());
     QCOMPARE(scrollBar(window, Qt::Vertical), nullptr);
+    // No wider than it needs to be.
+    window.resize(window.width() - 1, available(window).height());
+    QVERIFY(scrollBar(window, Qt::Vertical) != nullptr);
+}
+
+// If no width is enough, the window is as narrow as the least height allows that any width gives.
+void TestFitTexts::windowOnAScreenThatIsFarTooLowOpensNoWiderThanItHelps()
+{
+    SmallWindow window;
+    // Higher than the screen in one line for each word, and wide by a text that does not wrap.
+    window.right().setText(QString("word\n").repeated(400));
+    window.left().setText(SmallWindow::words(30));
+    window.show();
+    QVERIFY(window.width() < available(window).width());
+    const int height = window.centralWidget()->height();
+    const int bar = scrollBar(window, Qt::Vertical)->width();
+    QCOMPARE(window.height(), available(window).height());
+    window.resize(available(window));
+    QCOMPARE(window.centralWidget()->height(), height);
+    QCOMPARE(scrollBar(window, Qt::Vertical)->width(), bar);
 }
 
 void TestFitTexts::windowHasNoLeastWidth()
@@ -303,6 +328,66 @@ void TestFitTexts::windowBecomesSmallerOnASmallerScreen()
     Q_EMIT screen->availableGeometryChanged(screen->availableGeometry());
     QCOMPARE(window.size(), most);
     QVERIFY(screen->availableGeometry().contains(window.frameGeometry()));
+}
+
+void TestFitTexts::windowMovesIntoItsScreen_data()
+{
+    QTest::addColumn<QPoint>("place"); // of the frame, in hundreds of the screen
+    QTest::newRow("within") << QPoint(20, 20);
+    QTest::newRow("beyond the right") << QPoint(95, 20);
+    QTest::newRow("beyond the bottom") << QPoint(20, 95);
+    QTest::newRow("beyond the left") << QPoint(-10, 20);
+    QTest::newRow("beyond the top") << QPoint(20, -10);
+    QTest::newRow("beyond both") << QPoint(95, 95);
+}
+
+void TestFitTexts::windowMovesIntoItsScreen()
+{
+    QFETCH(QPoint, place);
+    SmallWindow window;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QScreen* screen = window.screen();
+    const QRect space = screen->availableGeometry();
+    const QPoint asked(space.width() * place.x() / 100, space.height() * place.y() / 100);
+    window.move(asked);
+    QTRY_COMPARE(window.pos(), asked);
+    Q_EMIT screen->availableGeometryChanged(space);
+    const QSize frame = window.frameGeometry().size();
+    const QPoint last = space.bottomRight() - QPoint(frame.width() - 1, frame.height() - 1);
+    const QPoint expected(qBound(space.left(), asked.x(), last.x()),
+                          qBound(space.top(), asked.y(), last.y()));
+    QTRY_COMPARE(window.pos(), expected);
+}
+
+void TestFitTexts::windowThatFillsTheScreenStaysWhereItIs()
+{
+    SmallWindow window;
+    window.showFullScreen();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    const QRect before = window.geometry();
+    Q_EMIT window.screen()->availableGeometryChanged(window.screen()->availableGeometry());
+    QCOMPARE(window.geometry(), before);
+    QVERIFY(window.isFullScreen());
+}
+
+// A window manager puts its frame around a window some time after that was shown, or takes it off.
+void TestFitTexts::windowFitsWithAnotherFrame()
+{
+    SmallWindow window;
+    window.left().setText(SmallWindow::words(4000));
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    const int before = available(window).height();
+    QCOMPARE(window.height(), before);
+    QWindow* handle = window.windowHandle();
+    handle->setFlags(handle->flags() | Qt::FramelessWindowHint);
+    window.move(window.pos() + QPoint(1, 1));
+    QTRY_COMPARE(window.height(), available(window).height());
+    QVERIFY(window.height() >= before);
+    handle->setFlags(handle->flags() & ~Qt::FramelessWindowHint);
+    window.move(window.pos() + QPoint(1, 1));
+    QTRY_COMPARE(window.height(), before);
 }
 
 QTEST_MAIN(TestFitTexts)
