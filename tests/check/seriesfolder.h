@@ -39,7 +39,7 @@ class SeriesFolder
 {
 public:
     SeriesFolder()
-        : m_folder(folderOfKnownLength())
+        : m_folder(Recordings::folderOfKnownLength())
         , m_root(m_folder.path() + '/')
     {
         Recordings::hide(m_root, "@ROOT@/");
@@ -172,14 +172,6 @@ public:
     }
 
 private:
-    /// Messages count the characters of paths: the folder has as many on every machine.
-    static QString folderOfKnownLength()
-    {
-        constexpr int length = 40;
-        const QString start = QDir::tempPath() + '/';
-        return start + QString("x").repeated(qMax(1, length - start.size() - 7)) + "-XXXXXX";
-    }
-
     PathStatus look(const QString& path) const
     {
         PathStatus status;

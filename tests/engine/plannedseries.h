@@ -3,6 +3,7 @@
 #include "engine/exporter.h"
 #include "engine/planner.h"
 #include "tests/support/files.h"
+#include "tests/support/recording.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -70,7 +71,9 @@ class PlannedSeries
 {
 public:
     PlannedSeries()
+        : m_folder(Recordings::folderOfKnownLength())
     {
+        Recordings::hide(m_folder.path() + '/', "@ROOT@/");
         if (!m_folder.isValid() || !QDir(m_folder.path()).mkpath("share/_wait"))
             qFatal("can't make a folder for the test");
     }
@@ -85,7 +88,21 @@ public:
 
     PlanResult plan(const QString& chosen = "mytest.dpc") const
     {
-        return planSeries(readSeries(seriesNameForLoading(root() + chosen), QString()), m_options);
+        PlanResult result =
+            planSeries(readSeries(seriesNameForLoading(root() + chosen), QString()), m_options);
+        QStringList lines;
+        for (const Finding& loss : result.losses)
+            lines += QStringLiteral("%1:%2:%3: %4 [%5]")
+                         .arg(loss.path)
+                         .arg(loss.line)
+                         .arg(loss.column)
+                         .arg(QString::fromStdString(loss.text).left(400), loss.rule->name);
+        for (const auto* sentences : {&result.problems, &result.misuse}) {
+            for (const std::string& sentence : *sentences)
+                lines += QString::fromStdString(sentence);
+        }
+        Recordings::compare(lines.mid(0, 20).join('\n'));
+        return result;
     }
 
     /// The plan of a series of one file with these lines.

@@ -32,6 +32,15 @@ public:
         self().m_hidden.resize(qMin(most, self().m_hidden.size()));
     }
 
+    /// For a temporary folder. Messages count the characters of paths, and cut long ones: it has as
+    /// many on every machine.
+    static QString folderOfKnownLength()
+    {
+        constexpr int length = 40;
+        const QString start = QDir::tempPath() + '/';
+        return start + QString("x").repeated(qMax(1, length - start.size() - 7)) + "-XXXXXX";
+    }
+
     /// Compares the next text of the test function that is running, and of its row of data.
     static void compare(QString text)
     {
