@@ -11,7 +11,8 @@
 #include <sstream>
 
 /// Runs dpc on a copy of the series in tests/data/dpc/series. "@ROOT@" in files and output stands
-/// for the folder of the copy, which is the current one. "[temp]" is a folder that is empty.
+/// for the folder of the copy, which is the current one, and "@TEMP@" for that of "[temp]", which
+/// is empty.
 class DpcRun
 {
 public:
@@ -55,7 +56,9 @@ public:
 private:
     QByteArray withoutRoot(const std::string& text) const
     {
-        return QByteArray::fromStdString(text).replace(m_root.toLocal8Bit(), "@ROOT@");
+        return QByteArray::fromStdString(text)
+            .replace(m_root.toLocal8Bit(), "@ROOT@")
+            .replace(m_temporary.path().toLocal8Bit(), "@TEMP@");
     }
 
     void copy(const QString& from, const QString& to) const
