@@ -48,6 +48,7 @@ private slots:
         const auto [task, accepted, problem] = readLine(line);
         QVERIFY(accepted);
         QCOMPARE(problem.field, 0);
+        QVERIFY(problem.column == 0 && problem.length == 0);
         QCOMPARE(task.method, IoMethod::Stream);
         QCOMPARE(task.testType(), TestType::Write);
         QVERIFY(task.sourcePath.isEmpty());
