@@ -4,6 +4,7 @@
 #include "configset/seriessaver.h"
 #include "tests/support/files.h"
 #include "tests/support/tasks.h"
+#include "tests/support/warnings.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -181,8 +182,10 @@ private slots:
     {
         QVERIFY(QDir(m_root).mkdir("a.dpc"));
         write("a1.dpc", lineTo("/1"));
+        const WarningCollector warnings;
         QCOMPARE(load(m_root + "a.dpc"), QStringList{"/1"});
         QCOMPARE(m_rejected, QStringList());
+        QCOMPARE(warnings.messages(), QStringList());
     }
 
     void endlessFilesAreNotOpened()
@@ -238,6 +241,7 @@ private slots:
     void hugeFileIsReadWithinBounds()
     {
         // One line of a gigabyte without a byte on the disk.
+        const WarningCollector warnings;
         test::put(m_root + "a.dpc", lineTo("/1").toLatin1() + "Bytes");
         QCOMPARE(::truncate(QFile::encodeName(m_root + "a.dpc"), 1024L * 1024 * 1024), 0);
         QCOMPARE(load(m_root + "a.dpc"), QStringList{"/1"});
@@ -252,6 +256,7 @@ private slots:
         QCOMPARE(reader.lineLength(), maxFileRead - lineTo("/1").size());
         QVERIFY(!reader.readLine(line));
         QCOMPARE(reader.lineNumber(), 2);
+        QCOMPARE(warnings.messages(), QStringList());
     }
 
     void fileOfTheLargestSizeIsNotCut()
