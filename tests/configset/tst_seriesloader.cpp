@@ -148,6 +148,22 @@ private slots:
         QCOMPARE(m_rejected, QStringList());
     }
 
+    void lastLineMayBeOneCharacterWithoutALineEnd()
+    {
+        write("a.dpc", "\nx");
+        QCOMPARE(load(m_root + "a.dpc"), QStringList());
+        QCOMPARE(m_rejected, QStringList{"x <- " + m_root + "a.dpc"});
+        ConfigFileReader reader(kvToString8<500>(m_root + "a.dpc"));
+        _kvString<1000> line;
+        QVERIFY(reader.readLine(line) && reader.readLine(line));
+        QVERIFY(line.isEqual("x"));
+        QCOMPARE(reader.lineNumber(), 2);
+        QCOMPARE(reader.lineLength(), qint64(1));
+        QVERIFY(!reader.readLine(line));
+        QCOMPARE(reader.lineNumber(), 2);
+        QVERIFY(!reader.fileWasCut());
+    }
+
     void emptyFilesAndFilesOfLineEndsYieldNothing()
     {
         for (const char* content : {"", "\n", "\n\n\n", "\r\n \n"}) {
