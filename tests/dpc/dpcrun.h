@@ -51,14 +51,15 @@ public:
         return result;
     }
 
+    /// The folder of "[temp]".
+    QByteArray temporary() const { return m_temporary.path().toLocal8Bit(); }
+
     static QString dataFolder() { return QStringLiteral(TWDP_SOURCE_DIR "/tests/data/dpc/"); }
 
 private:
     QByteArray withoutRoot(const std::string& text) const
     {
-        return QByteArray::fromStdString(text)
-            .replace(m_root.toLocal8Bit(), "@ROOT@")
-            .replace(m_temporary.path().toLocal8Bit(), "@TEMP@");
+        return QByteArray::fromStdString(text).replace(m_root.toLocal8Bit(), "@ROOT@");
     }
 
     void copy(const QString& from, const QString& to) const

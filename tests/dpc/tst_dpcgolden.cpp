@@ -31,6 +31,7 @@ private slots:
         if (!result.err.isEmpty())
             actual += "--- error stream\n" + result.err;
         actual += "--- exit status " + QByteArray::number(result.code) + '\n';
+        actual.replace(m_dpc.temporary(), "@TEMP@");
         if (updatesGolden())
             test::put(file, actual);
         else
