@@ -105,8 +105,10 @@ std::vector<Finding> checkSeries(const SeriesFacts& facts, const CheckOptions& o
     checkNumbers(once, findings);
     checkPaths(once, options, findings);
     checkVariables(once, options, findings);
+    checkKinds(once, uses, findings);
     checkFolders(once, uses, findings);
     checkSources(once, uses, findings);
+    checkSizes(once, uses, findings);
     checkOverwrites(once, uses, findings);
     checkRoles(once, uses, findings);
     checkInit(once, uses, options.environment, findings);

@@ -14,32 +14,51 @@ namespace {
 
 PathStatus::Kind kindOf(mode_t mode)
 {
-    if (S_ISREG(mode))
+    switch (mode & S_IFMT) {
+    case S_IFREG:
         return PathStatus::Kind::File;
-    return S_ISDIR(mode) ? PathStatus::Kind::Folder : PathStatus::Kind::Other;
+    case S_IFDIR:
+        return PathStatus::Kind::Folder;
+    case S_IFIFO:
+        return PathStatus::Kind::Pipe;
+    case S_IFSOCK:
+        return PathStatus::Kind::Socket;
+    case S_IFBLK:
+        return PathStatus::Kind::Disk;
+    default:
+        return PathStatus::Kind::Device;
+    }
 }
 
-std::string whyUnreadable(const PathStatus& status, mode_t mode)
+std::string whyUnreadable(const PathStatus& status)
 {
     switch (status.kind) {
     case PathStatus::Kind::Folder:
         return "it is a folder";
-    case PathStatus::Kind::Other:
-        return S_ISFIFO(mode)   ? "it is a pipe"
-               : S_ISSOCK(mode) ? "it is a socket"
-                                : "it is a device";
+    case PathStatus::Kind::Pipe:
+        return "it is a pipe";
+    case PathStatus::Kind::Socket:
+        return "it is a socket";
+    case PathStatus::Kind::Disk:
+    case PathStatus::Kind::Device:
+        return "it is a device";
     default:
         break;
     }
     return status.isReadable ? std::string() : "you have no right to read it";
 }
 
-/// The file that writing to a dead link would make.
+/// The file that writing to a dead link would make. It may lead there over other links.
 QString targetOf(const QString& deadLink)
 {
-    const QFileInfo target(QFileInfo(deadLink).symLinkTarget());
-    const QString folder = QFileInfo(target.path()).canonicalFilePath();
-    return folder.isEmpty() ? target.filePath() : QDir(folder).filePath(target.fileName());
+    constexpr int maxLinks = 40; // Linux follows no more
+    QString path = deadLink;
+    for (int i = 0; i < maxLinks && QFileInfo(path).isSymLink(); ++i) {
+        const QFileInfo target(QFileInfo(path).symLinkTarget());
+        const QString folder = QFileInfo(target.path()).canonicalFilePath();
+        path = folder.isEmpty() ? target.filePath() : QDir(folder).filePath(target.fileName());
+    }
+    return path;
 }
 
 /// Of a path that can't be followed to its end.
@@ -78,7 +97,7 @@ PathStatus look(const QString& path)
     status.fileSystem = info.st_dev;
     status.node = info.st_ino;
     status.hasOtherNames = status.isFile() && info.st_nlink > 1;
-    status.whyUnreadable = whyUnreadable(status, info.st_mode);
+    status.whyUnreadable = whyUnreadable(status);
     return status;
 }
 

@@ -16,7 +16,10 @@ struct PathStatus
         File, ///< a regular file
         Folder,
         DeadLink, ///< a link that leads nowhere
-        Other     ///< a pipe, a device, a socket
+        Pipe,
+        Socket,
+        Disk,  ///< a disk or a partition itself
+        Device ///< a device that holds no bytes, such as /dev/null
     };
 
     Kind kind = Kind::Nothing;

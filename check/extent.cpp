@@ -12,18 +12,25 @@ void ExtentCounter::add(const SeriesFacts& facts, const std::set<const Rule*>& r
     for (const FileFact& file : facts.files)
         m_files += file.readable ? 1 : 0;
     for (const LineFact& line : facts.lines) {
+        if (isMarker(line))
+            addPath(line.text);
         if (!isTask(line))
             continue;
         ++m_tasks;
         bool hasMore = false;
         for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath}) {
             const QByteArray& path = line.path(which);
-            if (isForeignPath(path))
-                (isSharePath(path) ? m_sharePaths : m_windowsPaths).insert(path);
+            addPath(path);
             hasMore = hasMore || iterationsOf(line, path) > facts.iterationLimit;
         }
         m_tasksOfManyIterations += hasMore ? 1 : 0;
     }
+}
+
+void ExtentCounter::addPath(const QByteArray& path)
+{
+    if (isForeignPath(path))
+        (isSharePath(path) ? m_sharePaths : m_windowsPaths).insert(path);
 }
 
 CheckExtent ExtentCounter::extent(const CheckOptions& options) const
@@ -37,6 +44,7 @@ CheckExtent ExtentCounter::extent(const CheckOptions& options) const
         add("collisions", 1, "no machines given: collisions not checked");
     else if (options.hosts.size() == 1)
         add("collisions", 1, "1 machine given: collisions not checked");
+    add("repeated-hosts", options.repeatedHostCount, options.repeatedHosts);
     add("windows-paths", m_windowsPaths.size(), counted(m_windowsPaths.size(), "Windows path"));
     add("share-paths", m_sharePaths.size(),
         counted(m_sharePaths.size(), "path") + " on file servers");

@@ -31,6 +31,8 @@ public:
     CheckExtent extent(const CheckOptions& options) const;
 
 private:
+    void addPath(const QByteArray& path);
+
     int m_files = 0;
     int m_tasks = 0;
     long long m_tasksOfManyIterations = 0;

@@ -3,6 +3,7 @@
 #include "check/text.h"
 #include "model/limits.h"
 #include "shared/kvpath.h"
+#include "shared/kvtext.h"
 
 #include <utility>
 
@@ -66,6 +67,13 @@ int nameStart(const QByteArray& path)
     return path.lastIndexOf('/') + 1;
 }
 
+/// Without the separator that follows it, unless it is the root.
+QByteArray folderOf(const QByteArray& path)
+{
+    const int start = nameStart(path);
+    return path.left(start > 1 ? start - 1 : start);
+}
+
 QByteArray joined(const QByteArray& folder, const QByteArray& name)
 {
     return folder.endsWith('/') ? folder + name : folder + '/' + name;
@@ -125,7 +133,7 @@ KeyedPath FileKeys::find(const QByteArray& path, bool isHere)
     found.namesFolder = found.namesFolder || (isForeignPath(path) && isForeignRoot(text));
 
     const int start = nameStart(text);
-    found.folder = folderAt(text.left(start > 1 ? start - 1 : start), found.isSeen);
+    found.folder = folderAt(folderOf(text), found.isSeen);
     const KeyedFolder& folder = m_folders[size_t(found.folder)];
     found.key = joined(folder.key, toKey(text.mid(start)));
     if (!found.isSeen || folder.kind != PathStatus::Kind::Folder)
@@ -135,6 +143,9 @@ KeyedPath FileKeys::find(const QByteArray& path, bool isHere)
     found.size = status.size;
     if (!status.canonical.isEmpty())
         found.key = status.canonical.toUtf8();
+    // Writing to the link makes the file there.
+    if (status.kind == PathStatus::Kind::DeadLink && kvIsLatin1(status.canonical))
+        found.folder = folderAt(folderOf(status.canonical.toLatin1()), true);
     if (status.hasOtherNames) {
         QByteArray& first = m_keyOfNode[{status.fileSystem, status.node}];
         if (first.isEmpty())

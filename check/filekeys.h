@@ -40,7 +40,7 @@ struct KeyedPath
     QByteArray key; ///< the same for all spellings and hard links, links followed as they exist
     PathStatus::Kind kind = PathStatus::Kind::Nothing;
     qint64 size = 0;          ///< bytes of a file that exists
-    int folder = -1;          ///< its place among the folders
+    int folder = -1;          ///< its place among the folders; of a dead link where it leads
     bool isSeen = true;       ///< false if this system can't tell what lies there
     bool namesFolder = false; ///< by a separator at the end, or "." and ".."
 };

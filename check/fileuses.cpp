@@ -1,5 +1,6 @@
 #include "check/fileuses.h"
 
+#include "check/rulesfile.h"
 #include "check/text.h"
 #include "shared/kvpath.h"
 #include "shared/kvtext.h"
@@ -25,6 +26,14 @@ void replaceConfigPath(QByteArray& path, const QByteArray& folder)
     path.replace(configPathVariable, folder);
 }
 
+/// An "_init" file that was chosen itself belongs to the series of its name.
+QString seriesName(const SeriesFacts& facts)
+{
+    const int suffixLength = int(std::size(initFileSuffix)) - 1;
+    const QString& name = facts.name.baseName;
+    return facts.isInit ? name.chopped(suffixLength) : name;
+}
+
 bool isDigit(char c)
 {
     return kvIsDigit(static_cast<unsigned char>(c));
@@ -42,6 +51,9 @@ FileUses::FileUses(const SeriesFacts& facts, const QStringList& hosts,
     , m_temp(here.tempFolder->text, here.tempFolder->length)
 {
     takeMachines(hosts);
+    // On other machines nobody knows what the folder is called, or whose files lie in it.
+    if (!m_isThisMachine)
+        m_temp = tempVariable;
     const int folder = m_keys.find(m_runFolder + '.', true).folder;
     m_runFolderKey = m_keys.folders()[size_t(folder)].key;
     if (!m_runFolderKey.endsWith('/'))
@@ -138,6 +150,7 @@ QByteArray FileUses::pathOn(const FileUse& use, int machine) const
         MachineValues values = m_here;
         values.computerName = _kvString<maxPath>(on.inPath.constData());
         values.date = dateVariable;
+        values.tempFolder = _kvString8_allSize<maxPath>(m_temp.constData());
         const LineFact& line = m_facts.lines[size_t(use.line)];
         return NameExpander(m_facts, values)
             .resolve(line, line.path(use.role), use.iteration)
@@ -194,7 +207,9 @@ bool FileUses::isOwnFile(const QByteArray& key) const
     if (folder != m_runFolderKey && folder != m_runFolderKey + waitFolder().toUtf8())
         return false;
     const QByteArray name = key.mid(start);
-    const QByteArray base = m_facts.name.baseName.toUtf8();
+    if (name == rulesFileName && folder == m_runFolderKey)
+        return true;
+    const QByteArray base = seriesName(m_facts).toUtf8();
     constexpr int extensionLength = int(std::size(configFileExtension)) - 1;
     if (!name.startsWith(base) || !name.endsWith(configFileExtension))
         return false;
@@ -210,9 +225,9 @@ void FileUses::addInit()
               [](const InitUse& a, const InitUse& b) { return a.entry.line < b.entry.line; });
     NameExpander expander(m_facts, m_here);
     LineFact line;
-    line.file = m_facts.initFile;
     for (size_t i = 0; i < m_init.size(); ++i) {
         InitUse& use = m_init[i];
+        line.file = use.entry.file;
         QByteArray path = use.name;
         replaceConfigPath(path, m_runFolder);
         // A save writes names without other variables.

@@ -58,7 +58,7 @@ struct UsedFile
     KeyedPath path;
     bool isLocal = false;  ///< below "[temp]": each machine has its own
     bool isShared = false; ///< beside the config files or on a file server: all machines see it
-    bool isOwn = false;    ///< a config file of the series, or its "_init" file, by its name
+    bool isOwn = false;    ///< a file of the series itself, by its name
     int init = -1;         ///< the line of the "_init" file that makes it, the last active one
     std::vector<FileWay> ways;
 
@@ -69,6 +69,8 @@ struct UsedFile
     }
     /// True for what holds no bytes of its own: a folder, a device.
     bool isNoFile() const { return path.namesFolder || (exists() && !isFile()); }
+    /// True for what loses nothing when it is written, such as /dev/null.
+    bool isDevice() const { return path.kind == PathStatus::Kind::Device; }
     /// True if it is there already, and a regular file.
     bool isFile() const { return path.kind == PathStatus::Kind::File; }
 };
@@ -127,8 +129,8 @@ public:
         return m_files[size_t(fileOf(use, machine))];
     }
 
-    /// True for the key of a config file of the series, or of its "_init" file, by its name and
-    /// folder: the files come and go while the series runs.
+    /// True for the key of a config file of the series, of its "_init" file, or of the file that
+    /// turns rules off, by its name and folder: the files come and go while the series runs.
     bool isOwnFile(const QByteArray& key) const;
 
     /// True if an earlier task, or an earlier iteration, writes a file before a use reads it.

@@ -117,6 +117,8 @@ InitFile::InitFile(const SeriesFacts& facts, const FileUses& uses)
         if (!made.entry.isActive)
             continue;
         m_sizes.insert({path, made.entry.size / bytesPerKib});
+        if (made.entry.otherLine > 0)
+            m_sizes.insert({path, made.entry.otherSize / bytesPerKib});
         addFolders(path);
     }
 }

@@ -3,8 +3,8 @@
 #include "check/text.h"
 #include "check/textfile.h"
 
+#include <QHash>
 #include <QRegularExpression>
-#include <QSet>
 
 #include <fmt/format.h>
 
@@ -43,6 +43,8 @@ public:
             m_list.problem = "names no machine";
         if (!m_list.problem.empty())
             m_list.machines.clear();
+        if (m_list.repeatedCount > 1)
+            m_list.repeated += fmt::format(" (and so on for {} more)", m_list.repeatedCount - 1);
         return std::move(m_list);
     }
 
@@ -85,12 +87,33 @@ private:
         // Counted with those that are there already: ranges of equal numbers multiply as well.
         if (++m_expanded > maxMachines)
             return setProblem(fmt::format("more than {} machines", maxMachines));
-        if (m_names.contains(name))
-            return;
-        if (m_names.size() == maxMachines)
+        const auto known = m_placeOf.constFind(name);
+        if (known != m_placeOf.cend())
+            return addAgain(m_list.machines[size_t(*known)], machine);
+        if (m_placeOf.size() == maxMachines)
             return setProblem(fmt::format("more than {} machines", maxMachines));
-        m_names.insert(name);
+        QString& alike = m_nameOfFolded[name.toLower()];
+        if (!alike.isEmpty())
+            noteRepeated(fmt::format("{} and {} differ in capitals only, and may be one machine",
+                                     printable(alike), printable(name)));
+        alike = name;
+        m_placeOf.insert(name, int(m_list.machines.size()));
         m_list.machines.push_back({name, machine.address, machine.temp});
+    }
+
+    void addAgain(const Machine& known, const Machine& machine)
+    {
+        if ((!machine.address.isEmpty() && machine.address != known.address) ||
+            (!machine.temp.isEmpty() && machine.temp != known.temp))
+            return setProblem(fmt::format("{} is there twice, with another address or folder",
+                                          quoted(known.name)));
+        noteRepeated(fmt::format("{} is named twice, and counts once", printable(known.name)));
+    }
+
+    void noteRepeated(const std::string& text)
+    {
+        if (m_list.repeatedCount++ == 0)
+            m_list.repeated = text;
     }
 
     static std::string notARange(const QString& name)
@@ -99,8 +122,9 @@ private:
     }
 
     MachineList m_list;
-    QSet<QString> m_names;
-    int m_expanded = 0; ///< names of the range that is being taken
+    QHash<QString, int> m_placeOf;          ///< of each name among the machines
+    QHash<QString, QString> m_nameOfFolded; ///< the last name of each in small letters
+    int m_expanded = 0;                     ///< names of the range that is being taken
 };
 
 /// The parts between the commas that are not in brackets.

@@ -21,7 +21,9 @@ struct Machine
 struct MachineList
 {
     std::vector<Machine> machines; ///< each name once, in the order of their first place
-    std::string problem;           ///< half a sentence if they can't be used
+    std::string problem{};         ///< half a sentence if they can't be used
+    std::string repeated{};        ///< half a sentence if names are there twice, in any capitals
+    int repeatedCount = 0;         ///< how many names that are
 
     /// The names alone.
     QStringList names() const;
@@ -39,7 +41,8 @@ MachineList machinesNamed(const QStringList& texts);
 ///     server1=ip:192.0.2.7,8765
 ///     server2=sock:/run/fio/server2 temp=/mnt/fast disk
 ///
-/// A range has no address. The folder is the rest of the line.
+/// A range has no address. The folder is the rest of the line. A machine that has two addresses or
+/// folders is a problem.
 MachineList machinesInFile(const QString& path);
 
 /// So many machines: machine01, machine02, ...

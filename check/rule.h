@@ -32,7 +32,7 @@ struct RuleExample
 
     std::array<ExampleFile, maxFiles> files{}; ///< unused ones have no name
     std::string_view machines{};               ///< names with commas between; empty: this one alone
-    std::string_view existing{};               ///< a path that is on the disk; a folder with "/"
+    std::string_view existing{};               ///< on the disk; a folder with "/", a pipe with "|"
     std::int64_t existingKib = 0;              ///< the size of that file
     std::int64_t freeMib = 1 << 20;            ///< what the disk has left
 };
@@ -56,7 +56,7 @@ constexpr RuleExample onMachines(std::string_view names, RuleExample example)
     return example;
 }
 
-/// The same example with a file or folder on the disk.
+/// The same example with a file, a folder or a pipe on the disk.
 constexpr RuleExample withExisting(std::string_view path, std::int64_t kib, RuleExample example)
 {
     example.existing = path;

@@ -19,6 +19,9 @@ std::string circumstances(const RuleExample& example)
         text += fmt::format("machines: {}\n", example.machines);
     if (!example.existing.empty() && example.existing.back() == '/')
         text += fmt::format("on the disk: the folder {}\n", example.existing);
+    else if (!example.existing.empty() && example.existing.back() == '|')
+        text += fmt::format("on the disk: the pipe {}\n",
+                            example.existing.substr(0, example.existing.size() - 1));
     else if (!example.existing.empty())
         text += fmt::format("on the disk: {} ({} KiB)\n", example.existing, example.existingKib);
     if (example.freeMib < RuleExample().freeMib)

@@ -16,10 +16,23 @@
 
 namespace {
 
-/// Reads what the lines of an "_init" file create, those that are commented out included.
-void readInit(SeriesFacts& facts, const FileFact& file, int entryLimit)
+/// An active line counts before one that is commented out, and of several the last: it leaves the
+/// file as it is.
+void addInitLine(InitEntry& entry, InitEntry next)
 {
-    const auto path = kvToString8<maxPath>(file.path);
+    if (!next.isActive && entry.isActive)
+        return;
+    if (entry.isActive && entry.size != next.size) {
+        next.otherLine = entry.line;
+        next.otherSize = entry.size;
+    }
+    entry = next;
+}
+
+/// Reads what the lines of an "_init" file create, those that are commented out included.
+void readInit(SeriesFacts& facts, int index, int entryLimit)
+{
+    const auto path = kvToString8<maxPath>(facts.files[size_t(index)].path);
     ConfigFileReader reader(path);
     _kvString<maxLine> line;
     TestTask task;
@@ -30,9 +43,8 @@ void readInit(SeriesFacts& facts, const FileFact& file, int entryLimit)
             continue;
         const TaskLineField dest = splitTaskLine(line).fields[DestField - 1];
         InitEntry& entry = facts.init[kvToQString(line).toLatin1().mid(dest.column, dest.length)];
-        // An active line counts before one that is commented out.
-        if (!entry.isActive)
-            entry = {reader.lineNumber(), task.io.fileSize, kind == ConfigLine::Entry};
+        addInitLine(entry, {index, reader.lineNumber(), task.io.fileSize, kind == ConfigLine::Entry,
+                            entry.otherLine, entry.otherSize});
     }
 }
 
@@ -220,7 +232,11 @@ SeriesFacts readSeries(const SeriesName& name, const QString& shownFolder, const
     if (facts.initFile >= 0) {
         FileFact& file = facts.files[size_t(facts.initFile)];
         scanInit(facts, file, limits.entries);
-        readInit(facts, file, limits.entries);
+        readInit(facts, facts.initFile, limits.entries);
+    }
+    for (int i = 0; facts.isInit && i < int(facts.files.size()); ++i) {
+        if (facts.files[size_t(i)].isRead())
+            readInit(facts, i, limits.entries);
     }
     noteCopies(facts);
     markSplitTasks(facts.lines);

@@ -144,9 +144,12 @@ struct FileFact
 /// One line of the "_init" file.
 struct InitEntry
 {
+    int file = -1; ///< its place among the files of the series
     int line = 0;
     qint64 size = 0;
     bool isActive = false; ///< not commented out
+    int otherLine = 0;     ///< an earlier active one with the same name and another size, 0 if none
+    qint64 otherSize = 0;
 };
 
 /// A line of a file.
@@ -164,15 +167,15 @@ struct SeriesFacts
     QString runFolder;   ///< where the files lie when they run: outside "_wait"
     bool isInit = false; ///< the _init file was chosen itself
     std::vector<FileFact> files;
-    std::vector<LineFact> lines;     ///< of config files
-    std::vector<LineFact> initLines; ///< of the _init file
-    std::vector<std::string> info;   ///< comments that a load shows as the info text
-    LinePlace infoCut;               ///< the first comment that a load leaves out of it
-    int brokenComments = 0;          ///< of which something can be said; not all are kept
-    int initFile = -1;               ///< its place among the files, -1 if there is none
-    QHash<QByteArray, InitEntry> init;
-    int entryCount = 0;        ///< tasks, markers and rejected lines
-    bool limitReached = false; ///< there are more entries than a load takes
+    std::vector<LineFact> lines;       ///< of config files
+    std::vector<LineFact> initLines;   ///< of the _init file
+    std::vector<std::string> info;     ///< comments that a load shows as the info text
+    LinePlace infoCut;                 ///< the first comment that a load leaves out of it
+    int brokenComments = 0;            ///< of which something can be said; not all are kept
+    int initFile = -1;                 ///< its place among the files, -1 if there is none
+    QHash<QByteArray, InitEntry> init; ///< by name; of several lines the last active one
+    int entryCount = 0;                ///< tasks, markers and rejected lines
+    bool limitReached = false;         ///< there are more entries than a load takes
 
     /// How many names all paths of the series stand for, one for each iteration.
     long long nameCount = 0;

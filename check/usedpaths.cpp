@@ -42,6 +42,10 @@ UsedPaths::UsedPaths(const SeriesFacts& facts, const FileUses& uses)
         else
             addPath(path);
     }
+    for (const UsedFile& file : uses.files()) {
+        if (file.path.kind == PathStatus::Kind::DeadLink)
+            addPath(QString::fromUtf8(file.path.key));
+    }
 }
 
 bool UsedPaths::contains(const QString& path) const

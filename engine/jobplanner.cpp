@@ -113,7 +113,7 @@ bool JobPlanner::placeName(PlanFile& file, const LineFact& line, TaskPath which,
         return false;
     }
     const PathStatus status = m_plan.isLocal() ? m_options.environment.look(path) : PathStatus();
-    const bool isOther = status.isFolder() || status.kind == PathStatus::Kind::Other;
+    const bool isOther = status.exists() && !status.isFile();
     if (isOther || isSpecial(path) || isSpecial(status.canonical)) {
         lose(fioSpecialFile, field, quoted(path) + " is not a regular file");
         return false;

@@ -11,9 +11,10 @@ namespace {
 
 // The families in order. They are named here, and don't register themselves: from a static library
 // the linker takes only what somebody names.
-constexpr RuleList (*families[])() = {
-    lineRules, numberRules, pathRules,   variableRules, folderRules,  sourceRules, overwriteRules,
-    roleRules, fileRules,   markerRules, initRules,     machineRules, spaceRules};
+constexpr RuleList (*families[])() = {lineRules,      numberRules,  pathRules,   variableRules,
+                                      kindRules,      folderRules,  sourceRules, sizeRules,
+                                      overwriteRules, roleRules,    fileRules,   markerRules,
+                                      initRules,      machineRules, spaceRules};
 
 RuleList joined()
 {

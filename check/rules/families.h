@@ -13,8 +13,10 @@ RuleList lineRules();
 RuleList numberRules();
 RuleList pathRules();
 RuleList variableRules();
+RuleList kindRules();
 RuleList folderRules();
 RuleList sourceRules();
+RuleList sizeRules();
 RuleList overwriteRules();
 RuleList roleRules();
 RuleList fileRules();
@@ -36,10 +38,14 @@ void checkNumbers(const SeriesFacts& facts, Findings& findings);
 void checkPaths(const SeriesFacts& facts, const CheckOptions& options, Findings& findings);
 /// The rules about variables in paths.
 void checkVariables(const SeriesFacts& facts, const CheckOptions& options, Findings& findings);
-/// The rules about folders in place of files, and the other way round.
+/// The rules about folders and special files in place of files.
+void checkKinds(const SeriesFacts& facts, const FileUses& uses, Findings& findings);
+/// The rules about files in place of folders, and folders that do not exist.
 void checkFolders(const SeriesFacts& facts, const FileUses& uses, Findings& findings);
 /// The rules about who makes what a task reads.
 void checkSources(const SeriesFacts& facts, const FileUses& uses, Findings& findings);
+/// The rule about sources of two sizes.
+void checkSizes(const SeriesFacts& facts, const FileUses& uses, Findings& findings);
 /// The rules about bytes that are lost.
 void checkOverwrites(const SeriesFacts& facts, const FileUses& uses, Findings& findings);
 /// The rules about files that are several things at once.

@@ -10,58 +10,9 @@
 
 #include <algorithm>
 
-// Folders in place of files, and files in place of folders.
+// Files in place of folders, and folders that do not exist.
 
 namespace {
-
-constexpr Rule fileIsFolder = {
-    "file-is-folder",
-    Severity::Error,
-    "paths",
-    "The source or destination names a folder: by a separator at its end, by [cfgPath] or [temp] "
-    "alone, or because a folder of that name exists.",
-    "name a file",
-    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/out/;  "
-            "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
-    oneFile(plainTask)};
-
-constexpr Rule logIsFolder = {
-    "log-is-folder",
-    Severity::Warning,
-    "paths",
-    "The log or .csv field names a folder: an empty field does after a load and a save.",
-    "name a file",
-    oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
-            "[cfgPath]/out_[host].dat;  [cfgPath]/;  [cfgPath]/[host].csv;  true;\n"),
-    oneFile(plainTask)};
-
-/// True if a path ends in "." or "..", which are gone once it is resolved.
-bool endsInDots(const QByteArray& path)
-{
-    const int start = std::max(path.lastIndexOf('/'), path.lastIndexOf('\\')) + 1;
-    const QByteArray last = path.mid(start);
-    return last == "." || last == "..";
-}
-
-/// Of all iterations and machines one is enough.
-void checkNamedFolder(const SeriesFacts& facts, const FileUses& uses, int line, TaskPath role,
-                      Findings& findings)
-{
-    for (int iteration = 0; iteration < uses.useCount(line, role); ++iteration) {
-        const FileUse& use = uses.use(line, role, iteration);
-        const KeyedPath& path = uses.file(use, 0).path;
-        const LineFact& fact = facts.lines[size_t(line)];
-        const bool isThere = path.kind == PathStatus::Kind::Folder;
-        if (!isThere && !path.namesFolder && !endsInDots(fact.path(role)))
-            continue;
-        findings.add(role == SourcePath || role == DestPath ? fileIsFolder : logIsFolder, fact,
-                     fact.columnOf(role),
-                     fmt::format("the {} {} {}, and a file is needed",
-                                 fieldName(firstPathField + role), quoted(uses.nameOf(use).text),
-                                 isThere ? "is a folder" : "names a folder"));
-        return;
-    }
-}
 
 constexpr Rule folderIsFile = {
     "folder-is-file",
@@ -77,6 +28,13 @@ constexpr Rule folderIsFile = {
                  oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
                          "/data/out/[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  "
                          "true;\n"))};
+
+/// True for what can't hold files.
+bool isFileOrDevice(PathStatus::Kind kind)
+{
+    return kind != PathStatus::Kind::Folder && kind != PathStatus::Kind::Nothing &&
+           kind != PathStatus::Kind::DeadLink;
+}
 
 /// Compares the folders that files need with the files that tasks make.
 class FoldersAndFiles
@@ -98,7 +56,7 @@ public:
             if (m_firstUser[i] >= 0)
                 m_folderOfKey.insert(folder.key, int(i));
             if (m_firstUser[i] >= 0 &&
-                (folder.kind == PathStatus::Kind::File || m_uses.isOwnFile(folder.key)))
+                (isFileOrDevice(folder.kind) || m_uses.isOwnFile(folder.key)))
                 say(m_uses.uses()[size_t(m_firstUser[i])],
                     fmt::format("is a file{}: {} can't lie below it",
                                 m_uses.isOwnFile(folder.key) ? " of the series itself" : "",
@@ -200,8 +158,8 @@ constexpr Rule destFolder = {
     Severity::Warning,
     "paths",
     "The folder of the destination does not exist, and the _init file does not make it. A folder "
-    "of "
-    "each machine counts for its log and .csv files as well.",
+    "of each machine counts for its log and .csv files as well, and so does one that a link leads "
+    "into.",
     "make the folder, or correct the name",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  /data/out/[host].dat;  "
             "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
@@ -243,8 +201,10 @@ public:
     void check(int line)
     {
         const LineFact& fact = m_facts.lines[size_t(line)];
-        for (const TaskPath role : {DestPath, LogPath, CsvPath})
+        for (const TaskPath role : {DestPath, LogPath, CsvPath}) {
+            checkLinks(line, role);
             checkOfMachines(line, role);
+        }
         const QByteArray& dest = fact.path(DestPath);
         // Below the config file's folder, the "_init" file is asked as a whole.
         if (dest.isEmpty() || dest.startsWith(configPathVariable) || isForeignPath(dest))
@@ -256,7 +216,8 @@ public:
             if (m_checked.contains(folder))
                 continue;
             m_checked.insert(folder);
-            if (folder == "[temp]/" || m_uses.file(use, 0).isNoFile() || isThere(use))
+            const UsedFile& file = m_uses.file(use, 0);
+            if (folder == "[temp]/" || file.isNoFile() || isDeadLink(file) || isThere(use))
                 continue;
             const bool isLocal = holds(folder, hostVariable) || holds(folder, tempVariable);
             say(fact, folder, isLocal && !holds(folder, dateVariable));
@@ -264,6 +225,35 @@ public:
     }
 
 private:
+    static bool isDeadLink(const UsedFile& file)
+    {
+        return file.path.kind == PathStatus::Kind::DeadLink;
+    }
+
+    /// A link that leads into a folder that does not exist: once for each folder.
+    void checkLinks(int line, TaskPath role)
+    {
+        const LineFact& fact = m_facts.lines[size_t(line)];
+        for (int i = 0; i < m_uses.useCount(line, role); ++i) {
+            const FileUse& use = m_uses.use(line, role, i);
+            const UsedFile& file = m_uses.file(use, 0);
+            if (!isDeadLink(file))
+                continue;
+            const KeyedFolder& folder = m_uses.folders()[size_t(file.path.folder)];
+            if (folder.kind != PathStatus::Kind::Nothing || m_made.contains(folder.key) ||
+                m_linked.contains(folder.key))
+                continue;
+            m_linked.insert(folder.key);
+            m_findings.add(destFolder, fact, fact.columnOf(role),
+                           fmt::format("the {} {} is a link to {}, and the folder {} does not "
+                                       "exist: the file can't be made",
+                                       fieldName(firstPathField + role),
+                                       quoted(m_uses.nameOf(use).text),
+                                       quoted(QString::fromUtf8(file.path.key)),
+                                       quoted(folder.shownPath + '/')));
+        }
+    }
+
     /// A folder of each machine beside the config files: the "_init" file is made on one of them.
     void checkOfMachines(int line, TaskPath role)
     {
@@ -343,6 +333,7 @@ private:
     Findings& m_findings;
     QSet<QByteArray> m_made;
     QSet<QByteArray> m_checked;
+    QSet<QByteArray> m_linked; ///< folders that links lead into
 };
 
 } // namespace
@@ -350,15 +341,12 @@ private:
 void checkFolders(const SeriesFacts& facts, const FileUses& uses, Findings& findings)
 {
     FolderRule folders(facts, uses, findings);
-    for (int line = 0; line < int(facts.lines.size()); ++line) {
-        for (const TaskPath role : {SourcePath, DestPath, LogPath, CsvPath})
-            checkNamedFolder(facts, uses, line, role, findings);
+    for (int line = 0; line < int(facts.lines.size()); ++line)
         folders.check(line);
-    }
     FoldersAndFiles(facts, uses, findings).check();
 }
 
 RuleList folderRules()
 {
-    return {&fileIsFolder, &logIsFolder, &folderIsFile, &destFolder, &destFolderLocal};
+    return {&folderIsFile, &destFolder, &destFolderLocal};
 }

@@ -335,7 +335,7 @@ void InitComparison::reportUnneeded()
         if (!saved)
             saved = namesAfterSave(m_facts);
         if (!saved->contains(QString::fromLatin1(made.name)))
-            m_findings.add(initUnneeded, m_facts.initFile, made.entry.line, 1,
+            m_findings.add(initUnneeded, made.entry.file, made.entry.line, 1,
                            fmt::format("the line makes {}, which no task of the series uses",
                                        quoted(made.path)));
     }

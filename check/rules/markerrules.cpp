@@ -59,7 +59,8 @@ constexpr Rule markerFolder = {
     "marker-folder",
     Severity::Warning,
     "series",
-    "The marker names the next file in another folder: the series was moved after it was saved.",
+    "The marker names the next file in another folder: the series was moved after it was saved. A "
+    "note for the first folder of Windows or of a file server, which this system can't look up.",
     "load and save the series in its new folder",
     series({"mytest.dpc",
             "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
@@ -68,12 +69,25 @@ constexpr Rule markerFolder = {
            {"mytest1.dpc", plainTask}),
     series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
 
-/// In the folder or in its "_wait", by whatever name. The lookups of another system are unknown.
+QString folderIn(const QString& path)
+{
+    return path.left(path.size() - fileNameOf(path).size());
+}
+
+/// One spelling for the folder of a series that a marker of another system names, without "_wait".
+QByteArray foreignFolder(const QString& path)
+{
+    QByteArray folder = foldedPath(folderIn(path).toLatin1());
+    while (folder.endsWith('/'))
+        folder.chop(1);
+    const QByteArray wait = '/' + waitFolder().chopped(1).toLatin1();
+    return folder.endsWith(wait) ? folder.chopped(wait.size()) : folder;
+}
+
+/// In the folder or in its "_wait", by whatever name; not by a path of another system.
 bool isInSeries(const SeriesFacts& facts, const Environment& environment, const QString& path)
 {
-    const QString folder = path.left(path.size() - fileNameOf(path).size());
-    if (isForeignPath(path.toLatin1()))
-        return true;
+    const QString folder = folderIn(path);
     const QString canonical = environment.look(folder).canonical;
     for (const QString& own : {facts.runFolder, facts.runFolder + waitFolder(), facts.name.folder,
                                facts.name.folder + waitFolder()}) {
@@ -117,6 +131,17 @@ public:
         , m_names(facts, thisMachine())
     {}
 
+    /// What the folder of a path of another system holds is unknown here, but a save names the same
+    /// folder in all markers.
+    void noteFolder(const LineFact& marker)
+    {
+        const QString target = m_names.resolve(marker, marker.text);
+        if (!isForeignPath(target.toLatin1()))
+            m_isFolderNamed = m_isFolderNamed || isInSeries(m_facts, m_environment, target);
+        else if (m_foreignFolder.isEmpty())
+            m_foreignFolder = foreignFolder(target);
+    }
+
     void check(const LineFact& marker)
     {
         // One that is cut has its own finding, and so has a folder that can't be read.
@@ -125,7 +150,7 @@ public:
         const int number = m_facts.fileOf(marker).number;
         const QString target = m_names.resolve(marker, marker.text);
         const QString next = seriesFile(QString(), m_facts.name.baseName, number + 1);
-        const bool isElsewhere = !isInSeries(m_facts, m_environment, target);
+        const bool isElsewhere = isInOtherFolder(target);
         if (!m_chain[size_t(number) + 1].exists && !(isElsewhere && m_environment.exists(target)))
             add(lastMarker, marker,
                 fmt::format("the marker names {}, but the series has no file {}: machines wait for "
@@ -143,9 +168,32 @@ public:
                              "for the file there",
                              quoted(target)),
                  adviceToMove()});
+        else if (isForeignPath(target.toLatin1()))
+            sayForeign(marker, target);
     }
 
 private:
+    bool isInOtherFolder(const QString& target) const
+    {
+        return isForeignPath(target.toLatin1())
+                   ? m_isFolderNamed || foreignFolder(target) != m_foreignFolder
+                   : !isInSeries(m_facts, m_environment, target);
+    }
+
+    /// Whether it is the folder of the series, only its user can tell.
+    void sayForeign(const LineFact& marker, const QString& target)
+    {
+        if (m_isForeignSaid)
+            return;
+        m_isForeignSaid = true;
+        add(markerFolder, marker,
+            Message(fmt::format("the marker names the next file as {}, in a folder that this "
+                                "system can't look up: machines wait for the file there",
+                                quoted(target)),
+                    "if the series was moved, " + adviceToMove())
+                .as(Severity::Note));
+    }
+
     void add(const Rule& rule, const LineFact& marker, Message message)
     {
         m_findings.add(rule, marker, marker.column + 1, std::move(message));
@@ -165,6 +213,9 @@ private:
     Findings& m_findings;
     Chain m_chain;
     NameExpander m_names;
+    bool m_isFolderNamed = false; ///< by a marker, in a way that this system can look up
+    QByteArray m_foreignFolder;   ///< of the first marker that this system can't look up
+    bool m_isForeignSaid = false;
 };
 
 constexpr Rule afterMarker = {
@@ -180,16 +231,20 @@ constexpr Rule afterMarker = {
            {"mytest1.dpc", plainTask}),
     series({"mytest.dpc", plainTaskAndMarker}, {"mytest1.dpc", plainTask})};
 
-void checkFileMarkers(const SeriesFacts& facts, const FileFact& file, TargetRule& targets,
-                      Findings& findings)
+/// The first one, which ends the file; null if it has none.
+const LineFact* markerOf(const SeriesFacts& facts, const FileFact& file)
 {
     const auto begin = facts.lines.begin() + file.firstEntry;
     const auto end = facts.lines.begin() + file.endEntry;
     const auto marker = std::find_if(begin, end, isMarker);
-    if (marker == end)
-        return;
-    targets.check(*marker);
-    const auto after = std::find_if(
+    return file.isRead() && !file.isCopy && marker != end ? &*marker : nullptr;
+}
+
+void checkAfterMarker(const SeriesFacts& facts, const FileFact& file, const LineFact* marker,
+                      Findings& findings)
+{
+    const LineFact* const end = facts.lines.data() + file.endEntry;
+    const LineFact* const after = std::find_if(
         marker + 1, end, [](const LineFact& line) { return line.kind != LineFact::Kind::Comment; });
     if (after != end)
         findings.add(
@@ -263,8 +318,14 @@ void checkMarkers(const SeriesFacts& facts, const CheckOptions& options, Finding
 {
     TargetRule targets(facts, options, findings);
     for (const FileFact& file : facts.files) {
-        if (file.isRead() && !file.isCopy)
-            checkFileMarkers(facts, file, targets, findings);
+        if (const LineFact* marker = markerOf(facts, file))
+            targets.noteFolder(*marker);
+    }
+    for (const FileFact& file : facts.files) {
+        if (const LineFact* marker = markerOf(facts, file)) {
+            targets.check(*marker);
+            checkAfterMarker(facts, file, marker, findings);
+        }
         if (file.isRead() && !file.isCopy && options.hosts.size() > 1)
             checkDoneFiles(facts, file, findings);
     }

@@ -111,7 +111,7 @@ private:
     void run(int line, int source, int dest)
     {
         // That is a finding of its own.
-        if (source == dest)
+        if (source == dest || (dest >= 0 && m_uses.files()[size_t(dest)].isDevice()))
             return;
         if (source >= 0) {
             File& read = m_files[size_t(source)];
@@ -229,7 +229,7 @@ void checkInitLine(const SeriesFacts& facts, const FileUses& uses, const InitUse
     // A file that only keeps its folder has no bytes to lose.
     if (!makesAnew || made.name.endsWith(dummyFileName) || isSizeOfTask(facts, uses, file))
         return;
-    findings.add(initOverwrites, facts.initFile, made.entry.line, 1,
+    findings.add(initOverwrites, made.entry.file, made.entry.line, 1,
                  fmt::format("makes {} anew, which exists with {} bytes, in {} KiB: what it holds "
                              "is lost when the _init file is run",
                              quoted(made.name), file.path.size, made.entry.size / bytesPerKib));

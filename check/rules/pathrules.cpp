@@ -198,20 +198,28 @@ constexpr Rule controlCharacter = {
     "control-character",
     Severity::Warning,
     "paths",
-    "A path holds a character that can't be seen: a control character, or a no-break blank at an "
-    "end. It is part of the name.",
+    "A path holds a character that can't be seen: a control character, a soft hyphen, or a "
+    "no-break blank at an end. It is part of the name.",
     "remove the character",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out\t_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
 
+constexpr unsigned char noBreakBlank = 0xA0;
+constexpr unsigned char softHyphen = 0xAD;
+
 void checkCharacters(const LineFact& line, TaskPath which, Findings& findings)
 {
     const QByteArray& path = line.path(which);
-    const char noBreakBlank = '\xA0';
+    // Parts of letters in UTF-8, which has a finding of its own, are no mistake by themselves.
+    const bool isUtf8 = looksLikeUtf8(line.text);
     const auto isHidden = [&](const char& c) {
+        const auto code = static_cast<unsigned char>(c);
         const bool isAtEnd = &c == path.begin() || &c == path.end() - 1;
-        return static_cast<unsigned char>(c) < 32 || c == 127 || (c == noBreakBlank && isAtEnd);
+        const bool isControl = code < 32 || code == 127 || (code > 127 && code < noBreakBlank);
+        return code <= 127 ? isControl
+                           : !isUtf8 && (isControl || code == softHyphen ||
+                                         (code == noBreakBlank && isAtEnd));
     };
     const auto* const found = std::find_if(path.begin(), path.end(), isHidden);
     if (found != path.end())

@@ -40,7 +40,8 @@ constexpr Rule overwritesSeries = {
     "overwrites-series",
     Severity::Error,
     "paths",
-    "A task writes over a config file of the series, or over its _init file.",
+    "A task writes over a config file of the series, over its _init file, or over the file "
+    "dpc.rules of its folder.",
     "name another file",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/mytest.dpc;  "
             "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
@@ -96,7 +97,7 @@ private:
         if (file.isNoFile())
             return;
         const Roles roles = rolesOf(file);
-        if (file.isOwn)
+        if (file.isOwn && !m_facts.isInit)
             sayOwn(file, roles);
         sayDone(file, roles);
         const std::optional<TaskPath> results = either(roles, LogPath, CsvPath);
@@ -166,19 +167,26 @@ private:
                 continue;
             m_saidOwn.insert(place);
             add(overwritesSeries, use,
-                fmt::format("{} is a file of the series itself, which the task overwrites",
-                            quoted(QString::fromUtf8(file.path.key))));
+                fmt::format("{} is {}, which the task overwrites",
+                            quoted(QString::fromUtf8(file.path.key)), kindOfOwn(file)));
         }
+    }
+
+    static const char* kindOfOwn(const UsedFile& file)
+    {
+        return file.path.key.endsWith(configFileExtension)
+                   ? "a file of the series itself"
+                   : "the file that turns rules off, with the reasons";
     }
 
     /// The "_init" file is a part of the series, and may destroy another one.
     void checkMade(const InitUse& made)
     {
-        if (made.entry.isActive && m_uses.files()[size_t(made.file)].isOwn)
-            m_findings.add(overwritesSeries, m_facts.initFile, made.entry.line, 1,
-                           {fmt::format("the line makes {} anew, which is a file of the series "
-                                        "itself",
-                                        quoted(made.name)),
+        const UsedFile& file = m_uses.files()[size_t(made.file)];
+        if (made.entry.isActive && file.isOwn)
+            m_findings.add(overwritesSeries, made.entry.file, made.entry.line, 1,
+                           {fmt::format("the line makes {} anew, which is {}", quoted(made.name),
+                                        kindOfOwn(file)),
                             "remove the line, and correct the name in the task that has it"});
     }
 

@@ -3,7 +3,6 @@
 #include "check/rules/usetexts.h"
 #include "check/savelosses.h"
 #include "check/text.h"
-#include "check/units.h"
 
 #include <fmt/format.h>
 
@@ -36,7 +35,8 @@ void checkSameFile(const SeriesFacts& facts, const FileUses& uses, int line, Fin
         const FileUse& dest = uses.use(line, DestPath, iteration);
         const bool byHost = uses.nameOf(source).byHost || uses.nameOf(dest).byHost;
         for (int machine = 0; machine < (byHost ? int(uses.machines().size()) : 1); ++machine) {
-            if (uses.fileOf(source, machine) != uses.fileOf(dest, machine))
+            if (uses.fileOf(source, machine) != uses.fileOf(dest, machine) ||
+                uses.file(dest, machine).isDevice())
                 continue;
             const LineFact& fact = facts.lines[size_t(line)];
             std::string when = iteration > 0 ? fmt::format(" in iteration {}", iteration) : "";
@@ -271,87 +271,6 @@ private:
     std::string m_advice;
 };
 
-constexpr Rule sourceSize = {
-    "source-size",
-    Severity::Warning,
-    "paths",
-    "Two tasks want the same source in two sizes: the _init file makes one of them only.",
-    "give one of the tasks a source of its own; [cfgID] tells the config files apart",
-    series(
-        {"mytest.dpc",
-         "Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  [cfgPath]/src.dat;  MEMORY;  "
-         "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"
-         "Stream;NOflush;NOprealloc; 50; 1024; -1; 2048;1;0;  [cfgPath]/src.dat;  MEMORY;  "
-         "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"},
-        {"mytest_init.dpc",
-         "Stream;NOflush;NOprealloc;  0;    0; -1; 102400;1;0;  MEMORY;  [cfgPath]/src.dat;  ;  ;  "
-         "true;\n"
-         "Stream;NOflush;NOprealloc;  0;    0; -1; 0;1;0;  MEMORY;  [cfgPath]/dummyFile;  ;  ;  "
-         "true;\n"}),
-    oneFile(plainTask)};
-
-/// Only what the "_init" file makes: of any other file the size is a matter of the disk.
-class SourceSizes
-{
-public:
-    SourceSizes(const SeriesFacts& facts, const FileUses& uses, Findings& findings)
-        : m_facts(facts)
-        , m_uses(uses)
-        , m_findings(findings)
-        , m_firstReader(uses.files().size(), -1)
-        , m_isWritten(uses.files().size(), false)
-    {}
-
-    void check(int line)
-    {
-        bool isSaid = false;
-        for (int i = 0; i < m_uses.useCount(line, SourcePath); ++i) {
-            const FileUse& use = m_uses.use(line, SourcePath, i);
-            if (!m_uses.nameOf(use).byDate)
-                isSaid = checkSource(line, m_uses.fileOf(use, 0), isSaid);
-        }
-        for (int i = 0; i < m_uses.useCount(line, DestPath); ++i)
-            m_isWritten[size_t(m_uses.fileOf(m_uses.use(line, DestPath, i), 0))] = true;
-    }
-
-private:
-    /// Also if the line is still to be written: a save takes every source that does not exist.
-    bool isMadeByInit(const UsedFile& file) const
-    {
-        if (file.init < 0)
-            return !file.exists() && file.path.isSeen && !file.path.namesFolder;
-        const InitEntry& entry = m_uses.init()[size_t(file.init)].entry;
-        return file.exists() ? file.isFile() && file.path.size == entry.size : entry.isActive;
-    }
-
-    bool checkSource(int line, int place, bool isSaid)
-    {
-        const UsedFile& file = m_uses.files()[size_t(place)];
-        if (m_isWritten[size_t(place)] || !isMadeByInit(file))
-            return isSaid;
-        int& first = m_firstReader[size_t(place)];
-        if (first < 0)
-            first = line;
-        const LineFact& one = m_facts.lines[size_t(first)];
-        const LineFact& other = m_facts.lines[size_t(line)];
-        if (one.used.fileSize == other.used.fileSize || isSaid)
-            return isSaid;
-        m_findings.add(
-            sourceSize, other, other.columnOf(FileSizeField),
-            fmt::format("the source {} is wanted with {} KiB here and with {} KiB in {}: the _init "
-                        "file makes one of them only",
-                        quoted(other.path(SourcePath)), other.used.fileSize / bytesPerKib,
-                        one.used.fileSize / bytesPerKib, placeOf(m_facts, first)));
-        return true;
-    }
-
-    const SeriesFacts& m_facts;
-    const FileUses& m_uses;
-    Findings& m_findings;
-    std::vector<int> m_firstReader; ///< of each file, its line
-    std::vector<bool> m_isWritten;
-};
-
 constexpr Rule manyIterations = {
     "many-iterations",
     Severity::Note,
@@ -373,15 +292,13 @@ void checkSources(const SeriesFacts& facts, const FileUses& uses, Findings& find
                                  "iteration are checked",
                                  facts.nameCount));
     SourceRules sources(facts, uses, findings);
-    SourceSizes sizes(facts, uses, findings);
     for (int line = 0; line < int(facts.lines.size()); ++line) {
         checkSameFile(facts, uses, line, findings);
         sources.check(line);
-        sizes.check(line);
     }
 }
 
 RuleList sourceRules()
 {
-    return {&sameFile, &sourceMissing, &sourceDate, &sourceLocal, &sourceSize, &manyIterations};
+    return {&sameFile, &sourceMissing, &sourceDate, &sourceLocal, &manyIterations};
 }

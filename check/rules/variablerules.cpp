@@ -176,11 +176,13 @@ const char* likenessOf(const QString& word)
 
 void checkOtherNotation(const VariableText& path, Findings& findings)
 {
-    // ${x}, $(x), {x}, <x>, %x% and $X; of a small word after "$" only those that have a likeness.
+    // ${x}, $(x), {x}, <x>, %x%, !x!, @x@ and $X; of a small word after "$" only those that have a
+    // likeness. (date) and (temp) may be meant so, (host) hardly.
     static const QRegularExpression pattern(
-        R"(\$\{(\w+)\}|\$\((\w+)\)|\{(\w+)\}|<(\w+)>|%(\w+)%|\$([A-Za-z_]\w+))");
-    if (path.text.indexOf('$') < 0 && path.text.indexOf('{') < 0 && path.text.indexOf('<') < 0 &&
-        path.text.indexOf('%') < 0)
+        R"(\$\{(\w+)\}|\$\((\w+)\)|\{(\w+)\}|<(\w+)>|%(\w+)%|!(\w+)!|@(\w+)@|\$([A-Za-z_]\w+))"
+        R"(|\(((?:host|iter|cfg)\w*)\))",
+        QRegularExpression::CaseInsensitiveOption);
+    if (path.text.toStdString().find_first_of("${<%!@(") == std::string::npos)
         return;
     auto matches = pattern.globalMatch(QString::fromLatin1(path.text));
     while (matches.hasNext()) {

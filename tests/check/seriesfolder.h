@@ -72,6 +72,13 @@ public:
             m_folders.insert(path.left(end));
     }
 
+    /// A pipe, a disk or another special file.
+    void setSpecial(const QString& path, PathStatus::Kind kind)
+    {
+        setExisting(path);
+        m_special.insert(path, kind);
+    }
+
     /// As the editor saves a list.
     void save(TaskList tasks, const char* baseName = "a")
     {
@@ -178,7 +185,7 @@ private:
         const QString name = path.endsWith('/') ? path.chopped(1) : path;
         const auto file = m_existing.constFind(name);
         if (file != m_existing.cend())
-            status.kind = PathStatus::Kind::File;
+            status.kind = m_special.value(name, PathStatus::Kind::File);
         else if (m_folders.contains(name))
             status.kind = PathStatus::Kind::Folder;
         else
@@ -192,6 +199,7 @@ private:
     QTemporaryDir m_folder;
     QString m_root;
     QHash<QString, qint64> m_existing; ///< path and size
+    QHash<QString, PathStatus::Kind> m_special;
     QSet<QString> m_folders;
     CheckOptions m_options;
     Environment m_real = realEnvironment();

@@ -47,6 +47,10 @@ private slots:
         QVERIFY(!look("dead").exists());
         QCOMPARE(look("dead").canonical, QFileInfo(m_root).canonicalFilePath() + "/nowhere");
         QCOMPARE(look("dead").whyUnreadable, std::string("it is a link that leads nowhere"));
+        QVERIFY(QFile::link("dead", m_root + "first"));
+        QCOMPARE(look("first").canonical, look("dead").canonical);
+        QVERIFY(QFile::link("none/x", m_root + "far"));
+        QCOMPARE(look("far").canonical, m_root + "none/x");
         QVERIFY(QFile::link("loop", m_root + "loop"));
         QCOMPARE(look("loop").whyUnreadable, std::string("it is a link that leads back to itself"));
     }
@@ -68,9 +72,10 @@ private slots:
     void pipesAreNotOpened()
     {
         QCOMPARE(::mkfifo(QFile::encodeName(m_root + "pipe").constData(), 0600), 0);
-        QCOMPARE(look("pipe").kind, PathStatus::Kind::Other);
+        QCOMPARE(look("pipe").kind, PathStatus::Kind::Pipe);
         QVERIFY(look("pipe").exists());
         QCOMPARE(look("pipe").whyUnreadable, std::string("it is a pipe"));
+        QCOMPARE(m_real.look("/dev/null").kind, PathStatus::Kind::Device);
         QCOMPARE(m_real.look("/dev/null").whyUnreadable, std::string("it is a device"));
     }
 

@@ -66,6 +66,60 @@ private slots:
         QCOMPARE(m_series->said({}, "a_init.dpc"), QStringList());
     }
 
+    /// Whether the file of the series was chosen, or the _init file.
+    void linesOfTheInitFileThatMakeAFileInTwoSizes()
+    {
+        m_series->put("a.dpc", reading("[cfgPath]/s.dat"));
+        const QStringList found{"a_init.dpc:2:1 source-size"};
+        for (const QByteArray& lines :
+             {making("[cfgPath]/s.dat") + making("[cfgPath]/s.dat", 2048),
+              making("[cfgPath]/s.dat", 2048) + making("[cfgPath]/s.dat"),
+              making("[cfgPath]/s.dat", 2048) + making("[cfgPath]s.dat"),
+              making("[cfgPath]/s.dat", 2048) + making(m_series->root().toLatin1() + "s.dat")}) {
+            m_series->put("a_init.dpc", lines + dummy);
+            QCOMPARE(m_series->said(), found);
+            QCOMPARE(m_series->said({}, "a_init.dpc"), found);
+        }
+        for (const QByteArray& lines :
+             {making("[cfgPath]/s.dat") + "# " + making("[cfgPath]/s.dat", 2048),
+              "# " + making("[cfgPath]/s.dat", 2048) + making("[cfgPath]/s.dat"),
+              making("[cfgPath]/s.dat") + making("[cfgPath]/dummyFile", 1)}) {
+            m_series->put("a_init.dpc", lines + dummy);
+            QCOMPARE(m_series->said(), QStringList());
+            QCOMPARE(m_series->said({}, "a_init.dpc"), QStringList());
+        }
+    }
+
+    void lastLineOfTheInitFileLeavesTheSize()
+    {
+        m_series->put("a.dpc", reading("[cfgPath]/s.dat", 2048));
+        m_series->put("a_init.dpc",
+                      making("[cfgPath]/s.dat") + making("[cfgPath]/s.dat", 2048) + dummy);
+        m_series->setExisting(m_series->root() + "s.dat", qint64(2048) * 1024);
+        QCOMPARE(m_series->said({"init-overwrites"}), QStringList());
+        m_series->setExisting(m_series->root() + "s.dat", qint64(1024) * 1024);
+        QCOMPARE(m_series->said({"init-overwrites"}),
+                 QStringList{"a_init.dpc:2:1 init-overwrites"});
+    }
+
+    /// As if a file of the series had been chosen.
+    void initFileByItselfIsJudgedLikeAnyOther()
+    {
+        m_series->put("a.dpc", reading("[cfgPath]/s.dat"));
+        m_series->put("a_init.dpc", making("[cfgPath]/s.dat") + dummy);
+        QCOMPARE(m_series->said({}, "a_init.dpc"), QStringList());
+        m_series->setExisting(m_series->root() + "s.dat", 3);
+        QCOMPARE(m_series->said(), QStringList{"a_init.dpc:1:1 init-overwrites"});
+        QCOMPARE(m_series->said({}, "a_init.dpc"), m_series->said());
+        m_series->put("a_init.dpc", making("[cfgPath]/a.dpc") + dummy);
+        QCOMPARE(m_series->said({"overwrites-series"}),
+                 QStringList{"a_init.dpc:1:1 overwrites-series"});
+        QCOMPARE(m_series->said({"overwrites-series"}, "a_init.dpc"),
+                 m_series->said({"overwrites-series"}));
+        QCOMPARE(m_series->text("overwrites-series", "a_init.dpc"),
+                 m_series->text("overwrites-series"));
+    }
+
     void initFileThatMakesAFileAnew()
     {
         m_series->put("a.dpc", reading("[cfgPath]/s.dat"));

@@ -52,6 +52,34 @@ private slots:
         QCOMPARE(list.names().join(' '), names);
     }
 
+    void repeatedNamesAreTold_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("repeated");
+        QTest::addColumn<int>("count");
+        QTest::newRow("none") << "pc1,pc01,pc1.lan" << QString() << 0;
+        QTest::newRow("twice") << "pc1,pc2,pc1"
+                               << "pc1 is named twice, and counts once" << 1;
+        QTest::newRow("in a range") << "pc[1-2,2]"
+                                    << "pc2 is named twice, and counts once" << 1;
+        QTest::newRow("ranges that overlap")
+            << "p[1-9],p[7-12]"
+            << "p7 is named twice, and counts once (and so on for 2 more)" << 3;
+        QTest::newRow("capitals") << "PC1,x,pc1"
+                                  << "PC1 and pc1 differ in capitals only, and may be one machine"
+                                  << 1;
+    }
+
+    void repeatedNamesAreTold()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, repeated);
+        const MachineList list = machinesNamed({text});
+        QCOMPARE(list.problem, std::string());
+        QCOMPARE(QString::fromStdString(list.repeated), repeated);
+        QTEST(list.repeatedCount, "count");
+    }
+
     void whatNamesNoMachineIsAProblem_data()
     {
         QTest::addColumn<QString>("text");
@@ -147,6 +175,12 @@ private slots:
         QTest::newRow("range with an address")
             << QByteArray("pc[1-2]=ip:a,1\n")
             << ", line 1: 'pc[1-2]' is a range, and a range can't have one address";
+        QTest::newRow("two addresses")
+            << QByteArray("pc1=ip:a,1\npc2\npc1=ip:b,1\n")
+            << ", line 3: 'pc1' is there twice, with another address or folder";
+        QTest::newRow("folder after a range")
+            << QByteArray("pc[1-9]\npc7 temp=/scratch\n")
+            << ", line 2: 'pc7' is there twice, with another address or folder";
         QTest::newRow("too many") << QByteArray("pc[0-999999]\n")
                                   << ", line 1: more than 100000 machines";
         QTest::newRow("too large")

@@ -45,12 +45,43 @@ private slots:
                  0);
     }
 
-    void markerOfAnotherSystemIsNotJudged()
+    /// It may be the folder of the series, as that system sees it.
+    void markerOfAnotherSystemIsANote()
     {
         m_series->put("a1.dpc", goodLine());
-        for (const char* path : {"//nas/test/_wait/a1.dpc", "\\\\nas\\test\\a1.dpc", "S:\\a1.dpc"})
-            QCOMPARE(m_series->hits("marker-folder", goodLine() + path + "\n"), 0);
+        for (const char* path :
+             {"//nas/test/_wait/a1.dpc", "\\\\nas\\test\\a1.dpc", "S:\\a1.dpc"}) {
+            QCOMPARE(m_series->hits("marker-folder", goodLine() + path + "\n"), 1);
+            QCOMPARE(m_series->severity("marker-folder"), Severity::Note);
+        }
         QCOMPARE(m_series->hits("marker-target", goodLine() + "S:\\a2.dpc\n"), 1);
+        QCOMPARE(m_series->said({"marker-folder"}), QStringList());
+    }
+
+    /// A save names one folder in all of them.
+    void markersOfAnotherSystemThatNameSeveralFolders()
+    {
+        m_series->put("a2.dpc", goodLine());
+        const auto warnings = [&](const QByteArray& first, const QByteArray& second) {
+            m_series->put("a.dpc", goodLine() + first + "a1.dpc\n");
+            m_series->put("a1.dpc", goodLine() + second + "a2.dpc\n");
+            QStringList places;
+            for (const Finding& finding : m_series->findings()) {
+                if (QByteArray(finding.rule->name) == "marker-folder" &&
+                    finding.severity == Severity::Warning)
+                    places += QFileInfo(finding.path).fileName();
+            }
+            return places.join(' ');
+        };
+        QCOMPARE(warnings("S:\\x\\", "S:\\x\\"), QString());
+        QCOMPARE(m_series->said({"marker-folder"}), QStringList{"a.dpc:2:1 marker-folder"});
+        QCOMPARE(warnings("S:\\x\\_wait\\", "s:/X/"), QString());
+        QCOMPARE(warnings("//nas/x/", "\\\\NAS\\x\\_wait\\"), QString());
+        QCOMPARE(warnings("S:\\x\\", "S:\\y\\"), QString("a1.dpc"));
+        QCOMPARE(warnings("S:\\x\\", "//nas/x/"), QString("a1.dpc"));
+        QCOMPARE(warnings("[cfgPath]/", "S:\\x\\"), QString("a1.dpc"));
+        QCOMPARE(warnings("\\\\nas\\x\\", m_series->root().toLatin1() + "_wait/"),
+                 QString("a.dpc"));
     }
 
     void markerToAFileThatIsElsewhere()

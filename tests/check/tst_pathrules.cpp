@@ -58,14 +58,29 @@ private slots:
             writing("/d/x].dat"));
         row("variable without its end before another", "unknown-variable",
             writing("/d/[iter_[host]"), writing("/d/[x_[host]"));
-        for (const char* path : {"/d/{host}", "/d/${HOST}", "/d/$HOSTNAME", "/d/%COMPUTERNAME%",
-                                 "/d/<host>", "/d/$(hostname)"})
-            row(path, "other-notation", writing(path), writing("/d/a$b{c}d<e>f%g%"));
+        for (const char* path :
+             {"/d/{host}", "/d/${HOST}", "/d/$HOSTNAME", "/d/%COMPUTERNAME%", "/d/<host>",
+              "/d/$(hostname)", "/d/(host)", "/d/(cfgName)", "/d/!hostname!", "/d/@HOST@"})
+            row(path, "other-notation", writing(path),
+                writing("/d/a$b{c}d<e>f%g%(h)!i!@j@(date)(my temp)"));
         row("temporary folder without a separator", "folder-variable", writing("[temp]x"),
             writing("[temp]/x"));
         row("folder inside of a path", "folder-variable", writing("/d/[cfgPath]/x"),
             writing("[cfgPath]x"));
         row("control character", "control-character", writing("/d/a\tb"), writing("/d/a b"));
+        row("C1 control character", "control-character",
+            writing("/d/a\x85"
+                    "b"),
+            writing("/d/a\xE4\xDF"
+                    "b"));
+        row("soft hyphen", "control-character",
+            writing("/d/a\xAD"
+                    "b"),
+            writing("/d/a\xA7\xB0"
+                    "b"));
+        // One letter in UTF-8.
+        row("C1 control character beside a letter", "control-character", writing("/d/\xE4\x9F"),
+            writing("/d/\xC3\x9F"));
         row("no-break blank at the end", "control-character", writing("/d/a\xA0"),
             writing("/d/a\xA0"
                     "b"));

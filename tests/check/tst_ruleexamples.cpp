@@ -114,8 +114,11 @@ private:
                 folder.put(QString::fromUtf8(expandedName(file)),
                            expanded(file.content).repeated(file.times));
         }
-        if (!example.existing.empty())
-            folder.setExisting(bytesOf(example.existing), example.existingKib * 1024);
+        const QString existing = bytesOf(example.existing);
+        if (existing.endsWith('|'))
+            folder.setSpecial(existing.chopped(1), PathStatus::Kind::Pipe);
+        else if (!existing.isEmpty())
+            folder.setExisting(existing, example.existingKib * 1024);
         folder.options().hosts = QString(bytesOf(example.machines)).split(',', Qt::SkipEmptyParts);
         folder.options().environment.space = [&](const QString&) {
             return std::optional<DiskSpace>({1, example.freeMib * 1024 * 1024});

@@ -9,6 +9,82 @@ class TestUseRules : public QObject
 private slots:
     void init() { m_series.reset(new SeriesFolder); }
 
+    void specialFiles()
+    {
+        const QByteArray special = m_series->root().toLatin1() + "special";
+        const QByteArrayList lines = {reading(special), writing(special),
+                                      withLog("[cfgPath]/[host].dat", special), withCsv(special)};
+        m_series->put("a_init.dpc", dummy);
+        for (const PathStatus::Kind kind : {PathStatus::Kind::Pipe, PathStatus::Kind::Socket}) {
+            m_series->setSpecial(special, kind);
+            for (const QByteArray& line : lines) {
+                QCOMPARE(m_series->hits("special-file", line), 1);
+                QCOMPARE(m_series->said().size(), 1);
+                QCOMPARE(m_series->severity("special-file"), Severity::Error);
+            }
+        }
+        m_series->setSpecial(special, PathStatus::Kind::Disk);
+        QCOMPARE(m_series->hits("special-file", reading(special)), 0);
+        QCOMPARE(m_series->hits("special-file", writing(special)), 1);
+        QCOMPARE(m_series->severity("special-file"), Severity::Warning);
+    }
+
+    /// Only this machine's folder for temporary files has a name that is known.
+    void namesThatMeetInTheTemporaryFolder()
+    {
+        const QByteArray temp = QDir::tempPath().toLatin1();
+        const QByteArray lines = task(temp + "/x", "[temp]/x");
+        QCOMPARE(m_series->hits("same-file", lines), 1);
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+        QCOMPARE(m_series->hits("same-file", lines), 0);
+        QCOMPARE(m_series->hits("same-file", task("[temp]/e/../x", "[temp]/x")), 1);
+        QCOMPARE(m_series->hits("results-over-data", withLog(temp + "/x", "[temp]/x")), 0);
+        QCOMPARE(m_series->hits("results-over-data", withLog("[temp]/x", "[temp]\\x")), 1);
+    }
+
+    /// Nothing is lost in it, and nothing meets there.
+    void devicesThatHoldNoBytesMayBeNamed()
+    {
+        const QByteArray null = m_series->root().toLatin1() + "null";
+        m_series->setSpecial(null, PathStatus::Kind::Device);
+        m_series->put("a_init.dpc", dummy);
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+        for (const QByteArray& lines :
+             {writing(null), reading(null), task(null, null), reading(null) + writing(null),
+              withLog(null, null), task("MEMORY", null, 1024, 1, null, null)}) {
+            m_series->put("a.dpc", lines);
+            QCOMPARE(m_series->said({"special-file", "same-file", "overwrites-source",
+                                     "results-over-data", "log-is-csv", "shared-output",
+                                     "shared-results", "maybe-shared"}),
+                     QStringList());
+        }
+        QCOMPARE(m_series->hits("folder-is-file", writing(null + "/x")), 1);
+    }
+
+    void linksIntoFoldersThatDoNotExist()
+    {
+        m_series->put("a_init.dpc", dummy);
+        const QString link = m_series->root() + "link";
+        QVERIFY(QFile::link("none/x", link));
+        for (const QByteArray& name : {QByteArray("[cfgPath]/link"), link.toLatin1()}) {
+            for (const QByteArray& line :
+                 {writing(name), withLog("[cfgPath]/[host].dat", name), withCsv(name)}) {
+                QCOMPARE(m_series->hits("dest-folder", line), 1);
+                QCOMPARE(m_series->said().size(), 1);
+            }
+        }
+        m_series->put("a_init.dpc", making("[cfgPath]/none/dummyFile", 0) + dummy);
+        QCOMPARE(m_series->hits("dest-folder", writing("[cfgPath]/link")), 0);
+        QCOMPARE(m_series->said(), QStringList());
+        QVERIFY(QDir(m_series->root()).mkdir("none"));
+        m_series->put("a_init.dpc", dummy);
+        QCOMPARE(m_series->hits("dest-folder", writing("[cfgPath]/link")), 0);
+        // The file that it makes is a folder for another task.
+        QVERIFY(QDir(m_series->root()).rmdir("none"));
+        m_series->put("a.dpc", writing("[cfgPath]/link") + writing("[cfgPath]/none"));
+        QVERIFY(m_series->said().contains("a.dpc:2:62 folder-is-file"));
+    }
+
     /// Lines in which one rule finds something, and lines in which none does.
     void oneRuleHitsAndNoneMisses_data()
     {
@@ -63,6 +139,10 @@ private slots:
             withLog("[cfgPath]/x_[host].dat", "[cfgPath]/[cfgName]_init.txt"));
         row("csv is the next config file", "overwrites-series", withCsv("[cfgPath]/a1.dpc"),
             withCsv("[cfgPath]/a1.csv"));
+        row("destination is the file of rules", "overwrites-series", writing("[cfgPath]/dpc.rules"),
+            writing("[cfgPath]/dpc.rule"));
+        row("csv is the file of rules", "overwrites-series", withCsv("[cfgPath]/x/../dpc.rules"),
+            withCsv("[cfgPath]/_wait/dpc.rules"));
         row("two sizes", "source-size",
             reading("[cfgPath]/s.dat") + reading("[cfgPath]/s.dat", 2048),
             reading("[cfgPath]/s.dat") + reading("[cfgPath]/s.dat"), source);
