@@ -76,18 +76,23 @@ bool isFailure(const std::vector<Finding>& findings, bool warningsAreErrors)
            (warningsAreErrors && countOf(findings, Severity::Warning) > 0);
 }
 
-/// Does not let a single name pass for a list of machines.
-bool needsRemark(const CheckRequest& request)
+/// Does not let a single name pass for a list of machines, nor one name for two.
+bool isRemark(const CheckRequest& request, const NotChecked& item)
 {
-    return request.options.hosts.size() == 1;
+    return item.what == "repeated-hosts" ||
+           (item.what == "collisions" && request.options.hosts.size() == 1);
 }
 
 void printSummary(const CheckRequest& request, const CheckExtent& extent, const Output& output)
 {
-    if (request.summary || output.isErrTerminal)
+    if (request.summary || output.isErrTerminal) {
         output.err << extentAsText(extent) << '\n';
-    else if (needsRemark(request))
-        output.err << "dpc: " << extent.notChecked.front().text << '\n';
+        return;
+    }
+    for (const NotChecked& item : extent.notChecked) {
+        if (isRemark(request, item))
+            output.err << "dpc: " << item.text << '\n';
+    }
 }
 
 void print(const CheckRequest& request, const CheckResult& result, const Output& output)
@@ -121,7 +126,10 @@ int run(const Arguments& arguments, const Output& output)
     }
     CheckRequest request;
     request.paths = arguments.operands();
-    request.options.hosts = namesOf(machinesOf(arguments));
+    const MachineList machines = machinesOf(arguments);
+    request.options.hosts = machines.names();
+    request.options.repeatedHosts = machines.repeated;
+    request.options.repeatedHostCount = machines.repeatedCount;
     request.options.rulesOff = rulesOff(arguments);
     request.format = arguments.value(format);
     request.quiet = arguments.has(quiet);

@@ -5,42 +5,40 @@
 namespace {
 
 /// Adds the machines that are not there yet, and refuses a list that can't be used.
-void add(std::vector<Machine>& machines, const MachineList& more, const Option& option)
+void add(MachineList& list, const MachineList& more, const Option& option)
 {
     if (!more.problem.empty())
         throw UsageError(option, more.problem);
     std::set<QString> known;
-    for (const Machine& machine : machines)
+    for (const Machine& machine : list.machines)
         known.insert(machine.name);
     for (const Machine& machine : more.machines) {
         if (known.insert(machine.name).second)
-            machines.push_back(machine);
+            list.machines.push_back(machine);
     }
+    if (list.repeatedCount == 0)
+        list.repeated = more.repeated;
+    list.repeatedCount += more.repeatedCount;
 }
 
 } // namespace
 
-std::vector<Machine> machinesOf(const Arguments& arguments)
+MachineList machinesOf(const Arguments& arguments)
 {
-    std::vector<Machine> machines;
+    MachineList list;
     if (arguments.has(machinesOption)) {
         if (arguments.has(hostsOption) || arguments.has(hostsFileOption))
             throw UsageError(machinesOption, "can't stand beside --hosts or --hosts-file");
-        add(machines, numberedMachines(arguments.number(machinesOption)), machinesOption);
+        add(list, numberedMachines(arguments.number(machinesOption)), machinesOption);
     }
     // The file first: it may tell more about a machine than its name.
     if (arguments.has(hostsFileOption))
-        add(machines, machinesInFile(decoded(arguments.value(hostsFileOption))), hostsFileOption);
+        add(list, machinesInFile(decoded(arguments.value(hostsFileOption))), hostsFileOption);
     if (arguments.has(hostsOption)) {
         QStringList texts;
         for (const std::string& text : arguments.values(hostsOption))
             texts += decoded(text);
-        add(machines, machinesNamed(texts), hostsOption);
+        add(list, machinesNamed(texts), hostsOption);
     }
-    return machines;
-}
-
-QStringList namesOf(const std::vector<Machine>& machines)
-{
-    return MachineList{machines, {}}.names();
+    return list;
 }

@@ -31,7 +31,4 @@ inline constexpr Option colorOption{
 
 /// The machines that the three options give, each name once; none if no option is given. Throws
 /// UsageError for options that name no machine.
-std::vector<Machine> machinesOf(const Arguments& arguments);
-
-/// The names alone.
-QStringList namesOf(const std::vector<Machine>& machines);
+MachineList machinesOf(const Arguments& arguments);

@@ -38,7 +38,7 @@ std::vector<PlanMachine> planMachinesOf(const Arguments& arguments)
 {
     std::vector<PlanMachine> machines;
     QHash<QByteArray, QString> users;
-    for (const Machine& machine : machinesOf(arguments)) {
+    for (const Machine& machine : machinesOf(arguments).machines) {
         PlanMachine planned;
         planned.name = machine.name;
         planned.address = absoluteAddress(machine);

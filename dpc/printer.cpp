@@ -157,7 +157,7 @@ std::string extentAsText(const CheckExtent& extent)
     std::vector<std::string> rest;
     for (const NotChecked& item : extent.notChecked) {
         // A sentence by itself.
-        if (item.what == "collisions")
+        if (item.what == "collisions" || item.what == "repeated-hosts")
             text += "; " + item.text;
         else
             rest.push_back(item.text);

@@ -19,7 +19,7 @@ outputs = {
     "check": [
         ["check", "form"], ["check", "good"], ["check", "broken"], ["check", "nowhere"],
         ["check", "form", "nowhere"], ["check", "--machines", "3", "hostile"],
-        ["check", "--hosts", "a", "--no-rule", "winapi", "many"],
+        ["check", "--hosts", "a,a", "--no-rule", "winapi", "many"],
     ],
     "rules": [["check", "--list-rules"]],
     "show": [["show", "good"], ["show", "broken/broken.dpc"], ["show", "--expand", "form"]],

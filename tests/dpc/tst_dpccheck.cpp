@@ -128,6 +128,12 @@ private slots:
                     .endsWith("dpc: 1 machine given: collisions not checked\n"));
         QCOMPARE(errors({"--hosts=a", "-q"}, false), QString());
         QVERIFY(!errors({"--hosts=a,b"}, false).contains("machine given"));
+        // So does a name that is there twice: often another one is meant.
+        QVERIFY(
+            errors({"--hosts=a,b,a"}, false).endsWith("dpc: a is named twice, and counts once\n"));
+        QVERIFY(errors({"--hosts=a,b,a"}, true)
+                    .endsWith("2 machines; a is named twice, and counts once\n"));
+        QCOMPARE(errors({"--hosts=a,b,a", "-q"}, false), QString());
     }
 
     void jsonHoldsTheSameAsTheSummary()
