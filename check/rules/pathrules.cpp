@@ -176,9 +176,7 @@ private:
     /// Windows characters.
     int longestNameIn(const LineFact& line, const QByteArray& path)
     {
-        constexpr int bytesPerCharacter = 2; // of Latin-1 in UTF-8
-        if ((path.size() + maxVariables(path) * m_names.longestValue()) * bytesPerCharacter <=
-            maxNameBytes)
+        if (m_names.mostBytesInName(path) <= maxNameBytes)
             return 0;
         const QString full =
             m_names.resolve(line, path, std::max(line.used.iterations - 1, 0)).replace('\\', '/');
