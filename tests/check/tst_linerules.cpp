@@ -19,6 +19,9 @@ private slots:
         };
         row("method", "bad-line", goodLine({{1, "Posx"}}));
         row("number", "bad-line", goodLine({{9, "2x"}}));
+        row("no method", "bad-line", goodLine({{1, ""}}));
+        row("marker with more behind it", "bad-line", goodLine() + "/x/a1.dpc more\n",
+            goodLine() + "/x/a1.dpc\n");
         row("indented comment", "bad-line", " # comment\n", "# comment\n" + goodLine());
         row("winapi", "winapi", goodLine({{1, "WinApi"}}));
         row("fields", "missing-fields",
