@@ -209,15 +209,15 @@ constexpr unsigned char softHyphen = 0xAD;
 void checkCharacters(const LineFact& line, TaskPath which, Findings& findings)
 {
     const QByteArray& path = line.path(which);
-    // Parts of letters in UTF-8, which has a finding of its own, are no mistake by themselves.
-    const bool isUtf8 = looksLikeUtf8(line.text);
     const auto isHidden = [&](const char& c) {
         const auto code = static_cast<unsigned char>(c);
+        if (code <= 127)
+            return code < 32 || code == 127;
         const bool isAtEnd = &c == path.begin() || &c == path.end() - 1;
-        const bool isControl = code < 32 || code == 127 || (code > 127 && code < noBreakBlank);
-        return code <= 127 ? isControl
-                           : !isUtf8 && (isControl || code == softHyphen ||
-                                         (code == noBreakBlank && isAtEnd));
+        const bool isUnseen =
+            code < noBreakBlank || code == softHyphen || (code == noBreakBlank && isAtEnd);
+        // Parts of letters in UTF-8 are a mistake of their own.
+        return isUnseen && !looksLikeUtf8(line.text);
     };
     const auto* const found = std::find_if(path.begin(), path.end(), isHidden);
     if (found != path.end())
