@@ -193,8 +193,12 @@ private:
     /// True for the name of a done file on a machine of the series.
     bool isDoneName(const UsedName& name) const
     {
-        const int start = std::max(name.text.lastIndexOf('/'), name.text.lastIndexOf('\\')) + 1;
-        const QByteArray last = name.text.mid(start);
+        const auto isSeparator = [](char c) { return c == '/' || c == '\\'; };
+        const int length = int(std::find_if(name.text.rbegin(), name.text.rend(), isSeparator) -
+                               name.text.rbegin());
+        const char* const last = name.text.constData() + name.text.size() - length;
+        if (!std::equal(donePrefix, donePrefix + qstrlen(donePrefix), last))
+            return false;
         return last == donePrefix + QByteArray(hostVariable) ||
                (m_uses.givenMachines() > 0 && m_doneNames.contains(last));
     }
