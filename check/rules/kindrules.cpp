@@ -75,7 +75,7 @@ constexpr Rule specialFile = {
                  oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
                          "/data/out;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"))};
 
-/// What is wrong with a file of this kind, as the end of a sentence; null if nothing is.
+/// The fault of a file of this kind, as the end of a sentence; null if nothing is.
 const char* faultOfKind(PathStatus::Kind kind, TaskPath role)
 {
     switch (kind) {

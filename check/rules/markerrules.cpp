@@ -131,8 +131,8 @@ public:
         , m_names(facts, thisMachine())
     {}
 
-    /// What the folder of a path of another system holds is unknown here, but a save names the same
-    /// folder in all markers.
+    /// The files in the folder of a path of another system are unknown here, but a save names the
+    /// same folder in all markers.
     void noteFolder(const LineFact& marker)
     {
         const QString target = m_names.resolve(marker, marker.text);
