@@ -13,6 +13,7 @@
 class UsedPaths
 {
 public:
+    /// Of all tasks. Nothing refers to the arguments afterwards.
     UsedPaths(const SeriesFacts& facts, const FileUses& uses);
 
     /// True if a task uses the file, or a file below it. A file that is only there to make its
