@@ -34,6 +34,14 @@ public:
     QString infoText() const { return find<QPlainTextEdit>("textInfo")->toPlainText(); }
     QTableWidget* table() const { return find<QTableWidget>("tableWidget"); }
 
+    /// Focus moves only in a window that has it itself.
+    void activate()
+    {
+        window.activateWindow();
+        if (!QTest::qWaitForWindowActive(&window))
+            qFatal("the window never became active");
+    }
+
     void click(const char* button) { clickButton(find<QAbstractButton>(button)); }
 
     /// Brings a check box or radio button into the state, by a click if it is in the other.

@@ -1,4 +1,3 @@
-#include "app/tablefocus.h"
 #include "tests/app/editor.h"
 
 #include <QAccessible>
@@ -59,24 +58,16 @@ bool isReadBefore(const QRect& first, const QRect& second, int rightColumn)
     return sameRow ? first.left() < second.left() : first.top() < second.top();
 }
 
-/// Focus moves only in a window that has it itself.
-void activate(twDiskProbe& window)
-{
-    window.activateWindow();
-    if (!QTest::qWaitForWindowActive(&window))
-        qFatal("the window never became active");
-}
-
 /// Everything that Tab, or another key, comes to until it is back at where it began.
-QVector<QWidget*> walk(twDiskProbe& window, QWidget* first, Qt::Key key)
+QVector<QWidget*> walk(Editor& editor, QWidget* first, Qt::Key key)
 {
-    activate(window);
+    editor.activate();
     first->setFocus(Qt::TabFocusReason);
     QVector<QWidget*> visited;
     do {
-        visited += window.focusWidget();
-        pressKey(window, key);
-    } while (window.focusWidget() != first && visited.size() < 100);
+        visited += editor.window.focusWidget();
+        pressKey(editor.window, key);
+    } while (editor.window.focusWidget() != first && visited.size() < 100);
     return visited;
 }
 
@@ -153,7 +144,7 @@ private slots:
         editor.window.resize(1900, 1300);
         editor.addWriteTask("/t/a");
         auto* first = editor.find<QWidget>("textInfo");
-        const QVector<QWidget*> visited = walk(editor.window, first, Qt::Key_Tab);
+        const QVector<QWidget*> visited = walk(editor, first, Qt::Key_Tab);
         const int rightColumn = placeOf(editor.find<QWidget>("label_13")).left();
         for (int i = 1; i < visited.size(); ++i)
             QVERIFY2(isReadBefore(placeOf(visited[i - 1]), placeOf(visited[i]), rightColumn),
@@ -167,7 +158,7 @@ private slots:
         editor.addWriteTask("/t/a");
         editor.addWriteTask("/t/b");
         auto* first = editor.find<QWidget>("textInfo");
-        QVector<QWidget*> visited = walk(editor.window, first, Qt::Key_Tab);
+        QVector<QWidget*> visited = walk(editor, first, Qt::Key_Tab);
         QStringList missed;
         for (QWidget* widget : controls(editor.window))
             if (widget->isEnabled() && visited.count(widget) != 1)
@@ -176,7 +167,7 @@ private slots:
         QCOMPARE(missed, QStringList{"radioNextConfig"});
 
         std::reverse(visited.begin() + 1, visited.end());
-        QCOMPARE(walk(editor.window, first, Qt::Key_Backtab), visited);
+        QCOMPARE(walk(editor, first, Qt::Key_Backtab), visited);
     }
 
     void tabComesToTheChosenKindOfTask()
@@ -185,8 +176,7 @@ private slots:
         auto* marker = editor.find<QWidget>("radioNextConfig");
         auto* task = editor.find<QWidget>("radioNewTest");
         const auto visits = [&](QWidget* widget) {
-            return walk(editor.window, editor.find<QWidget>("textInfo"), Qt::Key_Tab)
-                .contains(widget);
+            return walk(editor, editor.find<QWidget>("textInfo"), Qt::Key_Tab).contains(widget);
         };
         QVERIFY(visits(task) && !visits(marker));
         editor.check("radioNextConfig");
@@ -203,124 +193,6 @@ private slots:
         QTest::mouseMove(marker, QPoint(10, -40));
         QTest::mouseRelease(marker, Qt::LeftButton, {}, QPoint(10, -40));
         QVERIFY(visits(task) && !visits(marker));
-    }
-
-    void tabIntoTheTableMakesNoRowCurrent_data()
-    {
-        QTest::addColumn<int>("reason");
-        QTest::newRow("Tab") << int(Qt::TabFocusReason);
-        QTest::newRow("Backtab") << int(Qt::BacktabFocusReason);
-        QTest::newRow("window") << int(Qt::ActiveWindowFocusReason);
-        QTest::newRow("shortcut") << int(Qt::ShortcutFocusReason);
-        QTest::newRow("other") << int(Qt::OtherFocusReason);
-    }
-
-    void tabIntoTheTableMakesNoRowCurrent()
-    {
-        QFETCH(const int, reason);
-        Editor editor;
-        for (const char* dest : {"/t/a", "/t/b"}) {
-            editor.type("editDest", dest);
-            editor.click("buttonCreateNew");
-        }
-        editor.type("editDest", "/half/typed");
-        activate(editor.window);
-        editor.find<QWidget>("editDest")->setFocus();
-        editor.table()->setFocus(Qt::FocusReason(reason));
-        QVERIFY(editor.table()->hasFocus());
-        QCOMPARE(editor.table()->currentRow(), -1);
-        QCOMPARE(editor.table()->selectedItems().size(), 0);
-        QCOMPARE(editor.text("editDest"), "/half/typed");
-        pressKey(editor.window, Qt::Key_Tab);
-        QVERIFY(!editor.table()->hasFocus());
-        QCOMPARE(editor.table()->currentRow(), -1);
-        editor.table()->setFocus(Qt::FocusReason(reason));
-        pressKey(editor.window, Qt::Key_Down);
-        QCOMPARE(editor.table()->currentRow(), 0);
-        QCOMPARE(editor.text("editDest"), "/t/a");
-        pressKey(editor.window, Qt::Key_Down);
-        QCOMPARE(editor.text("editDest"), "/t/b");
-    }
-
-    void focusInTheTableCanBeSeen_data()
-    {
-        QTest::addColumn<int>("rows");
-        QTest::newRow("empty") << 0;
-        QTest::newRow("with tasks") << 2;
-    }
-
-    void focusInTheTableCanBeSeen()
-    {
-        QFETCH(const int, rows);
-        Editor editor;
-        for (int i = 0; i < rows; ++i)
-            editor.click("buttonCreateNew");
-        activate(editor.window);
-        editor.find<QWidget>("textInfo")->setFocus();
-        const QImage without = editor.table()->grab().toImage();
-        editor.table()->setFocus(Qt::TabFocusReason);
-        QVERIFY(editor.table()->grab().toImage() != without);
-        editor.find<QWidget>("textInfo")->setFocus();
-        QCOMPARE(editor.table()->grab().toImage(), without);
-    }
-
-    void frameOfTheTableLiesOverItsCells()
-    {
-        Editor editor;
-        editor.click("buttonCreateNew");
-        activate(editor.window);
-        editor.find<QWidget>("textInfo")->setFocus();
-        QTableWidget* table = editor.table();
-        QWidget* frame = nullptr;
-        for (QWidget* child :
-             table->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
-            if (child->testAttribute(Qt::WA_TransparentForMouseEvents))
-                frame = child;
-        }
-        QVERIFY(frame != nullptr);
-        QVERIFY(!frame->isVisible());
-        const auto isOverTheCells = [&] {
-            return frame->isVisible() && frame->geometry() == table->viewport()->geometry() &&
-                   table->children().indexOf(frame) > table->children().indexOf(table->viewport());
-        };
-        table->viewport()->raise();
-        table->setFocus(Qt::TabFocusReason);
-        QVERIFY(isOverTheCells());
-        editor.window.resize(editor.window.size() + QSize(40, 30));
-        QTRY_VERIFY(isOverTheCells());
-        // The cells move, and keep their size.
-        table->verticalHeader()->hide();
-        QTRY_VERIFY(isOverTheCells());
-        table->viewport()->move(table->viewport()->pos() + QPoint(3, 2));
-        QVERIFY(isOverTheCells());
-        // A click goes through it.
-        editor.selectRow(0);
-        QCOMPARE(table->currentRow(), 0);
-        editor.find<QWidget>("textInfo")->setFocus();
-        QVERIFY(!frame->isVisible());
-        editor.window.resize(editor.window.size() - QSize(40, 30));
-        QVERIFY(!frame->isVisible());
-    }
-
-    void frameOfTheTableIsTwoPixelsWide()
-    {
-        QTableWidget table;
-        makeTabStop(table);
-        auto* frame = table.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly).last();
-        table.grab(); // gives all parts their places
-        QImage image(frame->size(), QImage::Format_ARGB32);
-        image.fill(Qt::transparent);
-        frame->render(&image, {}, {}, {});
-        const QRgb colour = frame->palette().color(QPalette::Highlight).rgb();
-        const int right = image.width() - 2;
-        const int bottom = image.height() - 2;
-        for (int y = 0; y < image.height(); ++y) {
-            for (int x = 0; x < image.width(); ++x) {
-                const bool isFrame = x < 2 || y < 2 || x >= right || y >= bottom;
-                const QRgb expected = isFrame ? colour : 0;
-                QVERIFY2(image.pixel(x, y) == expected, qPrintable(QString("%1,%2").arg(x).arg(y)));
-            }
-        }
     }
 
     void descriptionIsAllHelpInItsOrder()
@@ -426,7 +298,7 @@ private slots:
         // Wherever a person is: in a text, a list, a number or the table.
         for (const char* focus : {"textInfo", "editDest", "comboMethod", "spinFileSize",
                                   "tableWidget", "buttonCreateNew"}) {
-            activate(editor.window);
+            editor.activate();
             editor.find<QWidget>(focus)->setFocus();
             QSignalSpy clicks(pressed, &QPushButton::clicked);
             DialogAnswers answers;
@@ -443,7 +315,7 @@ private slots:
     void arrowsComeToTheOtherKindOfTask()
     {
         Editor editor;
-        activate(editor.window);
+        editor.activate();
         editor.find<QWidget>("radioNewTest")->setFocus();
         pressKey(editor.window, Qt::Key_Up);
         QVERIFY(editor.isChecked("radioNextConfig"));
@@ -457,7 +329,7 @@ private slots:
         editor.addWriteTask("/t/a");
         editor.addWriteTask("/t/b");
         editor.selectRow(0);
-        activate(editor.window);
+        editor.activate();
         editor.table()->setFocus();
         pressKey(editor.window, Qt::Key_Down);
         QCOMPARE(editor.text("editDest"), "/t/b");
