@@ -1,6 +1,7 @@
 #include "dpc/roundtrip.h"
 
 #include "check/text.h"
+#include "check/units.h"
 #include "dpc/alignment.h"
 #include "dpc/commands.h"
 #include "dpc/json.h"
@@ -21,7 +22,7 @@
 namespace {
 
 /// Far more than a save writes into a file.
-constexpr qint64 maxCompared = 256 * 1024;
+constexpr qint64 maxCompared = 256 * bytesPerKib;
 
 /// Whole lines, if the file is too large to be compared.
 QByteArray contentOf(const QString& path)

@@ -99,7 +99,7 @@ bool JobPlanner::placeName(PlanFile& file, const LineFact& line, TaskPath which,
                            NameExpander& names, int iteration, const LossSink& lose) const
 {
     const int field = firstPathField + which;
-    const QByteArray name = line.path(which);
+    const QByteArray& name = line.path(which);
     if (name.isEmpty())
         return true;
     const QString path = names.resolve(line, name, iteration);
