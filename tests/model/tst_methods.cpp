@@ -58,16 +58,17 @@ class TestMethods : public QObject
 private slots:
     void table()
     {
-        const QStringList expected = {
+        const char* const table =
             "Posix, chunks, unbuffered, read, preallocates, -1=default, 1=Linux only - use "
-            "POSIX_FADV_SEQUENTIAL flag",
-            "System, own chunks, unbuffered, read, copies only, -1=default",
+            "POSIX_FADV_SEQUENTIAL flag\n"
+            "System, own chunks, unbuffered, read, copies only, -1=default\n"
             "Stream, optional chunks, joins, read, buffers chunks, -1=default, 0=disable buffer, "
-            "1=use same size as chunk size",
+            "1=use same size as chunk size\n"
             "AnsiC, chunks, cuts, read, buffers chunks, -1=default, -1=default, 0=disable buffer, "
-            "1=use same size as chunk size",
+            "1=use same size as chunk size\n"
             "WinApi, chunks, unbuffered, preallocates, -1=default, 0=FILE_FLAG_WRITE_THROUGH, "
-            "1=FILE_FLAG_SEQUENTIAL_SCAN, 2= FILE_FLAG_WRITE_THROUGH + FILE_FLAG_SEQUENTIAL_SCAN"};
+            "1=FILE_FLAG_SEQUENTIAL_SCAN, 2= FILE_FLAG_WRITE_THROUGH + FILE_FLAG_SEQUENTIAL_SCAN";
+        const QStringList expected = QString(table).split('\n');
         for (int number = 0; number < methodCount; ++number)
             QCOMPARE(rowOf(ioMethods[number]), expected.value(number));
     }
