@@ -234,10 +234,12 @@ constexpr Rule afterMarker = {
 /// The first one, which ends the file; null if it has none.
 const LineFact* markerOf(const SeriesFacts& facts, const FileFact& file)
 {
+    if (!file.isRead() || file.isCopy)
+        return nullptr;
     const auto begin = facts.lines.begin() + file.firstEntry;
     const auto end = facts.lines.begin() + file.endEntry;
     const auto marker = std::find_if(begin, end, isMarker);
-    return file.isRead() && !file.isCopy && marker != end ? &*marker : nullptr;
+    return marker != end ? &*marker : nullptr;
 }
 
 void checkAfterMarker(const SeriesFacts& facts, const FileFact& file, const LineFact* marker,
