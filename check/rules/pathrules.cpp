@@ -90,8 +90,7 @@ constexpr Rule longPath = {
     Severity::Error,
     "paths",
     "A path ends at 500 characters, and a name in it at 255 bytes, as written and with the "
-    "variables "
-    "replaced.",
+    "variables replaced.",
     "shorten the path",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/x{500}_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),

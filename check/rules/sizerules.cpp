@@ -7,7 +7,7 @@
 
 #include <fmt/format.h>
 
-// Which source is wanted in two sizes.
+// Sources that are wanted or made in two sizes.
 
 namespace {
 

@@ -2,14 +2,7 @@
 # there already, and differs from the package's, stays as it is.
 #
 # The installation happens on a layer above this system that is in memory, and gone with the test's mounts.
-if [ "${3:-}" != inside ]; then
-    [ "$(id -u)" -eq 0 ] || { echo "FAIL: run this as root: it installs a package" >&2; exit 1; }
-    if ! unshare --mount true 2>/dev/null && [ -z "${TWDP_LEAVE_NOTHING_OUT:-}" ]; then
-        echo "LEFT OUT: can't mount a layer to install on"
-        exit 77
-    fi
-    exec unshare --mount sh "$0" "$1" "$2" inside
-fi
+. "$(dirname "$0")/own_mounts.sh"
 . "$(dirname "$0")/common.sh"
 
 root=$scratch/root

@@ -4,14 +4,7 @@
 #
 # The clean systems are made once, in the build folder; each run works on a layer above one that is
 # in memory and gone with the test's own mounts.
-if [ "${3:-}" != inside ]; then
-    [ "$(id -u)" -eq 0 ] || { echo "FAIL: run this as root: it makes a root of its own" >&2; exit 1; }
-    if ! unshare --mount true 2>/dev/null && [ -z "${TWDP_LEAVE_NOTHING_OUT:-}" ]; then
-        echo "LEFT OUT: can't mount, so no clean system can be made"
-        exit 77
-    fi
-    exec unshare --mount sh "$0" "$1" "$2" inside
-fi
+. "$(dirname "$0")/own_mounts.sh"
 . "$(dirname "$0")/common.sh"
 
 release=$(. /etc/os-release && echo "$VERSION_CODENAME")
