@@ -1,11 +1,16 @@
 #pragma once
 
 #include "engine/exporter.h"
+#include "engine/guards.h"
+#include "engine/jobfile.h"
+#include "engine/planfile.h"
 #include "engine/planner.h"
 #include "tests/support/files.h"
 #include "tests/support/recording.h"
 
 #include <QDir>
+#include <QJsonDocument>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -74,6 +79,8 @@ public:
         : m_folder(Recordings::folderOfKnownLength())
     {
         Recordings::hide(m_folder.path() + '/', "@ROOT@/");
+        const QString forSed = QString(m_folder.path() + '/').replace("/", "\\/");
+        Recordings::hide(forSed, "@ROOT@\\/");
         if (!m_folder.isValid() || !QDir(m_folder.path()).mkpath("share/_wait"))
             qFatal("can't make a folder for the test");
     }
@@ -101,7 +108,7 @@ public:
             for (const std::string& sentence : *sentences)
                 lines += QString::fromStdString(sentence);
         }
-        Recordings::compare(lines.mid(0, 20).join('\n'));
+        Recordings::compare(lines.mid(0, 20).join('\n') + '\n' + written(result.plan));
         return result;
     }
 
@@ -131,6 +138,36 @@ public:
     }
 
 private:
+    /// The beginnings of all that an export would hold, without what differs from run to run.
+    static QString written(const Plan& plan)
+    {
+        const auto firstLines = [](const QByteArray& content) {
+            constexpr int most = 30;
+            return QString::fromUtf8(content).section('\n', 0, most) + '\n';
+        };
+        const QJsonDocument json = QJsonDocument::fromJson(planAsJson(plan, {}));
+        QString text = firstLines(json.toJson(QJsonDocument::Compact).replace("},{", "},\n{"));
+        for (size_t stage = 0; stage < plan.stages.size(); ++stage) {
+            for (const PlanJobFile& file : plan.stages[stage].files)
+                text += "--- " + file.file + '\n' + firstLines(jobFileText(plan, stage, file));
+        }
+        for (const GuardCall& call : allGuardCalls(plan))
+            text += "--- " + call.file + '\n' + firstLines(call.text());
+        const auto hide = [&](const QString& pattern, const char* name) {
+            text.replace(QRegularExpression(pattern), name);
+        };
+        // Of folders that nothing can name safely, /tmp takes the place.
+        hide("(?:" + QRegularExpression::escape(QDir::tempPath()) + "|/tmp)/(dpc-[0-9a-f]{12}|')",
+             "@TEMP@/\\1");
+        hide("dpc-[0-9a-f]{12}", "dpc-@ID@");
+        hide("\"id\":\"[0-9a-f]{12}\"", "\"id\":@ID@");
+        hide("20[0-9]{2}-[0-9-]{5}_[0-9-]{8}", "@DATE@");
+        hide("(['\"])" + QRegularExpression::escape(QDir::tempPath()) + "\\1", "\\1@TEMP@\\1");
+        hide("(['\"])" + QRegularExpression::escape(QSysInfo::machineHostName()) + "\\1",
+             "\\1@HOST@\\1");
+        return text;
+    }
+
     QTemporaryDir m_folder;
     PlanOptions m_options;
 };

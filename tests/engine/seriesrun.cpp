@@ -153,7 +153,7 @@ pid_t SeriesRun::start(const QStringList& arguments) const
         const int status = runDpc(typed(*this, arguments), {out, err, false});
         out.flush();
         err.flush();
-        ::_exit(status);
+        endChild(status);
     });
 }
 

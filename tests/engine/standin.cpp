@@ -6,6 +6,10 @@
 //     STANDIN_KEEP     a folder that each job file is copied into, under its own name
 //     STANDIN_OUTPUT   a file whose content is printed for stages, in place of the report
 //     STANDIN_STATUS   the exit status of stages, in place of 0
+//     STANDIN_ERRORS   a text for the error stream
+//     STANDIN_NO       guards with a section that holds this text are answered with no
+//     STANDIN_MUTE     guards with a section that holds this text are not answered
+//     STANDIN_NOW      a shell command that stages begin with
 
 #include <cstdlib>
 #include <cstring>
@@ -22,6 +26,7 @@ struct Section
     std::string name;
     std::string direction;
     long long bytes = 0;
+    int place = 1; ///< in its job file
 };
 
 std::string contentOf(const std::string& path)
@@ -57,8 +62,13 @@ long long bytesOfLog(const std::string& path)
     return std::max(bytes[0], bytes[1]);
 }
 
-std::vector<Section> sectionsOf(const std::string& text)
+std::vector<Section> sectionsOf(const std::string& text, bool isGuard)
 {
+    const std::string no = isGuard ? environment("STANDIN_NO", "") : "";
+    const std::string mute = isGuard ? environment("STANDIN_MUTE", "") : "";
+    const auto holds = [](const std::string& line, const std::string& wanted) {
+        return !wanted.empty() && line.find(wanted) != std::string::npos;
+    };
     std::vector<Section> sections;
     std::istringstream lines(text);
     std::string line;
@@ -68,23 +78,34 @@ std::vector<Section> sectionsOf(const std::string& text)
             return isIt ? line.substr(std::strlen(key)) : std::string();
         };
         if (!line.empty() && line.front() == '[')
-            sections.push_back({line.substr(1, line.size() - 2), "", 0});
+            sections.push_back({line.substr(1, line.size() - 2), "", 0, int(sections.size()) + 1});
         else if (!value("rw=").empty())
             sections.back().direction = value("rw=");
         else if (!value("size=").empty())
             sections.back().bytes = std::stoll(value("size="));
         else if (!value("read_iolog=").empty())
             sections.back().bytes = bytesOfLog(value("read_iolog="));
+        else if (holds(line, mute))
+            sections.back().name.clear();
+        else if (holds(line, no))
+            sections.back().bytes = 0;
     }
     return sections;
 }
 
-void printDirection(const char* name, long long bytes)
+/// Each figure has a value of its own, so that none can stand for another.
+void printDirection(const char* name, const Section& section, bool isUsed)
 {
-    std::cout << "\"" << name << "\" : { \"io_bytes\" : " << bytes
-              << ", \"total_ios\" : " << (bytes > 0 ? 1 : 0) << ", \"runtime\" : 5, "
-              << "\"lat_ns\" : { \"mean\" : 1000.0, \"N\" : 1 }, \"clat_ns\" : { \"max\" : 1000, "
-              << "\"percentile\" : { \"50.000000\" : 900, \"99.000000\" : 1000 } } }";
+    const int place = section.place;
+    const bool hasMoved = isUsed && section.bytes > 0;
+    std::cout << "\"" << name << "\" : { \"io_bytes\" : " << (isUsed ? section.bytes : 0)
+              << ", \"total_ios\" : " << (hasMoved ? 10 + place : 0)
+              << ", \"runtime\" : " << (hasMoved ? 500 * place : 0)
+              << ", \"lat_ns\" : { \"mean\" : " << 2000000 * place
+              << ".5, \"N\" : " << (hasMoved ? 10 + place : 0)
+              << " }, \"clat_ns\" : { \"max\" : " << 9000 + place
+              << ", \"percentile\" : { \"50.000000\" : " << 1000 + place
+              << ", \"99.000000\" : " << 7000 + place << " } } }";
 }
 
 void printSection(const Section& section, const std::string& client)
@@ -96,10 +117,27 @@ void printSection(const Section& section, const std::string& client)
         std::cout << "\"hostname\" : \"" << address.substr(0, comma) << "\", \"port\" : "
                   << (comma == std::string::npos ? "8765" : address.substr(comma + 1)) << ", ";
     }
-    printDirection("read", section.direction == "write" ? 0 : section.bytes);
+    std::cout << "\"job_start\" : " << 1700000000000 + 10000 * section.place << ", ";
+    printDirection("read", section, section.direction != "write");
     std::cout << ", ";
-    printDirection("write", section.direction == "read" ? 0 : section.bytes);
-    std::cout << ", \"sync\" : { \"total_ios\" : 0 } }";
+    printDirection("write", section, section.direction != "read");
+    std::cout << ", \"sync\" : { \"total_ios\" : " << section.place - 1
+              << ", \"lat_ns\" : { \"mean\" : 3000.0, \"N\" : " << section.place - 1 << " } } }";
+}
+
+/// Logs of calls on other machines are written by sections that come before the others.
+void prepare(const std::string& text)
+{
+    std::istringstream lines(text);
+    std::string line;
+    bool isPreparation = false;
+    while (std::getline(lines, line)) {
+        const std::string command = "exec_prerun=";
+        if (!line.empty() && line.front() == '[')
+            isPreparation = line.find("-prepare-") != std::string::npos;
+        else if (isPreparation && line.rfind(command, 0) == 0)
+            std::system((line.substr(command.size()) + " > /dev/null").c_str());
+    }
 }
 
 /// Of a guard nobody asks for anything bent.
@@ -132,6 +170,9 @@ int main(int count, char** arguments)
                 << contentOf(file.second);
     }
     const bool isBent = !files.empty() && isStage(files.front().second);
+    if (isBent && std::system(environment("STANDIN_NOW", ":").c_str()) != 0)
+        return 2;
+    std::cerr << environment("STANDIN_ERRORS", "");
     const std::string output = environment("STANDIN_OUTPUT", "");
     if (isBent && !output.empty()) {
         std::cout << contentOf(output);
@@ -140,7 +181,8 @@ int main(int count, char** arguments)
                   << (client.empty() ? "jobs" : "client_stats") << "\" : [\n";
         const char* separator = "";
         for (const auto& [machine, file] : files) {
-            for (const Section& section : sectionsOf(contentOf(file))) {
+            prepare(contentOf(file));
+            for (const Section& section : sectionsOf(contentOf(file), !isBent)) {
                 std::cout << separator;
                 printSection(section, machine);
                 separator = ",\n";

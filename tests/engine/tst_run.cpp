@@ -202,7 +202,7 @@ void TestRun::drawsItsProgressOnATerminal()
     const pid_t child = ::forkpty(&terminal, nullptr, nullptr, &size);
     if (child == 0) {
         ::alarm(test::childSeconds);
-        ::_exit(runDpc({"run", series.file("mytest.dpc").toStdString(), "--to",
+        test::endChild(runDpc({"run", series.file("mytest.dpc").toStdString(), "--to",
                         series.file("run").toStdString()},
                        {std::cout, std::cerr, false}));
     }

@@ -15,6 +15,9 @@ constexpr unsigned childSeconds = 60;
 /// test program.
 pid_t startChild(const std::function<void()>& work);
 
+/// Ends this process, which is a child, in the same way.
+[[noreturn]] void endChild(int status);
+
 /// True if the child ended on its own and well.
 bool endedWell(pid_t child);
 

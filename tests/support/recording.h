@@ -27,7 +27,7 @@ public:
     /// In texts the path of a folder gives way to a name: it is another one in each run.
     static void hide(const QString& folder, const QString& name)
     {
-        constexpr int most = 8; // the last ones; the folders before are gone
+        constexpr int most = 16; // the last ones; the folders before are gone
         self().m_hidden.prepend({folder, name});
         self().m_hidden.resize(qMin(most, self().m_hidden.size()));
     }

@@ -1,0 +1,521 @@
+#include "dpc/commandline.h"
+#include "tests/engine/seriesrun.h"
+#include "tests/support/files.h"
+#include "tests/support/recording.h"
+
+#include <QDir>
+#include <QtTest>
+
+#include <sstream>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+using test::SeriesRun;
+
+// All that "dpc run" and "dpc report" tell, and the files that a run leaves, compared with a
+// recording. A program stands in for fio, so that each figure is the same every time.
+
+class TestDpcRun : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+
+    void tellsOfAGoodRun();
+    void tellsOfTheWorkOfEachKind();
+    void tellsOfThreeMachines();
+    void tellsOfADryRun();
+    void tellsOfAnExport();
+    void tellsOfAStageAlone();
+    void tellsWhatMayBeOverwritten();
+    void tellsWhatFioDidNotDo_data();
+    void tellsWhatFioDidNotDo();
+    void namesNoMoreJobsThanAnyoneReads();
+    void goesOnIfAsked();
+    void tellsEachNoOfAMachine_data();
+    void tellsEachNoOfAMachine();
+    void tellsTheNosOfMachinesBehindServers();
+    void tellsOfAMachineThatDoesNotAnswer();
+    void tellsWrongUse_data();
+    void tellsWrongUse();
+    void tellsWhyASeriesDoesNotRun_data();
+    void tellsWhyASeriesDoesNotRun();
+    void tellsOfAPlaceThatIsTaken();
+
+private:
+    void run(const QStringList& arguments, int status) const;
+    void command(const QStringList& words, int status) const;
+    QString comparable(QString text) const;
+    QString folderText(const QString& folder, const QString& pattern) const;
+    QStringList threeMachines();
+    void putWork(const QByteArray& host, int wait = 0) const;
+
+    QTemporaryDir m_tools;
+    QByteArray m_path;
+    std::unique_ptr<SeriesRun> m_series;
+    std::vector<int> m_sockets;
+
+public slots:
+    void cleanup();
+};
+
+namespace {
+
+constexpr int kib = 1024;
+
+} // namespace
+
+void TestDpcRun::initTestCase()
+{
+    QVERIFY(QFile::link(TWDP_STANDIN, m_tools.filePath("fio")));
+    m_path = qgetenv("PATH");
+}
+
+void TestDpcRun::init()
+{
+    qputenv("PATH", m_tools.path().toUtf8() + ':' + m_path);
+    for (const char* name : {"STANDIN_VERSION", "STANDIN_OUTPUT", "STANDIN_ERRORS", "STANDIN_NO",
+                             "STANDIN_MUTE", "STANDIN_NOW"})
+        qunsetenv(name);
+    m_series = std::make_unique<SeriesRun>();
+    Recordings::hide(m_series->folder(), "@ROOT@");
+}
+
+void TestDpcRun::cleanup()
+{
+    for (const int socket : m_sockets)
+        ::close(socket);
+    m_sockets.clear();
+    m_series.reset();
+}
+
+/// Without what differs from run to run, and from machine to machine.
+QString TestDpcRun::comparable(QString text) const
+{
+    const auto hide = [&](const char* pattern, const char* name) {
+        text.replace(QRegularExpression(pattern), name);
+    };
+    hide("\"(startedMs|endedMs)\": [0-9]+", "\"\\1\": @MS@");
+    hide("\"process\": [0-9]+", "\"process\": @PROCESS@");
+    hide("\"dpcVersion\": \"[^\"]*\"", "\"dpcVersion\": @VERSION@");
+    hide("\"id\": \"[0-9a-f]{12}\"", "\"id\": @ID@");
+    hide("/dpc-[0-9a-f]{12}", "/dpc-@ID@");
+    hide("20[0-9]{2}-[0-9-]{5} [0-9:]{8}", "@DATE@");
+    hide(", in [0-9]+\\.[0-9] s", ", in @SECONDS@");
+    // As a regular expression of sed.
+    text.replace(QString(m_series->folder()).replace("/", "\\/"), "@ROOT@");
+    const QRegularExpression host(
+        "(?<![/\\w.-])" + QRegularExpression::escape(QSysInfo::machineHostName()) + "(?![/\\w.-])");
+    // The columns of tables are as wide as the name.
+    if (text.contains(host)) {
+        text.replace(host, "@HOST@");
+        hide("  +", "  ");
+    }
+    return text;
+}
+
+/// The names of all files in a folder, and the content of some.
+QString TestDpcRun::folderText(const QString& folder, const QString& pattern) const
+{
+    const QRegularExpression wanted('(' + pattern + ")$");
+    QString text;
+    for (const QString& file : test::entriesOf(m_series->file(folder))) {
+        text += "--- " + folder + '/' + file + '\n';
+        if (wanted.match(file).hasMatch())
+            text += QString::fromUtf8(m_series->content(folder + '/' + file));
+    }
+    return text;
+}
+
+void TestDpcRun::command(const QStringList& words, int status) const
+{
+    std::vector<std::string> arguments;
+    for (const QString& word : words)
+        arguments.push_back(word.toStdString());
+    std::ostringstream out;
+    std::ostringstream err;
+    QVERIFY2(runDpc(arguments, {out, err, false}) == status, err.str().c_str());
+    Recordings::compare(comparable("$ dpc " + words.join(' ') + '\n' +
+                                   QString::fromStdString(out.str()) + "--- error stream\n" +
+                                   QString::fromStdString(err.str())));
+}
+
+/// Runs the series into the folder "run", and compares what is told and left.
+void TestDpcRun::run(const QStringList& arguments, int status) const
+{
+    QStringList words = QStringList{"run"} + arguments;
+    if (!words.contains("--date"))
+        words += {"--date", "today"};
+    command(words + QStringList{"--to", m_series->file("run"), m_series->file("mytest.dpc")},
+            status);
+    Recordings::compare(comparable(folderText("run", "state.json|results.csv|manifest")));
+}
+
+/// Three that listen, as fio's servers do.
+QStringList TestDpcRun::threeMachines()
+{
+    QByteArray hosts;
+    for (const char* name : {"pc01", "pc02", "pc03"}) {
+        const QByteArray path = m_series->file(name).toUtf8();
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        if (size_t(path.size()) >= sizeof address.sun_path)
+            qFatal("the folder for temporary files has too long a name");
+        std::copy(path.begin(), path.end(), address.sun_path);
+        const int number = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        constexpr int backlog = 16;
+        if (::bind(number, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+            ::listen(number, backlog) != 0)
+            qFatal("can't listen at a socket");
+        m_sockets.push_back(number);
+        hosts += QByteArray(name) + "=sock:" + path + '\n';
+    }
+    test::put(m_series->file("hosts.txt"), hosts);
+    QDir().mkpath(m_series->file("scratch"));
+    return {"--hosts-file", m_series->file("hosts.txt"), "--temp", m_series->file("scratch")};
+}
+
+/// Two stages: writes in three iterations, then reads and a copy.
+void TestDpcRun::putWork(const QByteArray& host, int wait) const
+{
+    const QByteArray begin = "[cfgPath]/" + host;
+    m_series->putSeries(
+        {{SeriesRun::line("", begin + "_[iter].dat", 1000, 300, wait, 3)},
+         {SeriesRun::line(begin + "_[iter].dat", "", 1000, 64, 0, 3),
+          SeriesRun::line(begin + "_1.dat", begin + "_copy.dat", 1000, 100, wait)}});
+}
+
+void TestDpcRun::tellsOfAGoodRun()
+{
+    m_series->putSeries({{SeriesRun::line("", "[cfgPath]/a.dat", 128)}});
+    run({"--temp", "/scratch"}, 0);
+    Recordings::compare(comparable(folderText("run", "plan.json|results.json|[.]fio|README")));
+    command({"report", m_series->file("run")}, 0);
+    command({"report", "--format", "json", m_series->file("run")}, 0);
+    command({"report", "--format", "csv", m_series->file("run")}, 0);
+}
+
+void TestDpcRun::tellsOfTheWorkOfEachKind()
+{
+    test::put(m_series->file("mytest_init.dpc"),
+              SeriesRun::line("", "[cfgPath]/source.dat", 1000) + '\n');
+    m_series->putSeries(
+        {{SeriesRun::line("[cfgPath]/source.dat", "", 1000, 300, 5, 2),
+          SeriesRun::line("", "[cfgPath]/w.dat", 2048, 512).replace("NOflush", "flush"),
+          SeriesRun::line("", "[cfgPath]/a b.dat", 1000, 300)},
+         {SeriesRun::line("[cfgPath]/w.dat", "[cfgPath]/copy.dat", 2048, 256, 3)}});
+    run({"--temp", "/scratch"}, 0);
+    Recordings::compare(comparable(folderText("run", "plan.json|results.json|[.]fio|README")));
+    command({"report", m_series->file("run")}, 0);
+}
+
+void TestDpcRun::tellsOfThreeMachines()
+{
+    putWork("[host]", 7);
+    run(threeMachines(), 0);
+    command({"report", m_series->file("run")}, 0);
+    command({"report", "--format", "json", m_series->file("run")}, 0);
+}
+
+void TestDpcRun::tellsOfADryRun()
+{
+    putWork("pc");
+    command({"run", "--dry-run", m_series->file("mytest.dpc")}, 0);
+    putWork("[host]");
+    const QStringList arguments = QStringList{"--dry-run"} + threeMachines();
+    run(arguments, 0);
+    QVERIFY(!QFile::exists(m_series->file("run")));
+    qputenv("STANDIN_NO", "pc02_1.dat");
+    run(arguments, 1);
+}
+
+void TestDpcRun::tellsOfAnExport()
+{
+    putWork("[host]");
+    const QString folder = m_series->file("export");
+    const QStringList machines = threeMachines();
+    command(QStringList{"export", "--date", "today", m_series->file("mytest.dpc"), folder} +
+                machines,
+            0);
+    Recordings::compare(comparable(folderText("export", "plan.json|[.]fio|README")));
+    const QStringList call = {"run", folder, "--to", m_series->file("run")};
+    command(call, 0);
+    Recordings::compare(comparable(m_series->content("run/results.csv")));
+    for (const char* option :
+         {"--hosts pc01", "--hosts-file hosts.txt", "--temp /tmp", "--date x",
+          "--allow-loss fio-flush", "--stage 1", "--overwrite run", "--start-at-minute"})
+        command(call + QString(option).split(' '), 2);
+    QVERIFY(QDir(m_series->file("run")).removeRecursively());
+    QFile jobs(m_series->file("export/stage-1-2-pc02.fio"));
+    QVERIFY(jobs.open(QIODevice::Append));
+    jobs.write("size=1g\n");
+    jobs.close();
+    command(call, 2);
+    test::put(m_series->file("export/plan.json"), "{}");
+    command(call, 2);
+    test::put(m_series->file("export/plan.json"), "{\"version\": 0}");
+    command(call, 2);
+}
+
+void TestDpcRun::tellsOfAStageAlone()
+{
+    m_series->putSeries({{SeriesRun::line("", "[cfgPath]/a.dat", 128)},
+                         {SeriesRun::line("[cfgPath]/a.dat", "", 128)}});
+    test::put(m_series->file("a.dat"), test::textOf(128 * kib));
+    run({"--stage", "1"}, 0);
+    QVERIFY(QDir(m_series->file("run")).removeRecursively());
+    run({"--stage", "2"}, 2);
+}
+
+void TestDpcRun::tellsWhatMayBeOverwritten()
+{
+    m_series->putSeries({{SeriesRun::line("", "[cfgPath]/a.dat", 128),
+                          SeriesRun::line("", "[cfgPath]/b.dat", 128)}});
+    run({}, 0);
+    QVERIFY(QDir().rename(m_series->file("run"), m_series->file("run1")));
+    test::put(m_series->file("a.dat"), test::textOf(128 * kib));
+    run({"--overwrite", m_series->file("run1")}, 0);
+    QVERIFY(QDir().rename(m_series->file("run"), m_series->file("run2")));
+    run({"--overwrite", m_series->file("none")}, 2);
+    run({"--overwrite", m_series->folder()}, 2);
+    const QByteArray plan = m_series->content("run2/plan.json");
+    test::put(m_series->file("run2/plan.json"),
+              QByteArray(plan).replace("/mytest.dpc", "/other.dpc"));
+    run({"--overwrite", m_series->file("run2")}, 2);
+    test::put(m_series->file("run2/plan.json"), plan);
+    QVERIFY(QFile::remove(m_series->file("run2/manifest")));
+    run({"--overwrite", m_series->file("run2")}, 2);
+    QVERIFY(QDir().mkdir(m_series->file("run2/manifest")));
+    run({"--overwrite", m_series->file("run2")}, 2);
+}
+
+void TestDpcRun::tellsWhatFioDidNotDo_data()
+{
+    QTest::addColumn<QByteArray>("output");
+    QTest::addColumn<QByteArray>("errors");
+    const QByteArray good =
+        "{\n\"fio version\" : \"fio-3.33\",\n\"jobs\" : [\n"
+        "{ \"jobname\" : \"s0-l1-i0\", \"error\" : 0, \"job_start\" : 1700000000000, "
+        "\"read\" : { \"io_bytes\" : 131072, \"total_ios\" : 2, \"runtime\" : 5 }, "
+        "\"write\" : { \"io_bytes\" : 131072, \"total_ios\" : 2, \"runtime\" : 7 } },\n"
+        "{ \"jobname\" : \"s0-l2-i0\", \"error\" : 0, "
+        "\"read\" : { \"io_bytes\" : 131072, \"total_ios\" : 2, \"runtime\" : 0 }, "
+        "\"write\" : { \"io_bytes\" : 0, \"total_ios\" : 0, \"runtime\" : 5 } }\n]\n}\n";
+    const auto changed = [&](const char* from, const char* to) {
+        const int at = good.indexOf(from);
+        QByteArray text = good;
+        return text.replace(at, int(qstrlen(from)), to);
+    };
+    QTest::newRow("nothing") << QByteArray("\n") << QByteArray();
+    QTest::newRow("nothing, and a complaint")
+        << QByteArray("\n") << QByteArray("\n \nfio: out of \x1B[1mmemory\nfio: again\n");
+    QTest::newRow("all good, and a complaint") << good << QByteArray("fio: a warning\n");
+    QTest::newRow("a disk that is full")
+        << changed("\"error\" : 0", "\"error\" : 28") << QByteArray("fio: pid=3, err=28\n");
+    QTest::newRow("less is written") << changed("131072, \"total_ios\" : 2, \"runtime\" : 7",
+                                                "65536, \"total_ios\" : 1, \"runtime\" : 7")
+                                     << QByteArray();
+    QTest::newRow("less is read of a copy") << changed("131072, \"total_ios\" : 2, \"runtime\" : 5",
+                                                       "65536, \"total_ios\" : 1, \"runtime\" : 5")
+                                            << QByteArray();
+    QTest::newRow("less is read") << changed("131072, \"total_ios\" : 2, \"runtime\" : 0",
+                                             "65536, \"total_ios\" : 1, \"runtime\" : 0")
+                                  << QByteArray();
+    QTest::newRow("did not begin") << changed("131072, \"total_ios\" : 2, \"runtime\" : 0",
+                                              "0, \"total_ios\" : 0, \"runtime\" : 0")
+                                   << QByteArray();
+    QTest::newRow("a job twice") << changed("s0-l2-i0", "s0-l1-i0") << QByteArray();
+}
+
+void TestDpcRun::tellsWhatFioDidNotDo()
+{
+    QFETCH(QByteArray, output);
+    QFETCH(QByteArray, errors);
+    test::put(m_series->file("source.dat"), test::textOf(128 * kib));
+    m_series->putSeries({{SeriesRun::line("[cfgPath]/source.dat", "[cfgPath]/copy.dat", 128),
+                          SeriesRun::line("[cfgPath]/source.dat", "", 128)}});
+    test::put(m_series->file("output"), output);
+    qputenv("STANDIN_OUTPUT", m_series->file("output").toUtf8());
+    qputenv("STANDIN_ERRORS", errors);
+    run({}, QByteArray(QTest::currentDataTag()).startsWith("all good") ? 0 : 1);
+}
+
+void TestDpcRun::namesNoMoreJobsThanAnyoneReads()
+{
+    test::put(m_series->file("output"), "{}\n");
+    qputenv("STANDIN_OUTPUT", m_series->file("output").toUtf8());
+    for (const int jobs : {20, 21}) {
+        m_series->putSeries({{SeriesRun::line("", "[cfgPath]/[iter].dat", 4, 4, 0, jobs)}});
+        command({"run", "--to", m_series->file(QStringLiteral("run%1").arg(jobs)),
+                 m_series->file("mytest.dpc")},
+                1);
+    }
+}
+
+void TestDpcRun::goesOnIfAsked()
+{
+    putWork("pc");
+    qputenv("STANDIN_NOW", "exit 1");
+    run({}, 1);
+    QVERIFY(QDir(m_series->file("run")).removeRecursively());
+    run({"--keep-going"}, 1);
+    QVERIFY(QDir(m_series->file("run")).removeRecursively());
+    // Only the second stage.
+    qputenv("STANDIN_NOW",
+            ("! test -e '" + m_series->file("run/output/stage-1.txt") + "'").toUtf8());
+    run({"--keep-going"}, 1);
+    command({"report", m_series->file("run")}, 0);
+}
+
+void TestDpcRun::tellsEachNoOfAMachine_data()
+{
+    QTest::addColumn<QByteArray>("no");
+    for (const char* no : {"a.dat", "b.dat", "source.dat", "copied.dat", "awk", "drop_caches",
+                           "again.dat", "made.dat"})
+        QTest::newRow(no) << QByteArray(no);
+}
+
+void TestDpcRun::tellsEachNoOfAMachine()
+{
+    QFETCH(QByteArray, no);
+    test::put(m_series->file("source.dat"), test::textOf(128 * kib));
+    test::put(m_series->file("copied.dat"), test::textOf(128 * kib));
+    const auto cached = [](const QByteArray& line) {
+        return QByteArray(line).replace("Posix;NOflush;NOprealloc;0;64;0;128;1;0",
+                                        "Posix;NOflush;NOprealloc;0;64;0;128;1;3");
+    };
+    m_series->putSeries({{SeriesRun::line("", "[cfgPath]/again.dat", 128)}});
+    command({"run", "--to", m_series->file("earlier"), m_series->file("mytest.dpc")}, 0);
+    m_series->putSeries({{SeriesRun::line("", "[cfgPath]/a.dat", 128),
+                          SeriesRun::line("", "[cfgPath]/x/b.dat", 128),
+                          cached(SeriesRun::line("[cfgPath]/source.dat", "", 128)),
+                          SeriesRun::line("", "[cfgPath]/again.dat", 128),
+                          SeriesRun::line("[cfgPath]/copied.dat", "[cfgPath]/made.dat", 128)}});
+    const QStringList again = {"--overwrite", m_series->file("earlier"), "--allow-loss",
+                               "fio-cache-mode"};
+    qputenv("STANDIN_NO", no);
+    run(again, 1);
+    QVERIFY(QDir(m_series->file("run")).removeRecursively());
+    qunsetenv("STANDIN_NO");
+    qputenv("STANDIN_MUTE", no);
+    run(again, 1);
+    QVERIFY(QDir(m_series->file("run")).removeRecursively());
+    qputenv("STANDIN_ERRORS", "client: host=x, disconnected\n");
+    run(again, 1);
+}
+
+void TestDpcRun::tellsTheNosOfMachinesBehindServers()
+{
+    putWork("[host]", 7);
+    const QStringList machines = threeMachines();
+    qputenv("STANDIN_NO", "pc02_1.dat");
+    run(machines, 1);
+    QVERIFY(QDir(m_series->file("run")).removeRecursively());
+    // The folder for the logs of calls.
+    qputenv("STANDIN_NO", "/scratch/dpc-");
+    run(machines, 1);
+}
+
+void TestDpcRun::tellsOfAMachineThatDoesNotAnswer()
+{
+    putWork("[host]", 7);
+    const QStringList machines = threeMachines();
+    ::close(m_sockets[1]);
+    m_sockets.erase(m_sockets.begin() + 1);
+    run(machines, 1);
+    QVERIFY(QDir(m_series->file("run")).removeRecursively());
+    QVERIFY(QFile::remove(m_series->file("pc02")));
+    run(machines, 1);
+    QVERIFY(QDir(m_series->file("run")).removeRecursively());
+    test::put(m_series->file("hosts.txt"), "pc01=sock:/" + QByteArray(120, 'x') + '\n');
+    run(machines, 1);
+    QVERIFY(QDir(m_series->file("run")).removeRecursively());
+    // RFC 6761 keeps the name unknown.
+    test::put(m_series->file("hosts.txt"), "pc01=ip:pc01.invalid,8765\n");
+    run(machines, 2);
+}
+
+void TestDpcRun::tellsWrongUse_data()
+{
+    QTest::addColumn<QString>("arguments");
+    for (const char* arguments :
+         {"--timeout 2147484", "--timeout -1", "--timeout x", "--stage x", "--date a/b",
+          "--temp tmp", "--allow-loss fio-flash", "--allow-loss bad-line", "--hosts pc01,pc01",
+          "--hosts-file none", "--hosts-file bad.txt", "--hosts-file twice.txt",
+          "--hosts-file open.txt", "--hosts pc01 --hosts-file twice.txt", "--format csv"})
+        QTest::newRow(arguments) << arguments;
+}
+
+void TestDpcRun::tellsWrongUse()
+{
+    QFETCH(QString, arguments);
+    QVERIFY(QDir::setCurrent(m_series->folder()));
+    m_series->putSeries({{SeriesRun::line("", "[cfgPath]/[host].dat", 128)}});
+    test::put(m_series->file("bad.txt"), "pc01=ip:127.0.0.1\n");
+    test::put(m_series->file("twice.txt"), "pc01=ip:127.0.0.1,1\npc02=ip:127.0.0.1,1\n");
+    test::put(m_series->file("open.txt"), "pc01=ip:192.0.2.1,8765\n");
+    run(arguments.split(' '), 2);
+    QVERIFY(!QFile::exists(m_series->file("run")));
+    QVERIFY(QDir::setCurrent("/"));
+}
+
+void TestDpcRun::tellsWhyASeriesDoesNotRun_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<int>("status");
+    const QByteArray plain = SeriesRun::line("", "[cfgPath]/a.dat", 128);
+    QTest::newRow("a source that is missing")
+        << SeriesRun::line("[cfgPath]/none.dat", "", 128) << 1;
+    QTest::newRow("losses that are not allowed")
+        << QByteArray(plain).replace("NOprealloc", "prealloc").replace("NOflush;", "flush;") << 1;
+    QTest::newRow("a loss that nothing allows")
+        << QByteArray(plain).replace("Posix", "System") << 1;
+    QTest::newRow("a line that can't be read") << QByteArray("Posx;;;") << 1;
+    QTest::newRow("nothing to do") << QByteArray("# nothing") << 1;
+    QTest::newRow("a folder for temporary files that is not known")
+        << SeriesRun::line("", "[temp]/[host].dat", 128) << 2;
+}
+
+void TestDpcRun::tellsWhyASeriesDoesNotRun()
+{
+    QFETCH(QByteArray, line);
+    QFETCH(int, status);
+    m_series->putSeries({{line}});
+    QStringList arguments;
+    if (status == 2)
+        arguments = threeMachines().mid(0, 2);
+    run(arguments, status);
+    QVERIFY(QDir(m_series->file("run")).removeRecursively() || status == 2);
+    run(arguments + QStringList{"--dry-run"}, status);
+}
+
+void TestDpcRun::tellsOfAPlaceThatIsTaken()
+{
+    m_series->putSeries({{SeriesRun::line("", "[cfgPath]/a.dat", 128)}});
+    command({"run", m_series->file("mytest.dpc")}, 2);
+    command({"run", "--to", m_series->file("no/run"), m_series->file("mytest.dpc")}, 2);
+    const QByteArray bad = SeriesRun::line("[cfgPath]/none.dat", "", 128);
+    run({}, 0);
+    run({}, 2);
+    const QByteArray state = m_series->content("run/state.json");
+    const auto putState = [&](const char* from, const char* to) {
+        test::put(m_series->file("run/state.json"), QByteArray(state).replace(from, to));
+    };
+    putState("complete", "running");
+    run({}, 2);
+    putState("complete", "ru\x1Bnning");
+    run({}, 2);
+    test::put(m_series->file("run/state.json"), "{\"state\": \"running\"}");
+    run({}, 2);
+    QVERIFY(QFile::remove(m_series->file("run/state.json")));
+    run({}, 2);
+    m_series->putSeries({{bad}});
+    command({"run", "--to", m_series->file("no/run"), m_series->file("mytest.dpc")}, 2);
+    command({"run", "--to", m_series->file("new"), m_series->file("none.dpc")}, 2);
+}
+
+QTEST_APPLESS_MAIN(TestDpcRun)
+#include "tst_dpcrun.moc"
