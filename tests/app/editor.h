@@ -3,7 +3,7 @@
 #include "app/twdiskprobe.h"
 #include "tests/support/dialoganswer.h"
 
-#include <QtTest>
+#include <QTest>
 
 /// The real window, handled as a person would: by clicks, keys and what can be read on it.
 class Editor

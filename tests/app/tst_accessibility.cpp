@@ -1,6 +1,7 @@
 #include "tests/app/editor.h"
 
 #include <QAccessible>
+#include <QSignalSpy>
 
 // The window for those who cannot see it, or use no mouse.
 

@@ -3,6 +3,8 @@
 #include "tests/ui/cuttexts.h"
 #include "tests/ui/formlooks.h"
 
+#include <QScreen>
+
 #include <algorithm>
 #include <cmath>
 #include <vector>

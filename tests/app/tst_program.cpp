@@ -2,16 +2,18 @@
 #include "tests/support/files.h"
 
 #include <QApplication>
+#include <QCoreApplication>
 #include <QDir>
 #include <QIcon>
 #include <QImage>
+#include <QLocale>
 #include <QLoggingCategory>
 #include <QPointer>
 #include <QProcess>
 #include <QPushButton>
 #include <QResource>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <functional>
 

@@ -3,7 +3,7 @@
 #include <QHeaderView>
 #include <QProxyStyle>
 #include <QTableWidget>
-#include <QtTest>
+#include <QTest>
 
 namespace {
 

@@ -11,9 +11,12 @@
 #include "tests/support/tasks.h"
 
 #include <QDir>
+#include <QFileInfo>
+#include <QHash>
+#include <QMap>
 #include <QSet>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 /// A Read task whose log and .csv file differ on each machine.
 inline TestTask readingTask(const char* source)

@@ -3,8 +3,10 @@
 #include "tests/support/files.h"
 
 #include <QDir>
+#include <QHash>
+#include <QScopedPointer>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include "tests/support/files.h"
 
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <sys/stat.h>
 

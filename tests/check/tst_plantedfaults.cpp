@@ -4,7 +4,7 @@
 #include "tests/support/files.h"
 
 #include <QElapsedTimer>
-#include <QtTest>
+#include <QTest>
 
 /// Clean series at random, and one fault in each: nothing is missed, and nothing false is said.
 /// TWDP_PLANT_SECONDS lets it go on for so long, TWDP_PLANT_SEED begins elsewhere.

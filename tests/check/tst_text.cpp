@@ -1,6 +1,6 @@
 #include "check/text.h"
 
-#include <QtTest>
+#include <QTest>
 
 namespace {
 

@@ -5,10 +5,13 @@
 #include "tests/support/ownmounts.h"
 #include "tests/support/tasks.h"
 
+#include <QCoreApplication>
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QMap>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <cerrno>
 #include <sys/syscall.h>

@@ -7,8 +7,10 @@
 #include "tests/support/warnings.h"
 
 #include <QDir>
+#include <QFile>
+#include <QScopedPointer>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <sys/stat.h>
 #include <unistd.h>

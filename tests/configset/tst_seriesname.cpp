@@ -1,6 +1,6 @@
 #include "configset/seriesname.h"
 
-#include <QtTest>
+#include <QTest>
 
 class TestSeriesName : public QObject
 {

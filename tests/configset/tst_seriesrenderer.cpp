@@ -2,7 +2,7 @@
 #include "shared/kvtext.h"
 #include "tests/support/tasks.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <limits>
 

@@ -5,8 +5,9 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QScopedPointer>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <limits>
 

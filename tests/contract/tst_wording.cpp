@@ -1,7 +1,8 @@
+#include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QRegularExpression>
-#include <QtTest>
+#include <QTest>
 
 #include <vector>
 

@@ -4,8 +4,9 @@
 #include "tests/support/dialoganswer.h"
 
 #include <QClipboard>
+#include <QCoreApplication>
 #include <QStyle>
-#include <QtTest>
+#include <QTest>
 
 #include <atomic>
 #include <thread>

@@ -6,7 +6,7 @@
 #include <QApplication>
 #include <QPointer>
 #include <QStyle>
-#include <QtTest>
+#include <QTest>
 
 #include <array>
 

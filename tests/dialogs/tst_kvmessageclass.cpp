@@ -4,7 +4,7 @@
 
 #include <QAction>
 #include <QMetaMethod>
-#include <QtTest>
+#include <QTest>
 
 #include <array>
 #include <cstring>

@@ -4,9 +4,11 @@
 #include "tests/support/dialoganswer.h"
 
 #include <QAbstractEventDispatcher>
+#include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QEvent>
 #include <QSignalSpy>
-#include <QtTest>
+#include <QTest>
 
 class TestKvMessageCountdown : public QObject
 {

@@ -1,7 +1,7 @@
 #include "dialogs/kvmessagebox.h"
 
 #include <QCoreApplication>
-#include <QtTest>
+#include <QTest>
 
 /// Runs without any application object: a dialog that is built all the same ends the program.
 class TestKvMessageNoApplication : public QObject

@@ -1,7 +1,7 @@
 #include "dialogs/messagetext.h"
 
 #include <QStringList>
-#include <QtTest>
+#include <QTest>
 
 class TestMessageText : public QObject
 {

@@ -4,7 +4,7 @@
 #include "tests/dpc/dpcrun.h"
 
 #include <QRegularExpression>
-#include <QtTest>
+#include <QTest>
 
 /// docs/dpc.md shows real output: each block that begins with "$ dpc" is run and compared.
 /// docs/rules.md is made from the catalogue of rules.

@@ -1,8 +1,14 @@
 #include "tests/dpc/dpcrun.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QtTest>
+#include <QMap>
+#include <QScopedPointer>
+#include <QTest>
 
 /// The command that writes the jobs of a series: what it allows, what it prints, and that it writes
 /// all or nothing.

@@ -1,6 +1,8 @@
 #include "tests/dpc/dpcrun.h"
 
-#include <QtTest>
+#include <QDir>
+#include <QFileInfo>
+#include <QTest>
 
 /// Every file in tests/data/dpc/golden is a command and all that it prints, byte for byte: the
 /// command line, standard output, standard error if there is any, the exit status.

@@ -1,7 +1,7 @@
 #include "dpc/pages/pages.h"
 #include "tests/dpc/dpcrun.h"
 
-#include <QtTest>
+#include <QTest>
 
 /// The manual page and the completions of the shells are those that the options make.
 class TestDpcPages : public QObject

@@ -2,6 +2,8 @@
 #include "tests/support/files.h"
 #include "tests/support/leaveout.h"
 
+#include <QCoreApplication>
+#include <QDir>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -9,7 +11,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <cstdlib>
 #include <ctime>

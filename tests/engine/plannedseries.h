@@ -12,7 +12,7 @@
 #include <QJsonDocument>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 /// A task line with the given fields; what a test does not name is plain: Posix, 64 KiB chunks.
 struct Line

@@ -6,10 +6,12 @@
 #include "tests/support/files.h"
 
 #include <QDir>
+#include <QFile>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QScopedPointer>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <sys/statvfs.h>
 

@@ -4,7 +4,9 @@
 #include "tests/support/files.h"
 
 #include <QDir>
-#include <QtTest>
+#include <QFile>
+#include <QJsonArray>
+#include <QTest>
 
 #include <array>
 #include <iostream>

@@ -3,7 +3,9 @@
 #include "tests/support/ownmounts.h"
 
 #include <QDir>
-#include <QtTest>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTest>
 
 /// Pages that show runs are played: their files are made and their commands run on fio. The page of
 /// running shows what dpc prints, but for the figures. The series of the guides are those that the

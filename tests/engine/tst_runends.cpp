@@ -1,8 +1,10 @@
 #include "tests/engine/seriesrun.h"
 #include "tests/support/files.h"
 
+#include <QFile>
 #include <QFileInfo>
-#include <QtTest>
+#include <QJsonArray>
+#include <QTest>
 
 #include <array>
 #include <csignal>

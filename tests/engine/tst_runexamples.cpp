@@ -4,7 +4,9 @@
 #include "tests/support/examples.h"
 #include "tests/support/ownmounts.h"
 
-#include <QtTest>
+#include <QJsonArray>
+#include <QTemporaryDir>
+#include <QTest>
 
 #include <memory>
 #include <sstream>

@@ -4,7 +4,11 @@
 #include "tests/support/ownmounts.h"
 
 #include <QDir>
-#include <QtTest>
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QSet>
+#include <QTest>
 
 #include <csignal>
 #include <memory>

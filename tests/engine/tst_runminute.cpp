@@ -3,7 +3,8 @@
 #include "tests/support/files.h"
 #include "tests/support/ownmounts.h"
 
-#include <QtTest>
+#include <QJsonArray>
+#include <QTest>
 
 #include <memory>
 

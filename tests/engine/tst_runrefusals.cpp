@@ -2,7 +2,8 @@
 #include "tests/support/files.h"
 
 #include <QDir>
-#include <QtTest>
+#include <QFile>
+#include <QTest>
 
 using test::SeriesRun;
 

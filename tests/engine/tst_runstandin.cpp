@@ -2,7 +2,9 @@
 #include "tests/support/files.h"
 
 #include <QDir>
-#include <QtTest>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
 
 #include <random>
 #include <sys/resource.h>

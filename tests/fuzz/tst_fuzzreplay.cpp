@@ -2,7 +2,8 @@
 
 #include <QDir>
 #include <QFile>
-#include <QtTest>
+#include <QFileInfo>
+#include <QTest>
 
 // Gives every input of the corpus, every one that fuzzers found to reach more, and every one that
 // ever failed, to the function that the fuzzer calls. A broken promise aborts: the name of the

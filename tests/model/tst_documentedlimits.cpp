@@ -4,7 +4,7 @@
 
 #include <QFile>
 #include <QLocale>
-#include <QtTest>
+#include <QTest>
 
 /// README and the manual name the limits of the program and the words of a line. Numbers are
 /// written there as people write them: 5,000.

@@ -4,7 +4,7 @@
 #include "model/tasklinewriter.h"
 #include "shared/kvtext.h"
 
-#include <QtTest>
+#include <QTest>
 
 namespace {
 

@@ -2,8 +2,9 @@
 #include "shared/kvtext.h"
 
 #include <QDateTime>
+#include <QFile>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <limits>
 #include <unistd.h>

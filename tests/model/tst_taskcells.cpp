@@ -1,6 +1,6 @@
 #include "model/taskcells.h"
 
-#include <QtTest>
+#include <QTest>
 
 namespace {
 

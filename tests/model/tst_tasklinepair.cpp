@@ -4,7 +4,7 @@
 #include "tests/model/describetask.h"
 #include "tests/model/slowreading.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <random>
 

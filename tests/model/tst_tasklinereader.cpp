@@ -1,7 +1,7 @@
 #include "model/tasklinereader.h"
 #include "shared/kvtext.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <limits>
 

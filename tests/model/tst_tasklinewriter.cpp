@@ -1,7 +1,7 @@
 #include "model/tasklinewriter.h"
 #include "shared/kvtext.h"
 
-#include <QtTest>
+#include <QTest>
 
 using Path = _kvString8_allSize<500>;
 

@@ -2,7 +2,7 @@
 #include "shared/kvfileglobal.h"
 #include "tests/shared/capacity.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <limits>
 #include <type_traits>

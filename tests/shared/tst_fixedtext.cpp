@@ -1,7 +1,7 @@
 #include "shared/kvtext.h"
 #include "tests/shared/capacity.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <limits>
 

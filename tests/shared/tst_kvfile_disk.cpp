@@ -3,8 +3,9 @@
 #include "tests/support/files.h"
 #include "tests/support/ownmounts.h"
 
+#include <QFile>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <memory>
 #include <sys/stat.h>

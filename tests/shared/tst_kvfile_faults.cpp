@@ -3,8 +3,10 @@
 #include "tests/support/faultinjection.h"
 #include "tests/support/files.h"
 
+#include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
 #include <cerrno>

@@ -1,8 +1,9 @@
 #include "tests/support/childprocess.h"
 #include "tests/support/files.h"
 
+#include <QFile>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <csignal>
 #include <fcntl.h>

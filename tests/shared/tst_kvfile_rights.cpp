@@ -2,8 +2,9 @@
 #include "tests/support/childprocess.h"
 #include "tests/support/files.h"
 
+#include <QFile>
 #include <QTemporaryDir>
-#include <QtTest>
+#include <QTest>
 
 #include <fcntl.h>
 #include <sys/stat.h>

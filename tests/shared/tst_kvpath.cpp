@@ -1,7 +1,7 @@
 #include "shared/kvpath.h"
 #include "shared/kvtext.h"
 
-#include <QtTest>
+#include <QTest>
 
 class TestKvPath : public QObject
 {

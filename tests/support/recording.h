@@ -4,8 +4,8 @@
 
 #include <QDir>
 #include <QMap>
+#include <QTest>
 #include <QVector>
-#include <QtTest>
 
 #include <unistd.h>
 

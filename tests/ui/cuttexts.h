@@ -1,6 +1,19 @@
 #pragma once
 
-#include <QtWidgets>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFontMetrics>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QRadioButton>
+#include <QScreen>
+#include <QScrollBar>
+#include <QSpinBox>
+#include <QStyleOption>
+#include <QVector>
+#include <QWindow>
 
 // Measures whether the texts of a shown window fit, from the rectangles that its widgets would
 // paint.

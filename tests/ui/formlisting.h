@@ -1,12 +1,22 @@
 #pragma once
 
+#include <QCheckBox>
+#include <QComboBox>
 #include <QFormLayout>
 #include <QGridLayout>
+#include <QGroupBox>
 #include <QLabel>
+#include <QLineEdit>
+#include <QMainWindow>
 #include <QMetaEnum>
 #include <QPlainTextEdit>
 #include <QProxyStyle>
-#include <QtWidgets>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSet>
+#include <QSpinBox>
+#include <QTableWidget>
+#include <QVector>
 
 #include <memory>
 

@@ -1,7 +1,11 @@
 #include "tests/ui/cuttexts.h"
 #include "ui/fittexts.h"
 
+#include <QHBoxLayout>
+#include <QScreen>
+#include <QSpacerItem>
 #include <QTest>
+#include <QVBoxLayout>
 
 namespace {
 

@@ -4,6 +4,8 @@
 
 #include "ui_twdiskprobe.h"
 
+#include <QAction>
+#include <QButtonGroup>
 #include <QTest>
 
 class TestForm : public QObject
