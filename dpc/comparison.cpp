@@ -29,7 +29,7 @@ Fields fieldsOf(const LineFact& line)
                   std::to_string(task.iterations),
                   std::to_string(task.cacheMode)};
     for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath}) {
-        const QByteArray path = line.path(which);
+        const QByteArray& path = line.path(which);
         // Whole: two long paths may differ in the middle.
         fields.push_back(path.isEmpty() ? which <= DestPath ? "MEMORY" : "(none)"
                                         : '\'' + printable(QString::fromLatin1(path)) + '\'');

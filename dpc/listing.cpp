@@ -65,7 +65,7 @@ QStringList expandedPaths(NameExpander& names, const LineFact& line, int iterati
 {
     QStringList paths;
     for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath}) {
-        const QByteArray path = line.path(which);
+        const QByteArray& path = line.path(which);
         paths += path.isEmpty() ? QString() : names.resolve(line, path, iteration);
     }
     return paths;

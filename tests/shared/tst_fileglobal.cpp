@@ -4,7 +4,7 @@
 
 #include <QDateTime>
 #include <QRegularExpression>
-#include <QtTest>
+#include <QTest>
 
 #include <cstring>
 #include <new>
@@ -86,7 +86,7 @@ private slots:
         blank(offsetOf(*io, io->generation), sizeof io->generation);
         blank(offsetOf(*io, io->ioBufferSize), sizeof io->ioBufferSize);
         QCOMPARE(block, QByteArray(int(end - start), '\0'));
-        io->~_fileGLobal();
+        io->_fileGLobal::~_fileGLobal();
     }
 
     void baseSupportsNoPreallocation()
