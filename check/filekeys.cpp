@@ -54,11 +54,14 @@ QByteArray toKey(const QByteArray& latin1)
     return toQString(latin1).toUtf8();
 }
 
-/// True for a drive or a server by itself, which is not a file: "c:", "//server".
+/// True for a drive, a server or a share by itself, which is not a file: "c:", "//server",
+/// "//server/share". With a "." in its name, the second is rather a file whose share is left out.
 bool isForeignRoot(const QByteArray& folded)
 {
-    const bool isDrive = folded.size() == 2 && folded[1] == ':';
-    return isDrive || (isSharePath(folded) && folded.indexOf('/', 2) < 0);
+    if (!isSharePath(folded))
+        return folded.size() == 2 && folded[1] == ':';
+    const int share = folded.indexOf('/', 2) + 1;
+    return share == 0 || (folded.indexOf('/', share) < 0 && folded.indexOf('.', share) < 0);
 }
 
 /// Where the last name begins.

@@ -17,12 +17,13 @@ QByteArray latin1(const _kvString<maxPath>& text)
     return kvToQString(text).toLatin1();
 }
 
-/// "[cfgPath]/x" and "[cfgPath]x" are the same: the folder ends in "/".
+/// "[cfgPath]/x" and "[cfgPath]x" are the same: the folder ends in "/". Its own name may hold the
+/// word.
 void replaceConfigPath(QByteArray& path, const QByteArray& folder)
 {
     if (!holds(path, configPathVariable))
         return;
-    path.replace(QByteArray(configPathVariable) + '/', folder);
+    path.replace(QByteArray(configPathVariable) + '/', configPathVariable);
     path.replace(configPathVariable, folder);
 }
 
@@ -34,9 +35,27 @@ QString seriesName(const SeriesFacts& facts)
     return facts.isInit ? name.chopped(suffixLength) : name;
 }
 
+/// True for "/x", which Windows takes for "\x", the root of the drive in use.
+bool isRooted(const QByteArray& path)
+{
+    return path.startsWith('/') && !isSharePath(path);
+}
+
 bool isDigit(char c)
 {
     return kvIsDigit(static_cast<unsigned char>(c));
+}
+
+/// True if a path of a task begins at the root of a drive as only Windows spells it: "\x".
+bool hasRootOfWindows(const SeriesFacts& facts)
+{
+    const auto isRooted = [](const QByteArray& path) {
+        return path.startsWith('\\') && !isSharePath(path);
+    };
+    return std::any_of(facts.lines.begin(), facts.lines.end(), [&](const LineFact& line) {
+        return isTask(line) && (isRooted(line.path(SourcePath)) || isRooted(line.path(DestPath)) ||
+                                isRooted(line.path(LogPath)) || isRooted(line.path(CsvPath)));
+    });
 }
 
 } // namespace
@@ -49,6 +68,7 @@ FileUses::FileUses(const SeriesFacts& facts, const QStringList& hosts,
     , m_keys(environment)
     , m_runFolder(facts.runFolder.toLatin1())
     , m_temp(here.tempFolder->text, here.tempFolder->length)
+    , m_hasRootOfWindows(hasRootOfWindows(facts))
 {
     takeMachines(hosts);
     // On other machines nobody knows what the folder is called, or whose files lie in it.
@@ -173,7 +193,8 @@ void FileUses::placeNames()
         const FileUse& use = firstUseOf(name);
         const int machines = name.byHost ? int(m_machines.size()) : 1;
         for (int machine = 0; machine < machines; ++machine) {
-            const int place = fileAt(pathOn(use, machine), !name.byTemp || m_isThisMachine);
+            const QByteArray path = onSystem(name.text, pathOn(use, machine));
+            const int place = fileAt(path, !name.byTemp || m_isThisMachine);
             m_places.push_back(place);
             UsedFile& file = m_files[size_t(place)];
             file.isLocal = file.isLocal || name.byTemp;
@@ -182,6 +203,18 @@ void FileUses::placeNames()
             file.ways.push_back({int(i), name.byHost ? machine : allMachines});
         }
     }
+}
+
+bool FileUses::isForeign(const QByteArray& name) const
+{
+    return isForeignPath(name) || (m_hasRootOfWindows && isRooted(name));
+}
+
+QByteArray FileUses::onSystem(const QByteArray& name, QByteArray path) const
+{
+    if (m_hasRootOfWindows && isRooted(name))
+        path[0] = '\\';
+    return path;
 }
 
 int FileUses::fileAt(const QByteArray& path, bool isHere)
@@ -234,7 +267,9 @@ void FileUses::addInit()
         if (maxVariables(use.name) != (use.name.startsWith(configPathVariable) ? 1 : 0) ||
             holds(path, "..") || isRelative(path))
             path = expander.resolve(line, use.name).toLatin1();
-        use.file = fileAt(holds(path, "//") ? resolvedPath(path) : path, true);
+        if (holds(path, "//"))
+            path = resolvedPath(path);
+        use.file = fileAt(onSystem(use.name, path), true);
         UsedFile& file = m_files[size_t(use.file)];
         // Of several spellings the last line leaves the file as it is.
         if (file.init < 0 || use.entry.isActive)

@@ -136,6 +136,10 @@ public:
     /// True if an earlier task, or an earlier iteration, writes a file before a use reads it.
     bool isWrittenBefore(const UsedFile& file, const FileUse& reading) const;
 
+    /// True for a name that this system can't look up: one of a file server or of Windows. If a
+    /// task has a path such as "\x", the series is for Windows, and "/x" is the same there.
+    bool isForeign(const QByteArray& name) const;
+
     /// The full name of a use on a machine, Latin-1; "[date]" stays.
     QByteArray pathOn(const FileUse& use, int machine) const;
 
@@ -149,6 +153,7 @@ private:
     void limitMachines();
     void placeNames();
     void addInit();
+    QByteArray onSystem(const QByteArray& name, QByteArray path) const;
     int fileAt(const QByteArray& path, bool isHere);
 
     const SeriesFacts& m_facts;
@@ -158,6 +163,7 @@ private:
     QByteArray m_runFolder;
     QByteArray m_runFolderKey; ///< with "/" at the end
     QByteArray m_temp;
+    bool m_hasRootOfWindows;
     std::vector<MachineName> m_machines;
     int m_givenMachines = 0;
     int m_longestValue = 0;      ///< characters, at least, of what a variable stands for

@@ -207,7 +207,7 @@ public:
         }
         const QByteArray& dest = fact.path(DestPath);
         // Below the config file's folder, the "_init" file is asked as a whole.
-        if (dest.isEmpty() || dest.startsWith(configPathVariable) || isForeignPath(dest))
+        if (dest.isEmpty() || dest.startsWith(configPathVariable) || m_uses.isForeign(dest))
             return;
         for (int i = 0; i < m_uses.useCount(line, DestPath); ++i) {
             const FileUse& use = m_uses.use(line, DestPath, i);
@@ -254,22 +254,30 @@ private:
         }
     }
 
-    /// A folder of each machine beside the config files: the "_init" file is made on one of them.
+    /// A folder of each machine: the "_init" file is made on one of them.
     void checkOfMachines(int line, TaskPath role)
     {
         const LineFact& fact = m_facts.lines[size_t(line)];
-        if (m_uses.givenMachines() == 0 || !fact.path(role).startsWith(configPathVariable))
+        if (m_uses.givenMachines() == 0 || m_uses.isForeign(fact.path(role)))
             return;
         for (int i = 0; i < m_uses.useCount(line, role); ++i) {
             const FileUse& use = m_uses.use(line, role, i);
+            if (!m_uses.nameOf(use).byHost)
+                continue;
             const QByteArray name = m_uses.nameOf(use).text;
             const QByteArray folder = name.left(name.lastIndexOf('/') + 1);
-            if (!holds(folder, hostVariable) || holds(folder, dateVariable) ||
-                m_checked.contains(folder))
+            if (!isOfEachMachine(folder) || m_checked.contains(folder))
                 continue;
             m_checked.insert(folder);
             sayLacking(fact, role, folder, machinesWithout(use));
         }
+    }
+
+    /// True for a folder that is another one on each machine, and can be looked at.
+    static bool isOfEachMachine(const QByteArray& folder)
+    {
+        return holds(folder, hostVariable) && !holds(folder, dateVariable) &&
+               !holds(folder, tempVariable);
     }
 
     std::vector<int> machinesWithout(const FileUse& use) const
@@ -289,12 +297,19 @@ private:
     {
         if (lacking.empty())
             return;
-        m_findings.add(
-            destFolderLocal, line, line.columnOf(role),
-            {fmt::format("the folder {} does not exist for {}, and nothing makes it: the _init "
-                         "file makes it for the machine that saved the series",
-                         quoted(folder), listedMachines(m_uses, lacking, int(lacking.size()))),
-             "make the folders, or put [host] into the name of the file"});
+        const std::string machines = listedMachines(m_uses, lacking, int(lacking.size()));
+        // Elsewhere it may be on a disk of the machine itself.
+        std::string text =
+            folder.startsWith(configPathVariable)
+                ? fmt::format("the folder {} does not exist for {}, and nothing makes it",
+                              quoted(folder), machines)
+                : fmt::format("the folder {} must be there on each machine, and is not here for {}",
+                              quoted(folder), machines);
+        text += role == DestPath && !folder.startsWith(configPathVariable)
+                    ? ": the _init file does not make it"
+                    : ": the _init file makes it for the machine that saved the series";
+        m_findings.add(destFolderLocal, line, line.columnOf(role),
+                       {text, "make the folders, or put [host] into the name of the file"});
     }
 
     /// On all machines that the folder can be seen of.

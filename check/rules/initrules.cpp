@@ -110,7 +110,7 @@ bool InitComparison::makesOtherSize(const Need& need, const InitEntry& entry) co
 
 void InitComparison::compare(const Need& need)
 {
-    if (need.isWritten || isForeignPath(need.line->path(need.which)))
+    if (need.isWritten || m_uses.isForeign(need.line->path(need.which)))
         return;
     const InitEntry* entry = m_init.entryOf(need.file.resolved);
     if (need.file.isDummy) {

@@ -15,8 +15,8 @@ constexpr Rule fileIsFolder = {
     "file-is-folder",
     Severity::Error,
     "paths",
-    "The source or destination names a folder: by a separator at its end, by [cfgPath] or [temp] "
-    "alone, or because a folder of that name exists.",
+    "The source or destination names a folder: by a separator at its end, by [cfgPath], [temp], a "
+    "drive, a server or a share alone, or because a folder of that name exists.",
     "name a file",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  [cfgPath]/out/;  "
             "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
@@ -65,8 +65,9 @@ constexpr Rule specialFile = {
     Severity::Error,
     "paths",
     "A path leads to a pipe, where the task waits for another program, or to a socket, which can't "
-    "be opened. A warning for a disk itself that a task writes: all that lies on it is lost. "
-    "Devices such as /dev/null may be named.",
+    "be opened. A warning for a disk itself that a task writes, because all that lies on it is "
+    "lost, and for /dev/null as a source, which holds no bytes. Devices may be named otherwise: "
+    "/dev/zero as a source, /dev/null for what nobody needs.",
     "name a file",
     withExisting("/data/out|", 0,
                  oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
@@ -75,10 +76,10 @@ constexpr Rule specialFile = {
                  oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
                          "/data/out;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"))};
 
-/// The fault of a file of this kind, as the end of a sentence; null if nothing is.
-const char* faultOfKind(PathStatus::Kind kind, TaskPath role)
+/// The fault of a file of its kind, as the end of a sentence; null if nothing is.
+const char* faultOfKind(const KeyedPath& path, TaskPath role)
 {
-    switch (kind) {
+    switch (path.kind) {
     case PathStatus::Kind::Pipe:
         return "is a pipe: the task waits until another program opens it";
     case PathStatus::Kind::Socket:
@@ -86,6 +87,10 @@ const char* faultOfKind(PathStatus::Kind kind, TaskPath role)
     case PathStatus::Kind::Disk:
         return role == SourcePath ? nullptr
                                   : "is a disk itself: the task overwrites what lies on it";
+    case PathStatus::Kind::Device:
+        return role == SourcePath && path.key == "/dev/null"
+                   ? "holds no bytes: there is nothing to read"
+                   : nullptr;
     default:
         return nullptr;
     }
@@ -97,14 +102,14 @@ void checkSpecialFile(const SeriesFacts& facts, const FileUses& uses, int line, 
 {
     for (int iteration = 0; iteration < uses.useCount(line, role); ++iteration) {
         const FileUse& use = uses.use(line, role, iteration);
-        const PathStatus::Kind kind = uses.file(use, 0).path.kind;
-        const char* const fault = faultOfKind(kind, role);
+        const KeyedPath& path = uses.file(use, 0).path;
+        const char* const fault = faultOfKind(path, role);
         if (fault == nullptr)
             continue;
         const LineFact& fact = facts.lines[size_t(line)];
         Message message = fmt::format("the {} {} {}", fieldName(firstPathField + role),
                                       quoted(uses.nameOf(use).text), fault);
-        if (kind == PathStatus::Kind::Disk)
+        if (path.kind == PathStatus::Kind::Disk || path.kind == PathStatus::Kind::Device)
             message = std::move(message).as(Severity::Warning);
         findings.add(specialFile, fact, fact.columnOf(role), std::move(message));
         return;

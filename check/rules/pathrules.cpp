@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <string>
 
 // Faults of a single path: its variables, its form, its folder.
@@ -28,6 +29,9 @@ constexpr Rule relativePath = {
             "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out/[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n")};
+
+constexpr unsigned char noBreakBlank = 0xA0;
+constexpr unsigned char softHyphen = 0xAD;
 
 /// The likely meaning of a path that is relative by mistake; empty if that is unknown.
 Message relativeMessage(const QByteArray& path, TaskPath which)
@@ -56,8 +60,10 @@ void checkRelative(const SeriesFacts& facts, const LineFact& line, TaskPath whic
     const QByteArray& path = line.path(which);
     if (path.isEmpty() || !isRelative(path) || (facts.isOfInit(line) && path == dummyFileName))
         return;
-    // A misspelled variable at the start is one mistake, not two.
-    if (path.startsWith('[') && !isVariable(path.left(path.indexOf(']') + 1)))
+    // A misspelled variable at the start is one mistake, not two, and so is a character there that
+    // can't be seen.
+    if ((path.startsWith('[') && !isVariable(path.left(path.indexOf(']') + 1))) ||
+        startsWithOtherNotation(path) || static_cast<unsigned char>(path[0]) == noBreakBlank)
         return;
     findings.add(relativePath, line, line.columnOf(which), relativeMessage(path, which));
 }
@@ -196,35 +202,67 @@ constexpr Rule controlCharacter = {
     Severity::Warning,
     "paths",
     "A path holds a character that can't be seen: a control character, a soft hyphen, or a "
-    "no-break blank at an end. It is part of the name.",
+    "no-break blank at the end of a name. It is part of the name. A note for a no-break blank "
+    "between other letters, which looks like a blank, and for a blank at the end of a name.",
     "remove the character",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out\t_[host].dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
 
-constexpr unsigned char noBreakBlank = 0xA0;
-constexpr unsigned char softHyphen = 0xAD;
+/// True at the beginning or the end of a path, and of a name in it.
+bool isAtEndOfName(const QByteArray& path, int place)
+{
+    const auto isSeparator = [](char c) { return c == '/' || c == '\\'; };
+    return place == 0 || place == path.size() - 1 || isSeparator(path[place - 1]) ||
+           isSeparator(path[place + 1]);
+}
 
+/// The severity of a character that can't be seen, or that is taken for a blank; nothing for
+/// others.
+std::optional<Severity> hiddenAs(const QByteArray& path, int place)
+{
+    const auto code = static_cast<unsigned char>(path[place]);
+    if (code == ' ')
+        return isAtEndOfName(path, place) ? std::optional(Severity::Note) : std::nullopt;
+    if (code == noBreakBlank)
+        return isAtEndOfName(path, place) ? Severity::Warning : Severity::Note;
+    const bool isHidden = code < 32 || (code > 126 && code < noBreakBlank) || code == softHyphen;
+    return isHidden ? std::optional(Severity::Warning) : std::nullopt;
+}
+
+Message messageOnHidden(const QByteArray& path, int place, const char* field)
+{
+    const auto code = static_cast<unsigned char>(path[place]);
+    if (code == ' ')
+        return fmt::format(
+            "a name in the {} begins or ends with a blank, which is part of the name", field);
+    const char* const look = code == noBreakBlank && !isAtEndOfName(path, place)
+                                 ? "looks like a blank, but is another character in the name"
+                                 : "can't be seen and is part of the name";
+    return fmt::format("{} holds the character \\x{:02X}, which {}", field, code, look);
+}
+
+/// The first, and of the first warnings before notes.
 void checkCharacters(const LineFact& line, TaskPath which, Findings& findings)
 {
     const QByteArray& path = line.path(which);
-    const auto isHidden = [&](const char& c) {
-        const auto code = static_cast<unsigned char>(c);
-        if (code <= 127)
-            return code < 32 || code == 127;
-        const bool isAtEnd = &c == path.begin() || &c == path.end() - 1;
-        const bool isUnseen =
-            code < noBreakBlank || code == softHyphen || (code == noBreakBlank && isAtEnd);
+    std::optional<Severity> worst;
+    int place = -1;
+    for (int i = 0; i < path.size() && worst != Severity::Warning; ++i) {
+        const char c = path[i];
+        if (c > ' ' && c < 127)
+            continue;
+        const std::optional<Severity> severity = hiddenAs(path, i);
         // Parts of letters in UTF-8 are a mistake of their own.
-        return isUnseen && !looksLikeUtf8(line.text);
-    };
-    const auto* const found = std::find_if(path.begin(), path.end(), isHidden);
-    if (found != path.end())
-        findings.add(
-            controlCharacter, line, line.columnOf(which) + int(found - path.begin()),
-            fmt::format("{} holds the character \\x{:02X}, which can't be seen and is part "
-                        "of the name",
-                        fieldName(firstPathField + which), static_cast<unsigned char>(*found)));
+        if (!severity || (worst && *severity == Severity::Note) ||
+            (static_cast<unsigned char>(c) > 127 && looksLikeUtf8(line.text)))
+            continue;
+        worst = severity;
+        place = i;
+    }
+    if (worst)
+        findings.add(controlCharacter, line, line.columnOf(which) + place,
+                     messageOnHidden(path, place, fieldName(firstPathField + which)).as(*worst));
 }
 
 void checkMarkerPath(const LineFact& line, Findings& findings)

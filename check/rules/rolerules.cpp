@@ -253,6 +253,33 @@ constexpr Rule namesMeet = {
             "true;\n",
             12)};
 
+bool varies(const QByteArray& path, VariesBy part)
+{
+    for (int i = 0; i < pathVariableCount; ++i) {
+        if (variationOf(static_cast<PathVariable>(i)) == part && path.contains(pathVariables[i]))
+            return true;
+    }
+    return false;
+}
+
+/// True for two uses of a file whose names were to tell them apart.
+bool areMeantApart(const SeriesFacts& facts, const FileUse& one, const FileUse& other)
+{
+    if (one.line == other.line && one.iteration == other.iteration)
+        return false;
+    const LineFact& oneLine = facts.lines[size_t(one.line)];
+    const LineFact& otherLine = facts.lines[size_t(other.line)];
+    const QByteArray& path = oneLine.path(one.role);
+    const QByteArray& otherPath = otherLine.path(other.role);
+    if (holds(path, iterVariable) && holds(otherPath, iterVariable) &&
+        one.iteration != other.iteration)
+        return true;
+    return path == otherPath &&
+           ((varies(path, VariesBy::Task) && oneLine.taskNumber != otherLine.taskNumber) ||
+            (varies(path, VariesBy::ConfigFile) &&
+             facts.fileOf(oneLine).number != facts.fileOf(otherLine).number));
+}
+
 /// The names that tasks write, with the first task that writes each.
 class MeetingNames
 {
@@ -282,38 +309,11 @@ private:
             if (first < 0)
                 first = i;
             const FileUse& before = m_uses.uses()[size_t(first)];
-            if (use.line == saidLine || !areMeantApart(before, use))
+            if (use.line == saidLine || !areMeantApart(m_facts, before, use))
                 continue;
             saidLine = use.line;
             say(before, use);
         }
-    }
-
-    bool areMeantApart(const FileUse& one, const FileUse& other) const
-    {
-        if (one.line == other.line && one.iteration == other.iteration)
-            return false;
-        const LineFact& oneLine = m_facts.lines[size_t(one.line)];
-        const LineFact& otherLine = m_facts.lines[size_t(other.line)];
-        const QByteArray& path = oneLine.path(one.role);
-        const QByteArray& otherPath = otherLine.path(other.role);
-        if (holds(path, iterVariable) && holds(otherPath, iterVariable) &&
-            one.iteration != other.iteration)
-            return true;
-        return path == otherPath &&
-               ((varies(path, VariesBy::Task) && oneLine.taskNumber != otherLine.taskNumber) ||
-                (varies(path, VariesBy::ConfigFile) &&
-                 m_facts.fileOf(oneLine).number != m_facts.fileOf(otherLine).number));
-    }
-
-    static bool varies(const QByteArray& path, VariesBy part)
-    {
-        for (int i = 0; i < pathVariableCount; ++i) {
-            if (variationOf(static_cast<PathVariable>(i)) == part &&
-                path.contains(pathVariables[i]))
-                return true;
-        }
-        return false;
     }
 
     void say(const FileUse& before, const FileUse& use)
@@ -348,25 +348,27 @@ constexpr Rule csvAcrossFiles = {
            {"mytest1.dpc", plainTask}, plainInit),
     oneFile(plainTask)};
 
-/// Once for each config file.
+/// Once for each config file. Names that meet although they tell the config file have a finding of
+/// their own.
 void checkCsvAcrossFiles(const SeriesFacts& facts, const FileUses& uses, Findings& findings)
 {
-    std::vector<int> firstLine(uses.files().size(), -1);
+    std::vector<const FileUse*> firstUse(uses.files().size(), nullptr);
     int saidFile = -1;
     for (const FileUse& use : uses.uses()) {
         if (use.role != CsvPath || uses.nameOf(use).byDate)
             continue;
-        int& first = firstLine[size_t(uses.fileOf(use, 0))];
-        first = first < 0 ? use.line : first;
+        const FileUse*& first = firstUse[size_t(uses.fileOf(use, 0))];
+        first = first == nullptr ? &use : first;
         const LineFact& line = facts.lines[size_t(use.line)];
-        const LineFact& before = facts.lines[size_t(first)];
-        if (facts.fileOf(line).number == facts.fileOf(before).number || line.file == saidFile)
+        const LineFact& before = facts.lines[size_t(first->line)];
+        if (facts.fileOf(line).number == facts.fileOf(before).number || line.file == saidFile ||
+            areMeantApart(facts, *first, use))
             continue;
         saidFile = line.file;
         findings.add(csvAcrossFiles, line, line.columnOf(CsvPath),
                      fmt::format("the .csv file {} is also that of {}: the results of both config "
                                  "files stand in one",
-                                 quoted(line.path(CsvPath)), placeOf(facts, first)));
+                                 quoted(line.path(CsvPath)), placeOf(facts, first->line)));
     }
 }
 

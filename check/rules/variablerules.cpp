@@ -10,6 +10,8 @@
 
 #include <fmt/format.h>
 
+#include <vector>
+
 // Whether the variables in a path are those that the speed test replaces.
 
 namespace {
@@ -48,6 +50,41 @@ struct VariableText
     QByteArray text;
     int column; ///< where it begins, from 1
 };
+
+/// The variable that corresponds to a word of other programs, in whatever capitals; null if none
+/// does.
+const char* likenessOf(const QString& word)
+{
+    static const QHash<QString, const char*> likenesses = {
+        {"host", "[host]"},          {"hostname", "[host]"},
+        {"computername", "[host]"},  {"computer", "[host]"},
+        {"machine", "[host]"},       {"machinename", "[host]"},
+        {"node", "[host]"},          {"pc", "[host]"},
+        {"date", "[date]"},          {"time", "[date]"},
+        {"datetime", "[date]"},      {"timestamp", "[date]"},
+        {"now", "[date]"},           {"temp", "[temp]"},
+        {"tmp", "[temp]"},           {"tmpdir", "[temp]"},
+        {"tempdir", "[temp]"},       {"tmppath", "[temp]"},
+        {"temppath", "[temp]"},      {"iter", "[iter]"},
+        {"iteration", "[iter]"},     {"loop", "[iter]"},
+        {"run", "[iter]"},           {"cfgpath", "[cfgPath]"},
+        {"pwd", "[cfgPath]"},        {"path", "[cfgPath]"},
+        {"dir", "[cfgPath]"},        {"folder", "[cfgPath]"},
+        {"cfgname", "[cfgName]"},    {"name", "[cfgName]"},
+        {"cfgfile", "[cfgName]"},    {"cfgtaskid", "[cfgTaskID]"},
+        {"taskid", "[cfgTaskID]"},   {"task", "[cfgTaskID]"},
+        {"cfgid", "[cfgID]"},        {"id", "[cfgID]"},
+        {"cfgnameid", "[cfgNameID]"}};
+    return likenesses.value(word.toLower(), nullptr);
+}
+
+/// The variable that is meant by a word in brackets; null if that is unknown.
+const char* meantBy(const QByteArray& word)
+{
+    const QString inside = QString::fromLatin1(word.mid(1).chopped(1)).trimmed();
+    const char* const likeness = likenessOf(inside);
+    return likeness != nullptr ? likeness : closest(word.toStdString(), pathVariables);
+}
 
 constexpr Rule unknownVariable = {
     "unknown-variable",
@@ -105,7 +142,7 @@ private:
             return;
         add(path, open,
             fmt::format("unknown variable {}{}: it stays in the name as it is", quoted(word),
-                        didYouMean(closest(word.toStdString(), pathVariables))));
+                        didYouMean(meantBy(word))));
     }
 
     /// A folder or a file may be called so.
@@ -152,51 +189,56 @@ private:
 
 constexpr Rule otherNotation = {
     "other-notation",
-    Severity::Note,
+    Severity::Warning,
     "paths",
     "The path holds a variable in the notation of another program, which stays in the name as it "
-    "is.",
+    "is. A note, unless the path begins with it: then the path is relative.",
     "write the variable in brackets, as the editor lists it",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[cfgPath]/out_$HOSTNAME.dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
     oneFile(plainTask)};
 
-/// The variable that corresponds to a word of other programs; null if none does.
-const char* likenessOf(const QString& word)
+/// A word in the notation of another program.
+struct OtherWord
 {
-    static const QHash<QString, const char*> likenesses = {
-        {"host", "[host]"},           {"hostname", "[host]"}, {"computername", "[host]"},
-        {"machine", "[host]"},        {"date", "[date]"},     {"time", "[date]"},
-        {"datetime", "[date]"},       {"temp", "[temp]"},     {"tmp", "[temp]"},
-        {"tmpdir", "[temp]"},         {"iter", "[iter]"},     {"iteration", "[iter]"},
-        {"cfgpath", "[cfgPath]"},     {"pwd", "[cfgPath]"},   {"cfgname", "[cfgName]"},
-        {"cfgtaskid", "[cfgTaskID]"}, {"cfgid", "[cfgID]"},   {"cfgnameid", "[cfgNameID]"}};
-    return likenesses.value(word.toLower(), nullptr);
-}
+    int place; ///< from 0
+    QString text;
+    const char* likeness; ///< the variable that it corresponds to, or null
+};
 
-void checkOtherNotation(const VariableText& path, Findings& findings)
+std::vector<OtherWord> otherWordsIn(const QByteArray& path)
 {
-    // ${x}, $(x), {x}, <x>, %x%, !x!, @x@ and $X; of a small word after "$" only those that have a
-    // likeness. (date) and (temp) may be meant so, (host) hardly.
+    // ${x}, $(x), {x}, <x>, %x%, !x!, @x@, (x) and $X; of a small word after "$" only those that
+    // have a likeness.
     static const QRegularExpression pattern(
         R"(\$\{(\w+)\}|\$\((\w+)\)|\{(\w+)\}|<(\w+)>|%(\w+)%|!(\w+)!|@(\w+)@|\$([A-Za-z_]\w+))"
-        R"(|\(((?:host|iter|cfg)\w*)\))",
+        R"(|\(((?:host|iter|date|temp|cfg)\w*)\))",
         QRegularExpression::CaseInsensitiveOption);
-    if (path.text.toStdString().find_first_of("${<%!@(") == std::string::npos)
-        return;
-    auto matches = pattern.globalMatch(QString::fromLatin1(path.text));
+    std::vector<OtherWord> words;
+    if (path.toStdString().find_first_of("${<%!@(") == std::string::npos)
+        return words;
+    auto matches = pattern.globalMatch(QString::fromLatin1(path));
     while (matches.hasNext()) {
         const QRegularExpressionMatch match = matches.next();
         const QString word = match.captured(match.lastCapturedIndex());
         const char* likeness = likenessOf(word);
         const bool isByName =
             match.captured().startsWith('$') && word == word.toUpper() && word != word.toLower();
-        if (likeness == nullptr && !isByName)
-            continue;
-        findings.add(otherNotation, path.line, path.column + match.capturedStart(),
-                     fmt::format("{} is not a variable here{}: it stays in the name as it is",
-                                 quoted(match.captured()), didYouMean(likeness)));
+        if (likeness != nullptr || isByName)
+            words.push_back({match.capturedStart(), match.captured(), likeness});
     }
+    return words;
+}
+
+/// At the start of a path the word is meant for the folder.
+void checkOtherNotation(const VariableText& path, Findings& findings)
+{
+    for (const OtherWord& word : otherWordsIn(path.text))
+        findings.add(otherNotation, path.line, path.column + word.place,
+                     Message(fmt::format("{} is not a variable here{}: it stays in the name as it "
+                                         "is",
+                                         quoted(word.text), didYouMean(word.likeness)))
+                         .as(word.place == 0 ? Severity::Warning : Severity::Note));
 }
 
 constexpr Rule folderVariable = {
@@ -235,6 +277,12 @@ QByteArray markerPath(const LineFact& line)
 }
 
 } // namespace
+
+bool startsWithOtherNotation(const QByteArray& path)
+{
+    const std::vector<OtherWord> words = otherWordsIn(path);
+    return !words.empty() && words.front().place == 0;
+}
 
 void checkVariables(const SeriesFacts& facts, const CheckOptions& options, Findings& findings)
 {

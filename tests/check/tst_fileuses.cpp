@@ -161,7 +161,10 @@ private slots:
         row("\\\\nas\\e\\x", "//NAS/e/x", true);
         row("\\\\?\\C:\\e", "C:\\e", true);
         row("\\\\?\\UNC\\nas\\e\\x", "\\\\nas\\e\\x", true);
-        row("\\e\\x", "/e/x", false);
+        row("\\e\\x", "/e/x", true);
+        row("\\e\\x", "/e/../E/X", true);
+        row("\\e\\x", "C:\\e\\x", false);
+        row("\\e\\x", "[cfgPath]/x", false);
         row("//nas/e/x", "/nas/e/x", false);
     }
 
@@ -246,8 +249,8 @@ private slots:
 
     void pathsThatNameAFolder()
     {
-        for (const char* path :
-             {"/d/", "[cfgPath]", "[temp]", "[temp]/..", "C:\\e\\", "[cfgPath]\\"}) {
+        for (const char* path : {"/d/", "[cfgPath]", "[temp]", "[temp]/..", "C:\\e\\",
+                                 "[cfgPath]\\", "//nas/e", "\\\\nas\\e"}) {
             const FileUses& uses = m_fixture->uses(copying(path, "/d/x"));
             QVERIFY2(uses.file(uses.use(0, SourcePath, 0), 0).path.namesFolder, path);
         }

@@ -56,6 +56,12 @@ private slots:
         QCOMPARE(m_series->hits("shared-output", writing("[cfgPath]/[host][iter].dat", 1024, 12)),
                  1);
         QVERIFY(m_series->text("shared-output").startsWith("pc1, pc11 all write"));
+        QCOMPARE(m_series->hits("shared-output", writing("[cfgPath]/[iter][host].dat", 1024, 12)),
+                 0);
+        m_series->options().hosts = QStringList{"1pc", "pc"};
+        QCOMPARE(m_series->hits("shared-output", writing("[cfgPath]/[iter][host].dat", 1024, 12)),
+                 1);
+        m_series->options().hosts = QStringList{"pc1", "pc11"};
         QCOMPARE(m_series->hits("shared-output", writing("[cfgPath]/[host]_[iter].dat", 1024, 12)),
                  0);
         QCOMPARE(m_series->hits("shared-output", writing("[cfgPath]/[host][iter].dat", 1024, 5)),
@@ -123,12 +129,26 @@ private slots:
     void foldersThatEachMachineNeeds()
     {
         m_series->options().hosts = QStringList{"pc1", "pc2"};
-        const QByteArray lines = writing("/d/[host]/x");
-        QCOMPARE(m_series->hits("dest-folder-local", lines), 1);
+        const QByteArrayList all = {writing("/d/[host]/x"),
+                                    withLog("[cfgPath]/x_[host]", "/d/[host]/l.txt"),
+                                    withCsv("/d/[host]/c.csv")};
+        for (const QByteArray& lines : all)
+            QCOMPARE(m_series->hits("dest-folder-local", lines), 1);
         m_series->setExisting("/d/pc1/");
-        QCOMPARE(m_series->hits("dest-folder-local", lines), 1);
+        for (const QByteArray& lines : all) {
+            QCOMPARE(m_series->hits("dest-folder-local", lines), 1);
+            QVERIFY(m_series->text("dest-folder-local").contains("is not here for pc2: "));
+            m_series->options().hosts = QStringList{"pc1"};
+            QCOMPARE(m_series->hits("dest-folder-local", lines), 0);
+            m_series->options().hosts = QStringList{"pc1", "pc2"};
+        }
+        QCOMPARE(m_series->hits("dest-folder-local", writing("//nas/e/[host]/x")), 0);
         m_series->setExisting("/d/pc2/");
-        QCOMPARE(m_series->hits("dest-folder-local", lines), 0);
+        for (const QByteArray& lines : all)
+            QCOMPARE(m_series->hits("dest-folder-local", lines), 0);
+        // Without the names of the machines nobody can tell.
+        m_series->options().hosts.clear();
+        QCOMPARE(m_series->hits("dest-folder-local", all.first()), 1);
     }
 
     void allMachinesOfALargeListAreCounted()

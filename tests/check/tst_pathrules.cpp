@@ -60,9 +60,10 @@ private slots:
             writing("/d/[iter_[host]"), writing("/d/[x_[host]"));
         for (const char* path :
              {"/d/{host}", "/d/${HOST}", "/d/$HOSTNAME", "/d/%COMPUTERNAME%", "/d/<host>",
-              "/d/$(hostname)", "/d/(host)", "/d/(cfgName)", "/d/!hostname!", "/d/@HOST@"})
+              "/d/$(hostname)", "/d/(host)", "/d/(cfgName)", "/d/!hostname!", "/d/@HOST@",
+              "/d/(date)", "/d/x (temp)", "/d/{name}", "/d/<path>"})
             row(path, "other-notation", writing(path),
-                writing("/d/a$b{c}d<e>f%g%(h)!i!@j@(date)(my temp)"));
+                writing("/d/a$b{c}d<e>f%g%(h)!i!@j@(dats)(my temp)"));
         row("temporary folder without a separator", "folder-variable", writing("[temp]x"),
             writing("[temp]/x"));
         row("folder inside of a path", "folder-variable", writing("/d/[cfgPath]/x"),
@@ -82,8 +83,10 @@ private slots:
         row("C1 control character beside a letter", "control-character", writing("/d/\xE4\x9F"),
             writing("/d/\xC3\x9F"));
         row("no-break blank at the end", "control-character", writing("/d/a\xA0"),
-            writing("/d/a\xA0"
-                    "b"));
+            writing("/d/a b"));
+        row("blank at the end of a folder", "control-character", writing("/d /a"));
+        row("blank at the beginning of a name", "control-character", writing("/d/ a"),
+            writing("   /d/a   "));
         row("variable in a log", "unknown-variable", goodLine({{12, "/d/[name]"}}));
         row("variable in a marker", "unknown-variable", "[CfgPath]/a1.dpc\n", "[cfgPath]/a1.dpc\n");
         row("long marker", "long-path", '/' + QByteArray(496, 'x') + ".dpc\n",
@@ -110,7 +113,8 @@ private slots:
         row("source by host", "source-local", reading("/d/[host].dat"), reading("/d/host.dat"));
         row("destination folder", "dest-folder", writing("/none/x"), writing("[cfgPath]/none/x"));
         row("dated folder", "dest-folder", writing("/d/[date]/x"), writing("[temp]/[date]"));
-        row("folder of another system", "dest-folder", writing("/none/x"), writing("\\\\nas\\x"));
+        row("folder of another system", "dest-folder", writing("/none/x"),
+            writing("\\\\nas\\e\\x"));
         row("local folder", "dest-folder-local", writing("[temp]/none/x"), writing("[temp]/x"));
         row("many iterations", "many-iterations", goodLine({{8, "2000000000"}, {11, "/d/[iter]"}}),
             goodLine({{8, "2000000000"}}));
@@ -123,6 +127,29 @@ private slots:
         QFETCH(QByteArray, good);
         QVERIFY(m_series->hits(rule, bad) >= 1);
         QCOMPARE(m_series->hits(rule, good), 0);
+    }
+
+    /// A blank is what a person sees, and a part of the name in any case.
+    void blanksThatAreNotSeen()
+    {
+        const auto severity = [&](const QByteArray& path) {
+            m_series->put("a.dpc", writing(path));
+            return m_series->said({"control-character"}).size() == 1
+                       ? m_series->severity("control-character")
+                       : Severity::Error;
+        };
+        for (const char* path : {"/d/\xA0x", "/d/x\xA0", "/d\xA0/x", "C:\\d\xA0\\x", "\xA0/d/x"})
+            QCOMPARE(severity(path), Severity::Warning);
+        for (const char* path : {"/d/x\xA0y", "/d/ x", "/d /x", "C:\\ d\\x"})
+            QCOMPARE(severity(path), Severity::Note);
+        // The worst of several is said.
+        QCOMPARE(severity("/d/ x\xA0y\tz"), Severity::Warning);
+        QVERIFY(m_series->text("control-character").contains("\\x09"));
+        QCOMPARE(severity("/d/ x\xA0y"), Severity::Note);
+        QVERIFY(m_series->text("control-character").contains("begins or ends with a blank"));
+        QCOMPARE(m_series->hits("control-character", writing("/d/\xC3\xA0")), 0);
+        // The path is relative by that character only.
+        QCOMPARE(m_series->hits("relative-path", writing("\xA0[cfgPath]/x")), 0);
     }
 
     /// Exactly 500 characters fit, with the values of any machine.
@@ -168,8 +195,34 @@ private slots:
         QVERIFY(m_series->text("unknown-variable").contains("did you mean [cfgPath]?"));
         m_series->put("a.dpc", writing("/d/[something]"));
         QVERIFY(!m_series->text("unknown-variable").contains("did you mean"));
+        const QMap<const char*, const char*> meant = {
+            {"[hostname]", "[host]"},      {"[ComputerName]", "[host]"}, {"[machine]", "[host]"},
+            {"[iteration]", "[iter]"},     {"[time]", "[date]"},         {"[datetime]", "[date]"},
+            {"[tmp]", "[temp]"},           {"[path]", "[cfgPath]"},      {"[name]", "[cfgName]"},
+            {"[ host ]", "[host]"},        {"[TaskID]", "[cfgTaskID]"},  {"[cfgid]", "[cfgID]"},
+            {"[CFGNAMEID]", "[cfgNameID]"}};
+        for (auto word = meant.begin(); word != meant.end(); ++word) {
+            QCOMPARE(m_series->hits("unknown-variable", writing(QByteArray("/d/x_") + word.key())),
+                     1);
+            QVERIFY2(m_series->text("unknown-variable")
+                         .contains(QString("did you mean %1?").arg(word.value())),
+                     word.key());
+        }
         m_series->put("a.dpc", reading("memory"));
         QVERIFY(m_series->text("relative-path").contains("write MEMORY in capitals"));
+    }
+
+    /// One mistake, which has one finding beside that of the folder.
+    void otherNotationInPlaceOfAFolder()
+    {
+        for (const char* path : {"%temp%/x", "$TEMP/x", "{temp}/x", "<temp>/x", "(temp)/x"}) {
+            QCOMPARE(m_series->hits("other-notation", writing(path)), 1);
+            QCOMPARE(m_series->severity("other-notation"), Severity::Warning);
+            QCOMPARE(m_series->hits("relative-path", writing(path)), 0);
+        }
+        QCOMPARE(m_series->hits("other-notation", writing("/d/%temp%")), 1);
+        QCOMPARE(m_series->severity("other-notation"), Severity::Note);
+        QCOMPARE(m_series->hits("relative-path", writing("x/%temp%")), 1);
     }
 
     void bracketsInTheFolderAreNoVariable()

@@ -29,6 +29,32 @@ private slots:
         QCOMPARE(m_series->severity("special-file"), Severity::Warning);
     }
 
+    /// The file is there, so that no save makes it, and the task reads nothing.
+    void sourceWithoutAnyBytes()
+    {
+        m_series->put("a_init.dpc", dummy);
+        for (const char* device : {"/dev/null", "/dev/zero"})
+            m_series->setSpecial(device, PathStatus::Kind::Device);
+        QCOMPARE(m_series->hits("special-file", reading("/dev/null")), 1);
+        QCOMPARE(m_series->severity("special-file"), Severity::Warning);
+        QCOMPARE(m_series->said().size(), 1);
+        m_series->put("a.dpc", reading("/dev/zero") + writing("/dev/null") +
+                                   withLog("[cfgPath]/x", "/dev/null") + withCsv("/dev/null"));
+        QCOMPARE(m_series->said(), QStringList());
+    }
+
+    /// "/e/x" is on the disk of Windows as well, if another path can be on no other.
+    void rootOfWindowsIsNotLookedUpHere()
+    {
+        m_series->put("a_init.dpc", dummy);
+        m_series->put("a.dpc", writing("\\e\\x") + reading("/e/x") + writing("/none/x") +
+                                   withLog("[cfgPath]/[host]", "/none/l"));
+        QCOMPARE(m_series->said(), QStringList());
+        QCOMPARE(m_series->hits("source-missing", writing("C:\\e\\x") + reading("/e/x")), 1);
+        QCOMPARE(m_series->hits("source-missing", writing("\\\\nas\\e\\x") + reading("/e/x")), 1);
+        QCOMPARE(m_series->hits("source-missing", writing("\\e\\x") + reading("[cfgPath]/x")), 1);
+    }
+
     /// Only this machine's folder for temporary files has a name that is known.
     void namesThatMeetInTheTemporaryFolder()
     {
@@ -167,7 +193,18 @@ private slots:
         row("destination ends in two dots", "file-is-folder", writing("[cfgPath]/out/x/.."),
             writing("[cfgPath]/out..") + writing("[cfgPath]/x"));
         row("destination is a drive", "file-is-folder", writing("d:"), writing("d:x"));
-        row("destination is a server", "file-is-folder", writing("\\\\nas"), writing("\\\\nas\\x"));
+        row("destination is a server", "file-is-folder", writing("\\\\nas"),
+            writing("\\\\nas\\e\\x"));
+        row("source is a share", "file-is-folder", reading("//nas/e"), reading("//nas/e/x"));
+        row("destination is a share of Windows", "file-is-folder", writing("\\\\?\\UNC\\nas\\e"),
+            writing("\\\\nas\\x.dat"));
+        row("log is a share", "log-is-folder", withLog("[cfgPath]/x", "\\\\nas\\e$"),
+            withLog("[cfgPath]/x", "\\\\nas\\e$\\l"));
+        row("csv is a share", "log-is-folder", withCsv("//nas/[host]"), withCsv("//nas/e/[host]"));
+        row("same at the root of Windows", "same-file", task("\\e\\s.dat", "/e/S.dat"),
+            task("\\e\\s.dat", "/e/t.dat"));
+        row("log at the root of Windows", "results-over-data", withLog("/e/x", "\\e\\x"),
+            withLog("/e/x", "\\e\\y"));
         row("destination is the folder", "file-is-folder", writing("[cfgPath]"),
             writing("[cfgPath]out"));
         row("destination is a folder that exists", "file-is-folder", writing("[cfgPath]/_wait"),
@@ -194,6 +231,15 @@ private slots:
         row("read before it is written", "source-missing",
             reading("[cfgPath]/d.dat") + writing("[cfgPath]/d.dat"),
             writing("[cfgPath]/d.dat") + reading("[cfgPath]/d.dat"));
+        QByteArray read;
+        for (int i = 0; i < 10; ++i)
+            read += making("[cfgPath]/a" + QByteArray::number(i));
+        row("written in a later iteration", "source-missing",
+            task("[cfgPath]/a[iter]", "[cfgPath]/a0[iter]", 1024, 12),
+            task("[cfgPath]/a[iter]", "[cfgPath]/a1[iter]", 1024, 12), read);
+        row("written by a later task", "source-missing",
+            reading("[cfgPath]/a[iter]", 1024, 11) + writing("[cfgPath]/a10"),
+            writing("[cfgPath]/a10") + reading("[cfgPath]/a[iter]", 1024, 11), read);
         row("missing in the last iteration", "source-missing",
             reading("[cfgPath]/s[iter].dat", 1024, 3), reading("[cfgPath]/s[iter].dat", 1024, 2),
             making("[cfgPath]/s0.dat") + making("[cfgPath]/s1.dat"));
@@ -358,6 +404,43 @@ private slots:
         };
         QCOMPARE(hits(own + own), QStringList());
         QCOMPARE(hits(shared + shared).size(), 1);
+    }
+
+    /// Numbers of config files, tasks and iterations, in all orders and all that is written.
+    void namesThatMeetAcrossConfigFiles_data()
+    {
+        QTest::addColumn<QByteArray>("path");
+        QTest::addColumn<bool>("meet");
+        const auto row = [](const char* path, bool meet) {
+            QTest::newRow(path) << QByteArray(path) << meet;
+        };
+        row("[cfgPath]/x[cfgID][iter].dat", true);
+        row("[cfgPath]/x[iter][cfgID].dat", true);
+        row("[cfgPath]/[cfgNameID][iter].dat", true);
+        row("[cfgPath]/x[iter][cfgNameID].dat", false);
+        row("[cfgPath]/x[cfgID]_[iter].dat", false);
+        row("[cfgPath]/[cfgNameID]_[iter].dat", false);
+    }
+
+    void namesThatMeetAcrossConfigFiles()
+    {
+        QFETCH(QByteArray, path);
+        QFETCH(bool, meet);
+        const QByteArray dest = "[cfgPath]/o_[cfgID]_[iter]";
+        const QByteArray log = "[cfgPath]/l_[cfgID]";
+        const QByteArray csv = "[cfgPath]/c_[cfgID]";
+        for (const QByteArray& line :
+             {task("MEMORY", path, 1024, 12, log, csv), task("MEMORY", dest, 1024, 12, path, csv),
+              task("MEMORY", dest, 1024, 12, log, path)}) {
+            for (int i = 0; i < 12; ++i) {
+                const QString name = i == 0 ? QString("a.dpc") : QString("a%1.dpc").arg(i);
+                const QByteArray next = "[cfgPath]/a" + QByteArray::number(i + 1) + ".dpc\n";
+                m_series->put(name, line + (i < 11 ? next : QByteArray()));
+            }
+            const QStringList said = m_series->said({"names-meet", "csv-across-files"});
+            QCOMPARE(!said.isEmpty(), meet);
+            QCOMPARE(said.filter("csv-across-files"), QStringList());
+        }
     }
 
 private:
