@@ -17,16 +17,6 @@ QByteArray latin1(const _kvString<maxPath>& text)
     return kvToQString(text).toLatin1();
 }
 
-/// "[cfgPath]/x" and "[cfgPath]x" are the same: the folder ends in "/". Its own name may hold the
-/// word.
-void replaceConfigPath(QByteArray& path, const QByteArray& folder)
-{
-    if (!holds(path, configPathVariable))
-        return;
-    path.replace(QByteArray(configPathVariable) + '/', configPathVariable);
-    path.replace(configPathVariable, folder);
-}
-
 /// An "_init" file that was chosen itself belongs to the series of its name.
 QString seriesName(const SeriesFacts& facts)
 {

@@ -94,7 +94,7 @@ void Needs::add(const FileUse& use, const QByteArray& text, qint64 size, bool is
         return;
     m_known.insert(text);
     QByteArray path = text;
-    path.replace("[cfgPath]/", m_runFolder).replace(configPathVariable, m_runFolder);
+    replaceConfigPath(path, m_runFolder);
     m_needs.push_back(
         {&m_facts.lines[size_t(use.line)],
          use.role,

@@ -1,11 +1,13 @@
 #include "check/nameexpander.h"
 
+#include "check/text.h"
 #include "shared/kvfile.h"
 #include "shared/kvpath.h"
 #include "shared/kvtext.h"
 #include "shared/kvtime.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 namespace {
@@ -145,9 +147,22 @@ MachineValues thisMachine()
     return {getComputerName(), _kvTime(true).asStringFileName_TruncSec(), kvGetTempDir()};
 }
 
+void replaceConfigPath(QByteArray& path, const QByteArray& folder)
+{
+    if (!holds(path, configPathVariable))
+        return;
+    // "[cfgPath]/x" and "[cfgPath]x" are the same.
+    path.replace("[cfgPath]/", configPathVariable);
+    path.replace(configPathVariable, folder);
+}
+
 bool isRelative(const QByteArray& path)
 {
-    return isRelativePath(toPath(path));
+    // The beginning tells, and copying all of each path takes time.
+    constexpr int longestBeginning = int(std::char_traits<char>::length(configPathVariable));
+    Path beginning;
+    beginning.add(path.constData(), std::min(path.size(), longestBeginning));
+    return isRelativePath(beginning);
 }
 
 bool dependsOnMachine(const QString& name)

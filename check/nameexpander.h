@@ -52,6 +52,10 @@ MachineValues noMachine();
 /// This machine, asked once.
 MachineValues thisMachine();
 
+/// Puts the folder of the config files, which ends in "/", in the place of "[cfgPath]". The name of
+/// the folder may hold that word itself.
+void replaceConfigPath(QByteArray& path, const QByteArray& folder);
+
 /// True if a path counts from the folder of the config file that names it; also for the empty path.
 bool isRelative(const QByteArray& path);
 

@@ -30,15 +30,16 @@ QByteArray filled(const QByteArray& text, int iteration, int taskNumber)
         return text;
     QByteArray name;
     name.reserve(text.size() + 10);
-    for (const char c : text) {
-        if (c == iterationMark)
-            name += QByteArray::number(iteration);
-        else if (c == taskMark)
-            name += QByteArray::number(taskNumber);
-        else
-            name += c;
+    const auto isMark = [](char c) { return c == iterationMark || c == taskMark; };
+    const char* from = text.begin();
+    while (true) {
+        const char* const mark = std::find_if(from, text.end(), isMark);
+        name.append(from, int(mark - from));
+        if (mark == text.end())
+            return name;
+        name += QByteArray::number(*mark == iterationMark ? iteration : taskNumber);
+        from = mark + 1;
     }
-    return name;
 }
 
 } // namespace

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <vector>
 
 namespace {
@@ -58,6 +60,21 @@ int editDistance(const std::string& a, const std::string& b)
     return row[b.size()];
 }
 
+/// Looks at eight characters at a time: most lines have no others.
+bool isAscii(const QByteArray& text)
+{
+    constexpr std::uint64_t highBits = 0x8080808080808080;
+    int i = 0;
+    for (; i + 8 <= text.size(); i += 8) {
+        std::uint64_t eight = 0;
+        std::memcpy(&eight, text.constData() + i, sizeof eight);
+        if ((eight & highBits) != 0)
+            return false;
+    }
+    return std::all_of(text.begin() + i, text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 128; });
+}
+
 } // namespace
 
 std::string printable(const QString& text)
@@ -101,6 +118,8 @@ std::string quoted(const QByteArray& latin1)
 
 bool looksLikeUtf8(const QByteArray& text)
 {
+    if (isAscii(text))
+        return false;
     const auto isContinuation = [](char c) {
         return (static_cast<unsigned char>(c) & 0xC0U) == 0x80;
     };

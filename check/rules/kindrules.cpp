@@ -35,6 +35,9 @@ constexpr Rule logIsFolder = {
 /// True if a path ends in "." or "..", which are gone once it is resolved.
 bool endsInDots(const QByteArray& path)
 {
+    // Most paths end in a letter.
+    if (!path.endsWith('.'))
+        return false;
     const int start = std::max(path.lastIndexOf('/'), path.lastIndexOf('\\')) + 1;
     const QByteArray last = path.mid(start);
     return last == "." || last == "..";

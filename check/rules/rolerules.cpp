@@ -256,7 +256,7 @@ constexpr Rule namesMeet = {
 bool varies(const QByteArray& path, VariesBy part)
 {
     for (int i = 0; i < pathVariableCount; ++i) {
-        if (variationOf(static_cast<PathVariable>(i)) == part && path.contains(pathVariables[i]))
+        if (variationOf(static_cast<PathVariable>(i)) == part && holds(path, pathVariables[i]))
             return true;
     }
     return false;
@@ -275,9 +275,9 @@ bool areMeantApart(const SeriesFacts& facts, const FileUse& one, const FileUse& 
         one.iteration != other.iteration)
         return true;
     return path == otherPath &&
-           ((varies(path, VariesBy::Task) && oneLine.taskNumber != otherLine.taskNumber) ||
-            (varies(path, VariesBy::ConfigFile) &&
-             facts.fileOf(oneLine).number != facts.fileOf(otherLine).number));
+           ((oneLine.taskNumber != otherLine.taskNumber && varies(path, VariesBy::Task)) ||
+            (facts.fileOf(oneLine).number != facts.fileOf(otherLine).number &&
+             varies(path, VariesBy::ConfigFile)));
 }
 
 /// The names that tasks write, with the first task that writes each.

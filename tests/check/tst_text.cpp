@@ -206,6 +206,19 @@ private slots:
         QTEST(looksLikeUtf8(text), "isUtf8");
     }
 
+    /// Texts of all lengths, with the letter in all places.
+    void utf8IsFoundAnywhere()
+    {
+        for (int length = 2; length < 20; ++length) {
+            for (int place = 0; place + 2 <= length; ++place) {
+                QByteArray text(length, 'a');
+                QVERIFY(!looksLikeUtf8(text));
+                text.replace(place, 2, "\xC3\xBC");
+                QVERIFY(looksLikeUtf8(text));
+            }
+        }
+    }
+
     void variablesAreCountedByTheirBrackets()
     {
         QCOMPARE(maxVariables(""), 0);

@@ -325,6 +325,20 @@ private slots:
         QCOMPARE(m_series->errorsAndWarnings(), QStringList());
     }
 
+    /// A variable is replaced once, whatever the folder is called.
+    void folderThatIsCalledAsAVariable()
+    {
+        for (const char* folder : {"[cfgPath]", "[cfgPath]x", "a[cfgPath]"}) {
+            const QString series = QString(folder) + "/a.dpc";
+            m_series->put(series, withCsv("[cfgPath]/[host].csv", "[cfgPath]l/[host].txt") +
+                                      reading("[cfgPath]/s.dat"));
+            m_series->put(QString(folder) + "/s.dat", {});
+            m_series->setExisting(m_series->root() + folder + "/l/");
+            m_series->options().hosts = QStringList{"pc1", "pc2"};
+            QCOMPARE(m_series->said({}, series), QStringList());
+        }
+    }
+
     /// Long names take memory and time, not only many.
     void iterationsThatAreLookedAt()
     {
