@@ -72,6 +72,13 @@ void FileScanner::scan()
         noteLine(m_file, reader, offset);
         scanLine(line, reader.lineLength(), reader.lineNumber());
     }
+    // A part of a file must not pass for the whole: a share that goes away gives only the
+    // beginning.
+    const QString error = reader.readError();
+    if (!error.isEmpty()) {
+        m_file.readable = false;
+        m_file.whyUnreadable = error.toStdString();
+    }
     m_file.wasCut = reader.fileWasCut();
     m_file.endEntry = int(m_lines.size());
 }

@@ -45,6 +45,8 @@ function(twdp_set_counters target)
         target_compile_options(${target} PRIVATE --coverage -fno-exceptions)
         target_compile_definitions(${target} PRIVATE TWDP_COVERAGE)
         target_link_options(${target} PRIVATE --coverage)
+        # Only in this dialect does gcc keep the counts of a process that becomes another program.
+        set_target_properties(${target} PROPERTIES CXX_EXTENSIONS ON)
     endif()
 endfunction()
 

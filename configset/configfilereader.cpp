@@ -68,6 +68,7 @@ bool ConfigFileReader::fillBuffer()
 {
     const qint64 wanted = std::min<qint64>(sizeof m_buffer, maxFileRead - m_bytesRead);
     const qint64 count = m_file.isOpen() && wanted > 0 ? m_file.read(m_buffer, wanted) : 0;
+    m_hasFailed = m_hasFailed || count < 0;
     m_position = 0;
     m_end = static_cast<int>(std::max<qint64>(count, 0));
     if (m_bytesRead == 0)

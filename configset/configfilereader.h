@@ -39,6 +39,9 @@ public:
 
     int lineNumber() const { return m_lineNumber; }    ///< of the last line, from 1
     qint64 lineLength() const { return m_lineLength; } ///< bytes of the last line, uncut
+    /// Why a part of the file could not be read, as the system tells; empty if none. It looks like
+    /// the end of the file.
+    QString readError() const { return m_hasFailed ? m_file.errorString() : QString(); }
     /// True if `maxFileRead` was reached before the end of the file, so that the rest is not read.
     bool fileWasCut() const { return m_bytesRead >= maxFileRead && !m_file.atEnd(); }
 
@@ -53,4 +56,5 @@ private:
     int m_lineNumber = 0;
     qint64 m_lineLength = 0;
     qint64 m_bytesRead = 0;
+    bool m_hasFailed = false;
 };

@@ -1,4 +1,5 @@
 #include "dpc/commandline.h"
+#include "dpc/runtext.h"
 #include "tests/engine/seriesrun.h"
 #include "tests/support/files.h"
 #include "tests/support/recording.h"
@@ -44,6 +45,10 @@ private slots:
     void tellsWhyASeriesDoesNotRun_data();
     void tellsWhyASeriesDoesNotRun();
     void tellsOfAPlaceThatIsTaken();
+    void tellsOfATroubledFio_data();
+    void tellsOfATroubledFio();
+    void tellsTheSizesThatSourcesHave();
+    void tellsHowFarItIs();
 
 private:
     void run(const QStringList& arguments, int status) const;
@@ -51,10 +56,10 @@ private:
     QString comparable(QString text) const;
     QString folderText(const QString& folder, const QString& pattern) const;
     QStringList threeMachines();
+    void putFio(const QByteArray& script) const;
     void putWork(const QByteArray& host, int wait = 0) const;
 
     QTemporaryDir m_tools;
-    QByteArray m_path;
     std::unique_ptr<SeriesRun> m_series;
     std::vector<int> m_sockets;
 
@@ -70,15 +75,18 @@ constexpr int kib = 1024;
 
 void TestDpcRun::initTestCase()
 {
-    QVERIFY(QFile::link(TWDP_STANDIN, m_tools.filePath("fio")));
-    m_path = qgetenv("PATH");
+    // No fio but the one that stands in for it can be run.
+    for (const char* tool : {"sh", "awk", "df", "dirname", "mkdir", "rm", "sed", "seq", "sleep",
+                             "stat", "tail", "truncate"})
+        QVERIFY(QFile::link(QStandardPaths::findExecutable(tool), m_tools.filePath(tool)));
+    qputenv("PATH", m_tools.path().toUtf8());
 }
 
 void TestDpcRun::init()
 {
-    qputenv("PATH", m_tools.path().toUtf8() + ':' + m_path);
+    putFio({});
     for (const char* name : {"STANDIN_VERSION", "STANDIN_OUTPUT", "STANDIN_ERRORS", "STANDIN_NO",
-                             "STANDIN_MUTE", "STANDIN_NOW"})
+                             "STANDIN_MUTE", "STANDIN_NOW", "STANDIN_ASK"})
         qunsetenv(name);
     m_series = std::make_unique<SeriesRun>();
     Recordings::hide(m_series->folder(), "@ROOT@");
@@ -90,6 +98,17 @@ void TestDpcRun::cleanup()
         ::close(socket);
     m_sockets.clear();
     m_series.reset();
+}
+
+/// Commands of the shell that a call of fio begins with.
+void TestDpcRun::putFio(const QByteArray& script) const
+{
+    const QString fio = m_tools.filePath("fio");
+    QFile::remove(fio);
+    if (script.isEmpty())
+        QVERIFY(QFile::link(TWDP_STANDIN, fio));
+    else
+        test::put(fio, "#!/bin/sh\n" + script + "\nexec '" TWDP_STANDIN "' \"$@\"\n", 0755);
 }
 
 /// Without what differs from run to run, and from machine to machine.
@@ -515,6 +534,97 @@ void TestDpcRun::tellsOfAPlaceThatIsTaken()
     m_series->putSeries({{bad}});
     command({"run", "--to", m_series->file("no/run"), m_series->file("mytest.dpc")}, 2);
     command({"run", "--to", m_series->file("new"), m_series->file("none.dpc")}, 2);
+}
+
+void TestDpcRun::tellsOfATroubledFio_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::addColumn<int>("status");
+    const auto at = [](const char* file, const char* commands) {
+        return QByteArray("case \"$*\" in *") + file + "*) " + commands + ";; esac\n";
+    };
+    QTest::newRow("not there") << QByteArray() << 2;
+    QTest::newRow("may not be run") << QByteArray("0644") << 2;
+    QTest::newRow("another version")
+        << QByteArray("export STANDIN_VERSION=\"fio-4.0 \033[1m\"") << 2;
+    QTest::newRow("no version") << at("--version", "exit 0") << 2;
+    QTest::newRow("interrupted at its version")
+        << at("--version", "kill -INT $PPID; sleep 60") << 2;
+    QTest::newRow("gone before the questions") << at("--version", "rm \"$0\"") << 1;
+    QTest::newRow("gone after the first stage") << at("stage-0", "rm \"$0\"") << 1;
+    QTest::newRow("answers in two ways") << at("guard-0", "export STANDIN_NO=pc_1.dat") << 1;
+    QTest::newRow("answers once") << at("guard-0", "export STANDIN_NO=pc_1.dat") +
+                                         at("guard-1", "exit 1")
+                                  << 1;
+    QTest::newRow("interrupted at the questions")
+        << at("guard-0", "kill -INT $PPID; sleep 60") << 1;
+    QTest::newRow("interrupted at more questions")
+        << at("guard-0", "export STANDIN_NO=pc_1.dat") + at("guard-1", "kill -INT $PPID; sleep 60")
+        << 1;
+    QTest::newRow("ended in a stage") << at("stage-1", "kill -TERM $PPID; sleep 60") << 1;
+    QTest::newRow("its terminal goes") << at("stage-1", "kill -HUP $PPID; sleep 60") << 1;
+    QTest::newRow("obeys no signal")
+        << at("stage-1", "trap '' INT; while :; do kill -INT $PPID; sleep 0.1; done") << 1;
+    QTest::newRow("killed in a stage") << at("stage-0", "kill -KILL $$") << 1;
+    QTest::newRow("loses its output") << at("stage-0", "rm output/stage-0.*") << 1;
+    QTest::newRow("loses its answers") << at("guard-0", "rm output/guard-0.*") << 1;
+    QTest::newRow("too slow") << at("stage-0", "sleep 60") << 1;
+}
+
+void TestDpcRun::tellsOfATroubledFio()
+{
+    QFETCH(QByteArray, script);
+    QFETCH(int, status);
+    putWork("pc");
+    if (script == "0644")
+        QVERIFY(QFile::remove(m_tools.filePath("fio")) &&
+                QFile::copy("/dev/null", m_tools.filePath("fio")));
+    else if (script.isEmpty())
+        QVERIFY(QFile::remove(m_tools.filePath("fio")));
+    else
+        putFio(script);
+    const bool isSlow = script.contains("stage-0*) sleep");
+    run(isSlow ? QStringList{"--timeout", "1"} : QStringList(), status);
+}
+
+/// Sources that change before the machine is asked, with more of them than it is asked about.
+void TestDpcRun::tellsTheSizesThatSourcesHave()
+{
+    QByteArrayList lines;
+    constexpr int count = 18;
+    for (int i = 0; i < count; ++i) {
+        const QByteArray name = "source" + QByteArray::number(i);
+        test::put(m_series->file(name), test::textOf(4 * kib));
+        lines += SeriesRun::line("[cfgPath]/" + name, i == 1 ? "[cfgPath]/copy" : "", 4, 4);
+    }
+    m_series->putSeries({lines});
+    const QByteArray change =
+        "cd '" + m_series->folder().toUtf8() + "'; rm source2; " +
+        "truncate -s 0 source3; truncate -s 1234567890123 source4; " +
+        "for i in 0 1 5 6 7 8 9 10 11 12 13 14 15 16 17; do truncate -s 77$i " +
+        "source$i; done; cd \"$OLDPWD\"";
+    putFio("case \"$*\" in *guard-0*) " + change + ";; esac");
+    qputenv("STANDIN_ASK", "1");
+    run({}, 1);
+}
+
+void TestDpcRun::tellsHowFarItIs()
+{
+    Plan plan;
+    plan.stages.resize(2);
+    plan.stages[1].files.resize(3);
+    QString text;
+    RunProgress progress;
+    for (const qint64 done : {-1, 0, 1 << 20, 3 << 19, 9 << 20}) {
+        progress.stage = done < 0 ? 1 : 0;
+        progress.plannedBytes = 9 << 20;
+        progress.elapsedMs = 1234 + done / kib;
+        progress.leastMs = 77000;
+        progress.doneBytes = done < 0 ? std::optional<qint64>() : done;
+        for (const int width : {100, 20, 0})
+            text += QString::fromStdString(progressText(plan, progress, width)) + '\n';
+    }
+    Recordings::compare(text);
 }
 
 QTEST_APPLESS_MAIN(TestDpcRun)

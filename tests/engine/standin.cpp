@@ -9,6 +9,7 @@
 //     STANDIN_ERRORS   a text for the error stream
 //     STANDIN_NO       guards with a section that holds this text are answered with no
 //     STANDIN_MUTE     guards with a section that holds this text are not answered
+//     STANDIN_ASK      if set, guards are answered as the shell answers their questions
 //     STANDIN_NOW      a shell command that stages begin with
 
 #include <cstdlib>
@@ -43,6 +44,14 @@ std::string environment(const char* name, const char* otherwise)
     return value != nullptr ? value : otherwise;
 }
 
+constexpr const char* prerun = "exec_prerun=";
+
+bool succeeds(const std::string& command)
+{
+    // NOLINTNEXTLINE(cert-env33-c,concurrency-mt-unsafe): what fio does
+    return std::system((command + " > /dev/null").c_str()) == 0;
+}
+
 /// The bytes that a log of calls reads or writes: all lines "FILE read OFFSET LENGTH", or "...
 /// write ...".
 long long bytesOfLog(const std::string& path)
@@ -66,6 +75,7 @@ std::vector<Section> sectionsOf(const std::string& text, bool isGuard)
 {
     const std::string no = isGuard ? environment("STANDIN_NO", "") : "";
     const std::string mute = isGuard ? environment("STANDIN_MUTE", "") : "";
+    const bool asks = isGuard && std::getenv("STANDIN_ASK") != nullptr;
     const auto holds = [](const std::string& line, const std::string& wanted) {
         return !wanted.empty() && line.find(wanted) != std::string::npos;
     };
@@ -87,7 +97,7 @@ std::vector<Section> sectionsOf(const std::string& text, bool isGuard)
             sections.back().bytes = bytesOfLog(value("read_iolog="));
         else if (holds(line, mute))
             sections.back().name.clear();
-        else if (holds(line, no))
+        else if (holds(line, no) || (asks && !value(prerun).empty() && !succeeds(value(prerun))))
             sections.back().bytes = 0;
     }
     return sections;
@@ -132,11 +142,10 @@ void prepare(const std::string& text)
     std::string line;
     bool isPreparation = false;
     while (std::getline(lines, line)) {
-        const std::string command = "exec_prerun=";
         if (!line.empty() && line.front() == '[')
             isPreparation = line.find("-prepare-") != std::string::npos;
-        else if (isPreparation && line.rfind(command, 0) == 0)
-            std::system((line.substr(command.size()) + " > /dev/null").c_str());
+        else if (isPreparation && line.rfind(prerun, 0) == 0)
+            succeeds(line.substr(std::strlen(prerun)));
     }
 }
 
@@ -170,7 +179,7 @@ int main(int count, char** arguments)
                 << contentOf(file.second);
     }
     const bool isBent = !files.empty() && isStage(files.front().second);
-    if (isBent && std::system(environment("STANDIN_NOW", ":").c_str()) != 0)
+    if (isBent && !succeeds(environment("STANDIN_NOW", ":")))
         return 2;
     std::cerr << environment("STANDIN_ERRORS", "");
     const std::string output = environment("STANDIN_OUTPUT", "");
