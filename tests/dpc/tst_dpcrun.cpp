@@ -1,13 +1,15 @@
 #include "dpc/commandline.h"
 #include "dpc/runtext.h"
 #include "tests/engine/seriesrun.h"
+#include "tests/support/childprocess.h"
 #include "tests/support/files.h"
 #include "tests/support/recording.h"
 
 #include <QDir>
 #include <QtTest>
 
-#include <sstream>
+#include <csignal>
+#include <fstream>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -149,17 +151,27 @@ QString TestDpcRun::folderText(const QString& folder, const QString& pattern) co
     return text;
 }
 
+/// In a process of its own: the threads of QTest would take the signals that a run waits for.
 void TestDpcRun::command(const QStringList& words, int status) const
 {
     std::vector<std::string> arguments;
     for (const QString& word : words)
         arguments.push_back(word.toStdString());
-    std::ostringstream out;
-    std::ostringstream err;
-    QVERIFY2(runDpc(arguments, {out, err, false}) == status, err.str().c_str());
-    Recordings::compare(comparable("$ dpc " + words.join(' ') + '\n' +
-                                   QString::fromStdString(out.str()) + "--- error stream\n" +
-                                   QString::fromStdString(err.str())));
+    const pid_t child = test::startChild([&] {
+        ::signal(SIGHUP, SIG_DFL);
+        std::ofstream out(m_tools.filePath("out").toStdString());
+        std::ofstream err(m_tools.filePath("err").toStdString());
+        const int code = runDpc(arguments, {out, err, false});
+        out.flush();
+        err.flush();
+        test::endChild(code);
+    });
+    const int code = SeriesRun::statusOf(child);
+    const QByteArray err = test::contentOf(m_tools.filePath("err"));
+    QVERIFY2(code == status, err.constData());
+    Recordings::compare(comparable(
+        "$ dpc " + words.join(' ') + '\n' +
+        QString::fromUtf8(test::contentOf(m_tools.filePath("out")) + "--- error stream\n" + err)));
 }
 
 /// Runs the series into the folder "run", and compares what is told and left.
