@@ -1,6 +1,7 @@
 #include "check/extent.h"
 
 #include "check/filekeys.h"
+#include "check/foreignpaths.h"
 #include "check/nameexpander.h"
 #include "check/text.h"
 
@@ -11,26 +12,27 @@ void ExtentCounter::add(const SeriesFacts& facts, const std::set<const Rule*>& r
     m_rulesOff.insert(rulesOff.begin(), rulesOff.end());
     for (const FileFact& file : facts.files)
         m_files += file.readable ? 1 : 0;
+    const ForeignPaths foreign(facts);
     for (const LineFact& line : facts.lines) {
-        if (isMarker(line))
-            addPath(line.text);
+        if (isMarker(line) && isForeignPath(line.text))
+            addForeign(line.text);
         if (!isTask(line))
             continue;
         ++m_tasks;
         bool hasMore = false;
         for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath}) {
             const QByteArray& path = line.path(which);
-            addPath(path);
+            if (foreign.contains(path))
+                addForeign(path);
             hasMore = hasMore || iterationsOf(line, path) > facts.iterationLimit;
         }
         m_tasksOfManyIterations += hasMore ? 1 : 0;
     }
 }
 
-void ExtentCounter::addPath(const QByteArray& path)
+void ExtentCounter::addForeign(const QByteArray& path)
 {
-    if (isForeignPath(path))
-        (isSharePath(path) ? m_sharePaths : m_windowsPaths).insert(path);
+    (isSharePath(path) ? m_sharePaths : m_windowsPaths).insert(path);
 }
 
 CheckExtent ExtentCounter::extent(const CheckOptions& options) const

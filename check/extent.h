@@ -31,7 +31,7 @@ public:
     CheckExtent extent(const CheckOptions& options) const;
 
 private:
-    void addPath(const QByteArray& path);
+    void addForeign(const QByteArray& path);
 
     int m_files = 0;
     int m_tasks = 0;

@@ -25,27 +25,9 @@ QString seriesName(const SeriesFacts& facts)
     return facts.isInit ? name.chopped(suffixLength) : name;
 }
 
-/// True for "/x", which Windows takes for "\x", the root of the drive in use.
-bool isRooted(const QByteArray& path)
-{
-    return path.startsWith('/') && !isSharePath(path);
-}
-
 bool isDigit(char c)
 {
     return kvIsDigit(static_cast<unsigned char>(c));
-}
-
-/// True if a path of a task begins at the root of a drive as only Windows spells it: "\x".
-bool hasRootOfWindows(const SeriesFacts& facts)
-{
-    const auto isRooted = [](const QByteArray& path) {
-        return path.startsWith('\\') && !isSharePath(path);
-    };
-    return std::any_of(facts.lines.begin(), facts.lines.end(), [&](const LineFact& line) {
-        return isTask(line) && (isRooted(line.path(SourcePath)) || isRooted(line.path(DestPath)) ||
-                                isRooted(line.path(LogPath)) || isRooted(line.path(CsvPath)));
-    });
 }
 
 } // namespace
@@ -58,7 +40,7 @@ FileUses::FileUses(const SeriesFacts& facts, const QStringList& hosts,
     , m_keys(environment)
     , m_runFolder(facts.runFolder.toLatin1())
     , m_temp(here.tempFolder->text, here.tempFolder->length)
-    , m_hasRootOfWindows(hasRootOfWindows(facts))
+    , m_foreign(facts)
 {
     takeMachines(hosts);
     // On other machines nobody knows what the folder is called, or whose files lie in it.
@@ -183,7 +165,7 @@ void FileUses::placeNames()
         const FileUse& use = firstUseOf(name);
         const int machines = name.byHost ? int(m_machines.size()) : 1;
         for (int machine = 0; machine < machines; ++machine) {
-            const QByteArray path = onSystem(name.text, pathOn(use, machine));
+            const QByteArray path = m_foreign.spelled(name.text, pathOn(use, machine));
             const int place = fileAt(path, !name.byTemp || m_isThisMachine);
             m_places.push_back(place);
             UsedFile& file = m_files[size_t(place)];
@@ -193,18 +175,6 @@ void FileUses::placeNames()
             file.ways.push_back({int(i), name.byHost ? machine : allMachines});
         }
     }
-}
-
-bool FileUses::isForeign(const QByteArray& name) const
-{
-    return isForeignPath(name) || (m_hasRootOfWindows && isRooted(name));
-}
-
-QByteArray FileUses::onSystem(const QByteArray& name, QByteArray path) const
-{
-    if (m_hasRootOfWindows && isRooted(name))
-        path[0] = '\\';
-    return path;
 }
 
 int FileUses::fileAt(const QByteArray& path, bool isHere)
@@ -259,7 +229,7 @@ void FileUses::addInit()
             path = expander.resolve(line, use.name).toLatin1();
         if (holds(path, "//"))
             path = resolvedPath(path);
-        use.file = fileAt(onSystem(use.name, path), true);
+        use.file = fileAt(m_foreign.spelled(use.name, path), true);
         UsedFile& file = m_files[size_t(use.file)];
         // Of several spellings the last line leaves the file as it is.
         if (file.init < 0 || use.entry.isActive)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "check/filekeys.h"
+#include "check/foreignpaths.h"
 #include "check/nametemplates.h"
 #include "check/seriesfacts.h"
 
@@ -136,9 +137,8 @@ public:
     /// True if an earlier task, or an earlier iteration, writes a file before a use reads it.
     bool isWrittenBefore(const UsedFile& file, const FileUse& reading) const;
 
-    /// True for a name that this system can't look up: one of a file server or of Windows. If a
-    /// task has a path such as "\x", the series is for Windows, and "/x" is the same there.
-    bool isForeign(const QByteArray& name) const;
+    /// True for a path of a task, or a name, that this system can't look up.
+    bool isForeign(const QByteArray& name) const { return m_foreign.contains(name); }
 
     /// The full name of a use on a machine, Latin-1; "[date]" stays.
     QByteArray pathOn(const FileUse& use, int machine) const;
@@ -153,7 +153,6 @@ private:
     void limitMachines();
     void placeNames();
     void addInit();
-    QByteArray onSystem(const QByteArray& name, QByteArray path) const;
     int fileAt(const QByteArray& path, bool isHere);
 
     const SeriesFacts& m_facts;
@@ -163,7 +162,7 @@ private:
     QByteArray m_runFolder;
     QByteArray m_runFolderKey; ///< with "/" at the end
     QByteArray m_temp;
-    bool m_hasRootOfWindows;
+    ForeignPaths m_foreign;
     std::vector<MachineName> m_machines;
     int m_givenMachines = 0;
     int m_longestValue = 0;      ///< characters, at least, of what a variable stands for

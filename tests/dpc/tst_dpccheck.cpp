@@ -103,6 +103,11 @@ private slots:
                  "2 files, 3 tasks; no machines given: collisions not checked" + rest);
         QCOMPARE(lastLine("--hosts a --no-rule bad-line,winapi"),
                  "2 files, 3 tasks; 1 machine given: collisions not checked" + rest + ", 2 rules");
+        // A series that only Windows can run has no path of this system.
+        m_series->put("a.dpc", goodLine({{10, "\\d\\s.dat"}}));
+        QVERIFY(lastLine({}).endsWith("not checked: 4 Windows paths"));
+        m_series->put("a.dpc", goodLine({{10, "C:\\d\\s.dat"}}));
+        QVERIFY(lastLine({}).endsWith("not checked: 1 Windows path"));
     }
 
     void summaryIsForTerminalsAndOnRequest()
