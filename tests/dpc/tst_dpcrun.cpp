@@ -51,13 +51,15 @@ private slots:
     void tellsOfATroubledFio();
     void tellsTheSizesThatSourcesHave();
     void tellsHowFarItIs();
+    void reportsEachKindOfRun_data();
+    void reportsEachKindOfRun();
 
 private:
     void run(const QStringList& arguments, int status) const;
     void command(const QStringList& words, int status) const;
     QString comparable(QString text) const;
     QString folderText(const QString& folder, const QString& pattern) const;
-    QStringList threeMachines();
+    QStringList machines(int count = 3);
     void putFio(const QByteArray& script) const;
     void putWork(const QByteArray& host, int wait = 0) const;
 
@@ -126,6 +128,9 @@ QString TestDpcRun::comparable(QString text) const
     hide("/dpc-[0-9a-f]{12}", "/dpc-@ID@");
     hide("20[0-9]{2}-[0-9-]{5} [0-9:]{8}", "@DATE@");
     hide(", in [0-9]+\\.[0-9] s", ", in @SECONDS@");
+    // Code that is a file of its own.
+    hide("<script>(?s:.*?)</script>", "<script>@SCRIPT@</script>");
+    hide("<style>(?s:.*?)</style>", "<style>@STYLE@</style>");
     // As a regular expression of sed.
     text.replace(QString(m_series->folder()).replace("/", "\\/"), "@ROOT@");
     const QRegularExpression host(
@@ -169,9 +174,11 @@ void TestDpcRun::command(const QStringList& words, int status) const
     const int code = SeriesRun::statusOf(child);
     const QByteArray err = test::contentOf(m_tools.filePath("err"));
     QVERIFY2(code == status, err.constData());
-    Recordings::compare(comparable(
-        "$ dpc " + words.join(' ') + '\n' +
-        QString::fromUtf8(test::contentOf(m_tools.filePath("out")) + "--- error stream\n" + err)));
+    constexpr int mostLines = 120;
+    const QString out = QString::fromUtf8(test::contentOf(m_tools.filePath("out")));
+    Recordings::compare("$ dpc " + comparable(words.join(' ')) + '\n' +
+                        comparable(out).section('\n', 0, mostLines) + "--- error stream\n" +
+                        comparable(QString::fromUtf8(err)));
 }
 
 /// Runs the series into the folder "run", and compares what is told and left.
@@ -185,11 +192,12 @@ void TestDpcRun::run(const QStringList& arguments, int status) const
     Recordings::compare(comparable(folderText("run", "state.json|results.csv|manifest")));
 }
 
-/// Three that listen, as fio's servers do.
-QStringList TestDpcRun::threeMachines()
+/// Some that listen, as fio's servers do.
+QStringList TestDpcRun::machines(int count)
 {
     QByteArray hosts;
-    for (const char* name : {"pc01", "pc02", "pc03"}) {
+    for (int i = 1; i <= count; ++i) {
+        const QByteArray name = QByteArray(i < 10 ? "pc0" : "pc") + QByteArray::number(i);
         const QByteArray path = m_series->file(name).toUtf8();
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
@@ -202,7 +210,7 @@ QStringList TestDpcRun::threeMachines()
             ::listen(number, backlog) != 0)
             qFatal("can't listen at a socket");
         m_sockets.push_back(number);
-        hosts += QByteArray(name) + "=sock:" + path + '\n';
+        hosts += name + "=sock:" + path + '\n';
     }
     test::put(m_series->file("hosts.txt"), hosts);
     QDir().mkpath(m_series->file("scratch"));
@@ -246,7 +254,7 @@ void TestDpcRun::tellsOfTheWorkOfEachKind()
 void TestDpcRun::tellsOfThreeMachines()
 {
     putWork("[host]", 7);
-    run(threeMachines(), 0);
+    run(machines(), 0);
     command({"report", m_series->file("run")}, 0);
     command({"report", "--format", "json", m_series->file("run")}, 0);
 }
@@ -256,7 +264,7 @@ void TestDpcRun::tellsOfADryRun()
     putWork("pc");
     command({"run", "--dry-run", m_series->file("mytest.dpc")}, 0);
     putWork("[host]");
-    const QStringList arguments = QStringList{"--dry-run"} + threeMachines();
+    const QStringList arguments = QStringList{"--dry-run"} + machines();
     run(arguments, 0);
     QVERIFY(!QFile::exists(m_series->file("run")));
     qputenv("STANDIN_NO", "pc02_1.dat");
@@ -267,9 +275,8 @@ void TestDpcRun::tellsOfAnExport()
 {
     putWork("[host]");
     const QString folder = m_series->file("export");
-    const QStringList machines = threeMachines();
-    command(QStringList{"export", "--date", "today", m_series->file("mytest.dpc"), folder} +
-                machines,
+    const QStringList hosts = machines();
+    command(QStringList{"export", "--date", "today", m_series->file("mytest.dpc"), folder} + hosts,
             0);
     Recordings::compare(comparable(folderText("export", "plan.json|[.]fio|README")));
     const QStringList call = {"run", folder, "--to", m_series->file("run")};
@@ -441,32 +448,32 @@ void TestDpcRun::tellsEachNoOfAMachine()
 void TestDpcRun::tellsTheNosOfMachinesBehindServers()
 {
     putWork("[host]", 7);
-    const QStringList machines = threeMachines();
+    const QStringList hosts = machines();
     qputenv("STANDIN_NO", "pc02_1.dat");
-    run(machines, 1);
+    run(hosts, 1);
     QVERIFY(QDir(m_series->file("run")).removeRecursively());
     // The folder for the logs of calls.
     qputenv("STANDIN_NO", "/scratch/dpc-");
-    run(machines, 1);
+    run(hosts, 1);
 }
 
 void TestDpcRun::tellsOfAMachineThatDoesNotAnswer()
 {
     putWork("[host]", 7);
-    const QStringList machines = threeMachines();
+    const QStringList hosts = machines();
     ::close(m_sockets[1]);
     m_sockets.erase(m_sockets.begin() + 1);
-    run(machines, 1);
+    run(hosts, 1);
     QVERIFY(QDir(m_series->file("run")).removeRecursively());
     QVERIFY(QFile::remove(m_series->file("pc02")));
-    run(machines, 1);
+    run(hosts, 1);
     QVERIFY(QDir(m_series->file("run")).removeRecursively());
     test::put(m_series->file("hosts.txt"), "pc01=sock:/" + QByteArray(120, 'x') + '\n');
-    run(machines, 1);
+    run(hosts, 1);
     QVERIFY(QDir(m_series->file("run")).removeRecursively());
     // RFC 6761 keeps the name unknown.
     test::put(m_series->file("hosts.txt"), "pc01=ip:pc01.invalid,8765\n");
-    run(machines, 2);
+    run(hosts, 2);
 }
 
 void TestDpcRun::tellsWrongUse_data()
@@ -517,7 +524,7 @@ void TestDpcRun::tellsWhyASeriesDoesNotRun()
     m_series->putSeries({{line}});
     QStringList arguments;
     if (status == 2)
-        arguments = threeMachines().mid(0, 2);
+        arguments = machines().mid(0, 2);
     run(arguments, status);
     QVERIFY(QDir(m_series->file("run")).removeRecursively() || status == 2);
     run(arguments + QStringList{"--dry-run"}, status);
@@ -637,6 +644,68 @@ void TestDpcRun::tellsHowFarItIs()
             text += QString::fromStdString(progressText(plan, progress, width)) + '\n';
     }
     Recordings::compare(text);
+}
+
+void TestDpcRun::reportsEachKindOfRun_data()
+{
+    QTest::addColumn<QString>("format");
+    for (const char* format : {"text", "json", "csv", "html"})
+        QTest::newRow(format) << format;
+}
+
+void TestDpcRun::reportsEachKindOfRun()
+{
+    QFETCH(QString, format);
+    QVERIFY(QDir::setCurrent(m_series->folder()));
+    const auto make = [&](const QString& name, const QStringList& arguments, int status) {
+        command(QStringList{"run", "--date", "today", "--to", name, "mytest.dpc"} + arguments,
+                status);
+    };
+    putWork("[host]", 7);
+    const QStringList hosts = machines(11);
+    make("many", hosts, 0);
+    make("two", {"--hosts-file", "hosts.txt", "--temp", m_series->file("scratch"), "--stage", "0"},
+         0);
+    putWork("pc");
+    make("good", {}, 0);
+    qputenv("STANDIN_NOW", "! test -e output/guard-0.txt -a -e output/stage-1.txt");
+    make("incomplete", {"--keep-going"}, 1);
+    qunsetenv("STANDIN_NOW");
+    qputenv("STANDIN_NO", "pc_1.dat");
+    make("refused", {}, 1);
+    qunsetenv("STANDIN_NO");
+    m_series->putSeries({{SeriesRun::line("", "[cfgPath]/pc_[iter].dat", 1000, 300, 0, 3)}});
+    QVERIFY(QFile::remove("_wait/mytest1.dpc"));
+    make("shorter", {}, 0);
+    make("killed", {}, 0);
+    QVERIFY(QFile::remove("killed/results.json"));
+    const QByteArray state = test::contentOf("killed/state.json");
+    test::put("killed/state.json", QByteArray(state).replace("complete", "running"));
+    QVERIFY(QDir().mkdir("early"));
+    test::put("early/state.json", QByteArray(state)
+                                      .replace("complete", "running")
+                                      .replace("\"stage\": 0", "\"stage\": null"));
+    for (const char* runs : {"good", "incomplete", "refused", "killed", "early", "many", "two",
+                             "good shorter", "shorter good incomplete killed refused"})
+        command(QStringList{"report", "--format", format} + QString(runs).split(' '), 0);
+    const QStringList slower = {"report", "--format", format, "--fail-if-slower", "10"};
+    command(slower + QStringList{"good", "shorter"}, 1);
+    command(slower + QStringList{"good", "incomplete"}, 1);
+    command(slower + QStringList{"shorter", "good", "refused", "killed"}, 1);
+    command(slower + QStringList{"shorter", "good"}, 0);
+    for (const char* folder : {"bad", "newer", "broken"})
+        QVERIFY(QDir().mkdir(folder));
+    test::put("bad/results.json", "{\"version\": 1, \"jobs\": [{\"stage\": 0}]}");
+    test::put("newer/results.json", "{\"version\": 2}");
+    test::put("broken/results.json", "{\"version");
+    for (const char* run : {"bad", "newer", "broken", "none", "scratch"})
+        command({"report", "--format", format, run}, 2);
+    command({"report", "--format", format, "-o", "good/x", "good"}, 2);
+    command({"report", "--format", format, "-o", "none/x", "good"}, 2);
+    command({"report", "--format", format, "-o", "x", "good"}, 0);
+    command({"report", "--format", format, "good"}, 0);
+    QCOMPARE(test::contentOf("x"), test::contentOf(m_tools.filePath("out")));
+    QVERIFY(QDir::setCurrent("/"));
 }
 
 QTEST_APPLESS_MAIN(TestDpcRun)

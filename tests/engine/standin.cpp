@@ -118,14 +118,20 @@ void printDirection(const char* name, const Section& section, bool isUsed)
               << ", \"99.000000\" : " << 7000 + place << " } } }";
 }
 
+/// Empty for this machine.
+std::string hostOf(const std::string& client)
+{
+    const std::string address = client.substr(client.find(':') + 1);
+    return address.substr(0, address.find(','));
+}
+
 void printSection(const Section& section, const std::string& client)
 {
     std::cout << "{ \"jobname\" : \"" << section.name << "\", \"error\" : 0, ";
     if (!client.empty()) {
-        const std::string address = client.substr(client.find(':') + 1);
-        const size_t comma = address.find(',');
-        std::cout << "\"hostname\" : \"" << address.substr(0, comma) << "\", \"port\" : "
-                  << (comma == std::string::npos ? "8765" : address.substr(comma + 1)) << ", ";
+        const size_t comma = client.find(',');
+        std::cout << "\"hostname\" : \"" << hostOf(client) << "\", \"port\" : "
+                  << (comma == std::string::npos ? "8765" : client.substr(comma + 1)) << ", ";
     }
     std::cout << "\"job_start\" : " << 1700000000000 + 10000 * section.place << ", ";
     printDirection("read", section, section.direction != "write");
@@ -146,6 +152,26 @@ void prepare(const std::string& text)
             isPreparation = line.find("-prepare-") != std::string::npos;
         else if (isPreparation && line.rfind(prerun, 0) == 0)
             succeeds(line.substr(std::strlen(prerun)));
+    }
+}
+
+/// Bandwidth over time, as fio writes it beside its report.
+void writeLogs(const std::string& text, const std::string& client)
+{
+    std::istringstream lines(text);
+    std::string line;
+    int place = 0;
+    while (std::getline(lines, line)) {
+        const std::string key = "write_bw_log=";
+        place += !line.empty() && line.front() == '[' ? 1 : 0;
+        if (line.rfind(key, 0) != 0)
+            continue;
+        const std::string host = hostOf(client);
+        std::ofstream log(line.substr(key.size()) + "_bw." + std::to_string(place) + ".log" +
+                          (host.empty() ? "" : '.' + host));
+        for (int sample = 0; sample < 3; ++sample)
+            log << 1700000000000 + 10000 * place + 100 * sample << ", " << 2048 * (place + sample)
+                << ", 0, 65536, 0\n";
     }
 }
 
@@ -191,6 +217,8 @@ int main(int count, char** arguments)
         const char* separator = "";
         for (const auto& [machine, file] : files) {
             prepare(contentOf(file));
+            if (isBent)
+                writeLogs(contentOf(file), machine);
             for (const Section& section : sectionsOf(contentOf(file), !isBent)) {
                 std::cout << separator;
                 printSection(section, machine);
