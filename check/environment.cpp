@@ -101,17 +101,29 @@ PathStatus look(const QString& path)
     return status;
 }
 
+/// The nearest folder above that exists, looked for from the top: of a deep path that does not
+/// exist most folders do not either. Empty if there is none.
+QByteArray nearestFolder(const QByteArray& path)
+{
+    int length = path.startsWith('/') ? 1 : 0;
+    struct stat status = {};
+    for (int end = path.indexOf('/', 1); end >= 0; end = path.indexOf('/', end + 1)) {
+        if (::stat(path.left(end).constData(), &status) != 0)
+            break;
+        length = end;
+    }
+    return path.left(length);
+}
+
 /// Of the nearest folder above that exists.
 std::optional<DiskSpace> space(const QString& path)
 {
     QByteArray place = QFile::encodeName(path);
     struct stat status = {};
-    while (::stat(place.constData(), &status) != 0) {
-        const int separator = place.lastIndexOf('/');
-        if (separator < 0)
-            return std::nullopt;
-        place.truncate(separator == 0 && place.size() > 1 ? 1 : separator);
-    }
+    if (::stat(place.constData(), &status) != 0)
+        place = nearestFolder(place);
+    if (::stat(place.constData(), &status) != 0)
+        return std::nullopt;
     struct statvfs system = {};
     if (::statvfs(place.constData(), &system) != 0)
         return std::nullopt;

@@ -185,7 +185,9 @@ KeyedFolder FileKeys::lookAtFolder(const QByteArray& path, bool isSeen)
         }
     }
     const int start = nameStart(path);
-    const bool hasParent = start > (isSharePath(path) ? 2 : 1) && !path.endsWith('/');
+    m_folderCharacters += path.size();
+    const bool hasParent = start > (isSharePath(path) ? 2 : 1) && !path.endsWith('/') &&
+                           m_folderCharacters <= maxFolderCharacters;
     if (hasParent) {
         folder.parent = folderAt(path.left(start - 1), isSeen);
         folder.key = joined(m_folders[size_t(folder.parent)].key, toKey(path.mid(start)));

@@ -45,6 +45,10 @@ struct KeyedPath
     bool namesFolder = false; ///< by a separator at the end, or "." and ".."
 };
 
+/// The folders that do not exist are known by themselves and with those above them, until their
+/// paths have so many characters in all. Of further ones those above are not known.
+constexpr long long maxFolderCharacters = 30'000'000;
+
 /// Gives every path a key that all spellings of the file share. Asks the disk once for each folder,
 /// and once for each file whose folder exists.
 class FileKeys
@@ -69,5 +73,6 @@ private:
     const Environment& m_environment;
     QHash<QByteArray, int> m_folderOfPath;
     std::vector<KeyedFolder> m_folders;
+    long long m_folderCharacters = 0;                       ///< of those that do not exist
     QHash<QPair<quint64, quint64>, QByteArray> m_keyOfNode; ///< of files with several names
 };

@@ -132,8 +132,12 @@ const InitEntry* InitFile::entryOf(const QString& path) const
 void InitFile::addFolders(const QString& path)
 {
     for (QString folder = folderOf(path); !folder.isEmpty() && !m_folders.contains(folder);
-         folder = folderOf(folder.chopped(1)))
+         folder = folderOf(folder.chopped(1))) {
+        m_folderCharacters += folder.size();
+        if (m_folderCharacters > maxFolderCharacters)
+            return;
         m_folders.insert(folder);
+    }
 }
 
 QSet<QString> namesAfterSave(const SeriesFacts& facts)

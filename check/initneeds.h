@@ -74,8 +74,11 @@ public:
     /// True if a line makes the file in this size, whether another one makes it anew or not.
     bool makesSize(const QString& path, qint64 kib) const { return m_sizes.contains({path, kib}); }
 
-    /// True if a line makes a file in the folder or below it.
-    bool makesFolder(const QString& folder) const { return m_folders.contains(folder); }
+    /// True if a line makes a file in the folder or below it, or if there are too many to tell.
+    bool makesFolder(const QString& folder) const
+    {
+        return m_folderCharacters > maxFolderCharacters || m_folders.contains(folder);
+    }
 
     /// All lines, in their order.
     const std::vector<InitTarget>& files() const { return m_files; }
@@ -87,6 +90,7 @@ private:
     QHash<QString, InitEntry> m_entries;
     QSet<QPair<QString, qint64>> m_sizes; ///< KiB
     QSet<QString> m_folders;
+    long long m_folderCharacters = 0;
 };
 
 /// The names that a save of the series as it is loaded puts into the "_init" file, on this machine.

@@ -158,8 +158,7 @@ constexpr Rule destFolder = {
     Severity::Warning,
     "paths",
     "The folder of the destination does not exist, and the _init file does not make it. A folder "
-    "of each machine counts for its log and .csv files as well, and so does one that a link leads "
-    "into.",
+    "that a link leads into counts for log and .csv files as well.",
     "make the folder, or correct the name",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  /data/out/[host].dat;  "
             "[cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),
@@ -172,8 +171,8 @@ constexpr Rule destFolderLocal = {
     "dest-folder-local",
     Severity::Note,
     "paths",
-    "The folder of the destination must be there on each machine; the _init file makes folders "
-    "below [cfgPath] only, and those with [host] in their names for one machine.",
+    "A folder must be there on each machine: the _init file makes those of destinations below "
+    "[cfgPath] only, and those with [host] in their names for one machine.",
     "make the folder on each machine, or write into [temp] itself",
     oneFile("Stream;NOflush;NOprealloc; 50; 1024; -1; 102400;1;0;  MEMORY;  "
             "[temp]/[cfgName]/out.dat;  [cfgPath]/[host].txt;  [cfgPath]/[host].csv;  true;\n"),

@@ -141,10 +141,14 @@ bool InitComparison::isThere(const QString& folder)
         return *m_folderIsThere.insert(folder, true);
     PathStatus status = m_environment.look(folder);
     bool isThere = status.isFolder();
-    for (QString above = folder; !status.exists() && above.size() > 1; above = folderOf(above)) {
-        above.chop(1);
-        status = m_environment.look(above);
-        isThere = status.exists() && !status.isFolder();
+    if (!status.exists()) {
+        // From the top: of a deep folder that does not exist most of those above do not either.
+        int end = 0;
+        do {
+            end = folder.indexOf('/', end + 1);
+            status = m_environment.look(folder.left(end));
+        } while (end >= 0 && status.isFolder());
+        isThere = status.exists();
     }
     return *m_folderIsThere.insert(folder, isThere);
 }

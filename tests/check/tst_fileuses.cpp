@@ -378,6 +378,28 @@ private slots:
         QVERIFY2(m_fixture->looks() < 210, QByteArray::number(m_fixture->looks()));
     }
 
+    /// Each folder above has a path of its own, so that they would fill the memory.
+    void foldersAboveAreBounded()
+    {
+        const Environment nothing{[](const QString&) { return PathStatus(); },
+                                  [](const QString&) { return std::optional<DiskSpace>(); }};
+        FileKeys keys(nothing);
+        const auto path = [](int i) {
+            return '/' + QByteArray::number(i) + QByteArray("/a").repeated(200) + "/x";
+        };
+        QCOMPARE(keys.folders()[size_t(keys.find(path(0), true).folder)].parent >= 0, true);
+        QVERIFY(keys.folders().size() > 200);
+        for (int i = 1; i < 1000; ++i)
+            keys.find(path(i), true);
+        long long characters = 0;
+        for (const KeyedFolder& folder : keys.folders())
+            characters += folder.key.size();
+        QVERIFY(characters <= maxFolderCharacters + 1000LL * 500);
+        const KeyedPath last = keys.find(path(1000), true);
+        QCOMPARE(keys.folders()[size_t(last.folder)].parent, -1);
+        QCOMPARE(last.key, path(1000));
+    }
+
     void tableGrowsWithTheNames()
     {
         const auto size = [&](int tasks) {

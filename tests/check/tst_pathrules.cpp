@@ -195,18 +195,25 @@ private slots:
         QVERIFY(m_series->text("unknown-variable").contains("did you mean [cfgPath]?"));
         m_series->put("a.dpc", writing("/d/[something]"));
         QVERIFY(!m_series->text("unknown-variable").contains("did you mean"));
-        const QMap<const char*, const char*> meant = {
-            {"[hostname]", "[host]"},      {"[ComputerName]", "[host]"}, {"[machine]", "[host]"},
-            {"[iteration]", "[iter]"},     {"[time]", "[date]"},         {"[datetime]", "[date]"},
-            {"[tmp]", "[temp]"},           {"[path]", "[cfgPath]"},      {"[name]", "[cfgName]"},
-            {"[ host ]", "[host]"},        {"[TaskID]", "[cfgTaskID]"},  {"[cfgid]", "[cfgID]"},
-            {"[CFGNAMEID]", "[cfgNameID]"}};
-        for (auto word = meant.begin(); word != meant.end(); ++word) {
-            QCOMPARE(m_series->hits("unknown-variable", writing(QByteArray("/d/x_") + word.key())),
-                     1);
-            QVERIFY2(m_series->text("unknown-variable")
-                         .contains(QString("did you mean %1?").arg(word.value())),
-                     word.key());
+        const QMap<QByteArray, QByteArrayList> meant = {
+            {"[host]",
+             {"hostname", "ComputerName", "computer", "machine", "MachineName", "node", "PC",
+              " host "}},
+            {"[date]", {"Date", "time", "datetime", "timestamp", "now"}},
+            {"[temp]", {"tmp", "tmpdir", "TEMPDIR", "tmppath", "temppath"}},
+            {"[iter]", {"iteration", "loop", "run"}},
+            {"[cfgPath]", {"pwd", "path", "dir", "folder", "CFGPATH"}},
+            {"[cfgName]", {"name", "cfgFile"}},
+            {"[cfgTaskID]", {"TaskID", "task", "cfgtask"}},
+            {"[cfgID]", {"cfgid", "id"}},
+            {"[cfgNameID]", {"CFGNAMEID"}}};
+        for (auto variable = meant.begin(); variable != meant.end(); ++variable) {
+            for (const QByteArray& word : variable.value()) {
+                m_series->put("a.dpc", writing("/d/x_[" + word + ']'));
+                QVERIFY2(m_series->text("unknown-variable")
+                             .contains("did you mean " + variable.key() + '?'),
+                         word);
+            }
         }
         m_series->put("a.dpc", reading("memory"));
         QVERIFY(m_series->text("relative-path").contains("write MEMORY in capitals"));
