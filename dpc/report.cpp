@@ -4,6 +4,7 @@
 #include "dpc/report/reporttext.h"
 
 #include "check/text.h"
+#include "engine/runfolder.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -106,8 +107,7 @@ int write(const std::string& text, const Arguments& arguments, const Output& out
         throw UsageError(outputFile, "nothing is written into the folder of a run");
     QSaveFile file(path);
     const bool isWritten = file.open(QIODevice::WriteOnly) &&
-                           file.write(text.data(), qint64(text.size())) == qint64(text.size()) &&
-                           file.commit();
+                           writeAll(file, QByteArray::fromStdString(text)) && file.commit();
     if (isWritten)
         return exitClean;
     return fail(output, fmt::format("{} can't be written: {}", quoted(path),

@@ -5,6 +5,7 @@
 #include "engine/guards.h"
 #include "engine/jobfile.h"
 #include "engine/names.h"
+#include "engine/runfolder.h"
 
 #include <QDir>
 #include <QFile>
@@ -70,8 +71,7 @@ bool writeFile(const QString& folder, const ExportFile& content, std::string& pr
     QFile file(folder + '/' + QString::fromLatin1(content.name));
     const bool isWritten =
         file.open(QIODevice::WriteOnly | QIODevice::NewOnly) &&
-        content.give([&](const QByteArray& text) { return file.write(text) == text.size(); }) &&
-        file.flush();
+        content.give([&](const QByteArray& text) { return writeAll(file, text); }) && file.flush();
     if (!isWritten)
         problem = cannot(file.fileName(), file.errorString());
     return isWritten;

@@ -61,6 +61,20 @@ const char* runStateName(RunState state)
     return "refused";
 }
 
+bool writeAll(QFileDevice& file, const QByteArray& content)
+{
+    // A disk that gets full takes a part first, and tells the error only for the rest.
+    qint64 written = 0;
+    while (written < content.size()) {
+        const qint64 more = file.write(content.constData() + written, content.size() - written);
+        if (more <= 0)
+            return false;
+        written += more;
+    }
+    // QSaveFile::commit() takes bytes that it could not write out of its buffer for written.
+    return file.flush();
+}
+
 RunFolder::~RunFolder()
 {
     if (m_lock >= 0)
@@ -117,8 +131,7 @@ bool RunFolder::create(const QString& path, std::string& problem)
 bool RunFolder::write(const QString& name, const QByteArray& content)
 {
     QSaveFile saved(file(name));
-    if (saved.open(QIODevice::WriteOnly) && saved.write(content) == content.size() &&
-        saved.commit())
+    if (saved.open(QIODevice::WriteOnly) && writeAll(saved, content) && saved.commit())
         return true;
     if (m_problem.empty())
         m_problem = fmt::format("{}: {}", quoted(file(name)), saved.errorString().toStdString());
