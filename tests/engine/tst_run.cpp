@@ -205,8 +205,8 @@ void TestRun::drawsItsProgressOnATerminal()
     if (child == 0) {
         ::alarm(test::childSeconds);
         test::endChild(runDpc({"run", series.file("mytest.dpc").toStdString(), "--to",
-                        series.file("run").toStdString()},
-                       {std::cout, std::cerr, false}));
+                               series.file("run").toStdString()},
+                              {std::cout, std::cerr, false}));
     }
     QByteArray shown;
     std::array<char, 4096> bytes{};
