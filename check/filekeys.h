@@ -47,7 +47,7 @@ struct KeyedPath
 
 /// The folders that do not exist are known by themselves and with those above them, until their
 /// paths have so many characters in all. Of further ones those above are not known.
-constexpr long long maxFolderCharacters = 30'000'000;
+constexpr long long maxFolderCharacters = 8'000'000;
 
 /// Gives every path a key that all spellings of the file share. Asks the disk once for each folder,
 /// and once for each file whose folder exists.

@@ -122,13 +122,10 @@ private:
     /// At the file or at what lies below it, whichever has fewer uses, or the later one.
     void sayClash(const FileUse& file, const FileUse& below, const QByteArray& key)
     {
-        int asFile = 0;
-        int asFolder = 0;
-        for (const FileUse& use : m_uses.uses()) {
-            const QByteArray& other = m_uses.file(use, 0).path.key;
-            asFile += other == key ? 1 : 0;
-            asFolder += other.startsWith(key + '/') ? 1 : 0;
-        }
+        if (m_usesOf.isEmpty())
+            countUses();
+        const int asFile = m_usesOf.value(key);
+        const int asFolder = m_usesBelow.value(key);
         const bool isBelow = asFile != asFolder ? asFolder < asFile : below.line > file.line;
         const QByteArray name = m_uses.nameOf(file).text;
         if (isBelow)
@@ -136,6 +133,22 @@ private:
                 m_uses.nameOf(below).text);
         else
             say(file, "is a file here, and a folder for " + roleOf(m_facts, below), name);
+    }
+
+    /// Of each file and of each folder; once, because each file may clash.
+    void countUses()
+    {
+        const std::vector<KeyedFolder>& folders = m_uses.folders();
+        std::vector<int> below(folders.size());
+        for (const FileUse& use : m_uses.uses()) {
+            const KeyedPath& path = m_uses.file(use, 0).path;
+            ++m_usesOf[path.key];
+            for (int i = path.folder; i >= 0; i = folders[size_t(i)].parent)
+                ++below[size_t(i)];
+        }
+        // One folder may have several spellings.
+        for (size_t i = 0; i < folders.size(); ++i)
+            m_usesBelow[folders[i].key] += below[i];
     }
 
     void say(const FileUse& use, const std::string& what, const QByteArray& path)
@@ -150,6 +163,8 @@ private:
     Findings& m_findings;
     std::vector<int> m_firstUser; ///< of each folder, -1 if only the "_init" file uses it
     QHash<QByteArray, int> m_folderOfKey;
+    QHash<QByteArray, int> m_usesOf;    ///< by the keys of files
+    QHash<QByteArray, int> m_usesBelow; ///< by the keys of folders
     QSet<QByteArray> m_said;
 };
 

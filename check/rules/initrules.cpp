@@ -30,7 +30,6 @@ QString folderOf(const QString& path)
 struct Lack
 {
     const Need* need;
-    QString folder;         ///< as the task names it
     const InitEntry* entry; ///< the line that would make it if it were not commented out, or null
 };
 
@@ -43,6 +42,12 @@ QString fixedFolder(const QString& folder)
         end = place < 0 ? end : std::min(end, place);
     }
     return folderOf(folder.left(end));
+}
+
+/// The folder as the task names it.
+std::string shownFolder(const Lack& lack)
+{
+    return quoted(fixedFolder(folderOf(lack.need->file.text)));
 }
 
 /// Compares what a series needs with what the "_init" file makes and with what is on the disk.
@@ -127,7 +132,7 @@ void InitComparison::compare(const Need& need)
 void InitComparison::compareFolder(const Need& need, const QString& folder, const InitEntry* entry)
 {
     if (!folder.isEmpty() && !m_init.makesFolder(folder) && !isThere(folder))
-        m_lacks.push_back({&need, fixedFolder(folderOf(need.file.text)), entry});
+        m_lacks.push_back({&need, entry});
 }
 
 /// True also for a folder below a file, which has a finding of its own.
@@ -178,11 +183,11 @@ void InitComparison::reportMissing()
         Message(
             fmt::format(
                 "the folder {} does not exist{}, and the series has no {}_init.dpc that makes it",
-                quoted(first.folder),
+                shownFolder(first),
                 names.size() > 1 ? fmt::format(", nor {} more", names.size() - 1) : "",
                 printable(m_facts.name.baseName)),
             advice())
-            .about(names));
+            .about(std::move(names)));
 }
 
 constexpr Rule initOutdated = {
@@ -264,8 +269,8 @@ void InitComparison::reportLack(const Lack& lack, const std::vector<std::string>
             ? fmt::format("line {} of the _init file is commented out", lack.entry->line)
             : "the _init file does not make it";
     m_findings.add(initOutdated, *need.line, column,
-                   Message(fmt::format("the folder {} does not exist{}, and {}",
-                                       quoted(lack.folder), others, reason),
+                   Message(fmt::format("the folder {} does not exist{}, and {}", shownFolder(lack),
+                                       others, reason),
                            advice())
                        .about(names));
 }
