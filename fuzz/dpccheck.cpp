@@ -87,8 +87,11 @@ QStringList rejectedBy(const QJsonArray& findings, bool isInitFile)
         const QString rule = finding["rule"].toString();
         const QString file = finding["file"].toString();
         const bool isLoaded = isInitFile || !file.endsWith("_init.dpc");
-        if (isLoaded && (rule == "bad-line" || rule == "winapi"))
-            rejected << slow::lineText(dpc::linesOf(file)[finding["line"].toInt() - 1]) << file;
+        const int line = finding["line"].toInt();
+        if (isLoaded && (rule == "bad-line" || rule == "winapi")) {
+            const QByteArray text = dpc::linesOf(file)[line - 1];
+            rejected << slow::lineText(line == 1 ? slow::withoutMark(text) : text) << file;
+        }
     }
     return rejected;
 }

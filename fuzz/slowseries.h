@@ -20,6 +20,12 @@ struct Load
     }
 };
 
+/// A content as it is read: a byte order mark at its beginning is not part of the first line.
+inline QByteArray withoutMark(const QByteArray& content)
+{
+    return content.mid(content.startsWith("\xEF\xBB\xBF") ? 3 : 0);
+}
+
 /// The text of a line of a file for its readers.
 inline QString lineText(const QByteArray& bytes)
 {
@@ -77,10 +83,7 @@ private:
         QFile file(path);
         if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
             return;
-        QByteArray content = file.readAll();
-        if (content.startsWith("\xEF\xBB\xBF"))
-            content.remove(0, 3);
-        QList<QByteArray> lines = content.split('\n');
+        QList<QByteArray> lines = withoutMark(file.readAll()).split('\n');
         if (lines.last().isEmpty())
             lines.removeLast();
         const bool takesComments = m_load.info.join('\n').isEmpty();
