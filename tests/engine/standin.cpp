@@ -133,7 +133,7 @@ void printSection(const Section& section, const std::string& client)
         std::cout << "\"hostname\" : \"" << hostOf(client) << "\", \"port\" : "
                   << (comma == std::string::npos ? "8765" : client.substr(comma + 1)) << ", ";
     }
-    std::cout << "\"job_start\" : " << 1700000000000 + 10000 * section.place << ", ";
+    std::cout << "\"job_start\" : " << 1700000000000 + 10000LL * section.place << ", ";
     printDirection("read", section, section.direction != "write");
     std::cout << ", ";
     printDirection("write", section, section.direction != "read");
