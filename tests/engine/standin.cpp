@@ -170,8 +170,8 @@ void writeLogs(const std::string& text, const std::string& client)
         std::ofstream log(line.substr(key.size()) + "_bw." + std::to_string(place) + ".log" +
                           (host.empty() ? "" : '.' + host));
         for (int sample = 0; sample < 3; ++sample)
-            log << 1700000000000 + 10000 * place + 100 * sample << ", " << 2048 * (place + sample)
-                << ", 0, 65536, 0\n";
+            log << 1700000000000 + 10000LL * place + 100LL * sample << ", "
+                << 2048 * (place + sample) << ", 0, 65536, 0\n";
     }
 }
 
