@@ -27,7 +27,7 @@ struct Section
     std::string name;
     std::string direction;
     long long bytes = 0;
-    int place = 1; ///< in its job file
+    long long place = 1; ///< in its job file
 };
 
 std::string contentOf(const std::string& path)
@@ -106,7 +106,7 @@ std::vector<Section> sectionsOf(const std::string& text, bool isGuard)
 /// Each figure has a value of its own, so that none can stand for another.
 void printDirection(const char* name, const Section& section, bool isUsed)
 {
-    const int place = section.place;
+    const long long place = section.place;
     const bool hasMoved = isUsed && section.bytes > 0;
     std::cout << "\"" << name << "\" : { \"io_bytes\" : " << (isUsed ? section.bytes : 0)
               << ", \"total_ios\" : " << (hasMoved ? 10 + place : 0)
@@ -133,7 +133,7 @@ void printSection(const Section& section, const std::string& client)
         std::cout << "\"hostname\" : \"" << hostOf(client) << "\", \"port\" : "
                   << (comma == std::string::npos ? "8765" : client.substr(comma + 1)) << ", ";
     }
-    std::cout << "\"job_start\" : " << 1700000000000 + 10000LL * section.place << ", ";
+    std::cout << "\"job_start\" : " << 1700000000000 + 10000 * section.place << ", ";
     printDirection("read", section, section.direction != "write");
     std::cout << ", ";
     printDirection("write", section, section.direction != "read");
@@ -160,7 +160,7 @@ void writeLogs(const std::string& text, const std::string& client)
 {
     std::istringstream lines(text);
     std::string line;
-    int place = 0;
+    long long place = 0;
     while (std::getline(lines, line)) {
         const std::string key = "write_bw_log=";
         place += !line.empty() && line.front() == '[' ? 1 : 0;
@@ -170,8 +170,8 @@ void writeLogs(const std::string& text, const std::string& client)
         std::ofstream log(line.substr(key.size()) + "_bw." + std::to_string(place) + ".log" +
                           (host.empty() ? "" : '.' + host));
         for (int sample = 0; sample < 3; ++sample)
-            log << 1700000000000 + 10000LL * place + 100LL * sample << ", "
-                << 2048 * (place + sample) << ", 0, 65536, 0\n";
+            log << 1700000000000 + 10000 * place + 100LL * sample << ", " << 2048 * (place + sample)
+                << ", 0, 65536, 0\n";
     }
 }
 
