@@ -4,7 +4,9 @@
 #include "tests/support/ownmounts.h"
 
 #include <QDir>
-#include <QtTest>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
 
 #include <sstream>
 
