@@ -4,7 +4,7 @@
 #include "dpc/report/reporttext.h"
 
 #include "check/text.h"
-#include "engine/runfolder.h"
+#include "engine/writeall.h"
 
 #include <QDir>
 #include <QFileInfo>

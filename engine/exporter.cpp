@@ -5,7 +5,7 @@
 #include "engine/guards.h"
 #include "engine/jobfile.h"
 #include "engine/names.h"
-#include "engine/runfolder.h"
+#include "engine/writeall.h"
 
 #include <QDir>
 #include <QFile>

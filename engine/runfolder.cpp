@@ -1,6 +1,7 @@
 #include "engine/runfolder.h"
 
 #include "check/text.h"
+#include "engine/writeall.h"
 
 #include <QDir>
 #include <QFile>
@@ -59,20 +60,6 @@ const char* runStateName(RunState state)
         break;
     }
     return "refused";
-}
-
-bool writeAll(QFileDevice& file, const QByteArray& content)
-{
-    // A disk that gets full takes a part first, and tells the error only for the rest.
-    qint64 written = 0;
-    while (written < content.size()) {
-        const qint64 more = file.write(content.constData() + written, content.size() - written);
-        if (more <= 0)
-            return false;
-        written += more;
-    }
-    // QSaveFile::commit() takes bytes that it could not write out of its buffer for written.
-    return file.flush();
 }
 
 RunFolder::~RunFolder()

@@ -3,7 +3,7 @@
 #include "engine/plan.h"
 #include "engine/results.h"
 
-#include <QFileDevice>
+#include <QByteArray>
 #include <QJsonArray>
 #include <QSet>
 
@@ -42,10 +42,6 @@ constexpr const char* stateFileName = "state.json";
 constexpr const char* manifestFileName = "manifest";
 constexpr const char* resultsFileName = "results.json";
 constexpr const char* tableFileName = "results.csv";
-
-/// Writes all bytes into an open file. False, with the error of the system in the file, if there is
-/// no space for all of them.
-bool writeAll(QFileDevice& file, const QByteArray& content);
 
 /// The folder while the run goes on. Holds a lock on it that ends with the process, however that
 /// ends.
