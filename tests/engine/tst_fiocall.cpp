@@ -2,6 +2,7 @@
 #include "tests/support/childprocess.h"
 #include "tests/support/files.h"
 
+#include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -43,6 +44,7 @@ private slots:
     void leavesNoJobOfAKilledFio();
     void endsWithItsParent();
     void ticksWhileItWaits();
+    void sleepsUntilItIsTold();
     void givesSignalsBack();
 
 private:
@@ -206,6 +208,22 @@ void TestFioCall::ticksWhileItWaits()
     const SignalGuard guard;
     QCOMPARE(guard.run(call).stopped, StopReason::None);
     QVERIFY(ticks >= 3);
+}
+
+void TestFioCall::sleepsUntilItIsTold()
+{
+    constexpr int shortMs = 100;
+    constexpr int longMs = 60000;
+    const SignalGuard guard;
+    QElapsedTimer time;
+    time.start();
+    // The end of a child is nothing to wake up for.
+    ::raise(SIGCHLD);
+    QCOMPARE(guard.sleep(shortMs), StopReason::None);
+    QVERIFY(time.elapsed() >= shortMs);
+    ::raise(SIGTERM);
+    QCOMPARE(guard.sleep(longMs), StopReason::Terminate);
+    QVERIFY(time.elapsed() < longMs);
 }
 
 void TestFioCall::givesSignalsBack()

@@ -33,6 +33,7 @@ private slots:
     void roomIsThatOfTheFileSystem();
     void bitsTellTheSize();
     void commandsWriteTheSameLogs();
+    void longLogsAreWrittenInParts();
 
 private:
     QString path(const QString& name) const { return m_folder->filePath(name); }
@@ -273,6 +274,32 @@ void TestGuards::commandsWriteTheSameLogs()
         QVERIFY(!command.contains(';') && !command.contains('#') && !command.contains('\n'));
         QVERIFY2(isTrue(command), command);
         QCOMPARE(test::contentOf(log), expected);
+    }
+}
+
+void TestGuards::longLogsAreWrittenInParts()
+{
+    PlanJob job;
+    job.kind = JobKind::Write;
+    job.destination.path = "/d/a.dat";
+    job.chunk = 1;
+    job.bytes = 20000;
+    QByteArray log;
+    int parts = 0;
+    const auto write = [&](const QByteArray& text) {
+        constexpr int aboutOnePart = 66 * 1024;
+        log += text;
+        return ++parts > 0 && text.size() < aboutOnePart;
+    };
+    QVERIFY(writeLog(job, write));
+    QCOMPARE(qint64(log.count('\n')), logLines(job));
+    QVERIFY(log.endsWith("/d/a.dat write 19999 1\n/d/a.dat close\n"));
+    QCOMPARE(parts, log.size() / (64 * 1024) + 1);
+    // A part that can't be written ends it.
+    for (int fails = 1; fails <= parts; ++fails) {
+        int calls = 0;
+        QVERIFY(!writeLog(job, [&](const QByteArray&) { return ++calls != fails; }));
+        QCOMPARE(calls, fails);
     }
 }
 

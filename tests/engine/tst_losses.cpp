@@ -1,6 +1,7 @@
 #include "check/ruletexts.h"
 #include "configset/seriessaver.h"
 #include "engine/lossrules.h"
+#include "engine/names.h"
 #include "tests/engine/plannedseries.h"
 
 #include <QRegularExpression>
@@ -24,6 +25,10 @@ private slots:
     void namesThatFioCannotTakeAreRefused_data();
     void namesThatFioCannotTakeAreRefused();
     void namesThatNoLineHoldsAreRefused();
+    void logsThatNoLineHoldsAreRefused();
+    void chunksThatFioCannotTakeAreRefused();
+    void namesOfThisSystemAreJudged_data();
+    void namesOfThisSystemAreJudged();
     void eachPlaceIsNamedOnce();
 };
 
@@ -268,6 +273,7 @@ void TestLosses::namesThatFioCannotTakeAreRefused_data()
     bad("//server/share/a.dat");
     bad("C:\\data\\a.dat");
     bad("C:/data/a.dat");
+
     good("/d/a$b.dat");
     good("/d/$HOME");
     good("/d/a$ {b}");
@@ -306,6 +312,61 @@ void TestLosses::namesThatNoLineHoldsAreRefused()
     line.preallocate = false;
     line.destination = "/d/[cfgPath]" + QByteArray(485, 'x');
     QCOMPARE(series.lossesOf(line.text()), QStringList("1:11 fio-name"));
+}
+
+void TestLosses::logsThatNoLineHoldsAreRefused()
+{
+    PlannedSeries series;
+    // A shell needs four characters for each. On this machine a log is a file of its own.
+    const QByteArray odd = "/d/" + QByteArray(250, '\'');
+    Line line = writing(odd);
+    line.flush = true;
+    const Line copy = copying(odd + '1', odd + '2');
+    QCOMPARE(series.lossesOf(line.text() + copy.text()), QStringList());
+    series.options().machines = {{"pc1", "ip:127.0.0.1,1", "/scratch"}};
+    QCOMPARE(series.lossesOf(line.text() + copy.text()), QStringList("2:10 fio-name"));
+}
+
+void TestLosses::chunksThatFioCannotTakeAreRefused()
+{
+    PlannedSeries series;
+    constexpr qint64 gib = 1 << 30;
+    qint64 size = gib;
+    series.options().environment.look = [&](const QString&) {
+        PathStatus status;
+        status.kind = PathStatus::Kind::File;
+        status.size = size;
+        return status;
+    };
+    Line line = reading("/d/a.dat");
+    line.chunk = 0;
+    QCOMPARE(series.lossesOf(line.text()), QStringList());
+    // Only a file that is there can be larger than what a task makes.
+    size = gib + 1;
+    QCOMPARE(series.lossesOf(line.text()), QStringList("1:5 fio-size"));
+}
+
+void TestLosses::namesOfThisSystemAreJudged_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QByteArray>("problem");
+    QTest::newRow("plain") << "/d/a.dat" << QByteArray();
+    QTest::newRow("a blank inside") << "/d/a b" << QByteArray();
+    QTest::newRow("a blank at the end")
+        << "/d/a " << QByteArray("ends with a blank, which fio cuts");
+    QTest::newRow("no blank at the end, but another")
+        << "/d/a\t" << QByteArray("holds a control character, which a job file of fio can't hold");
+    QTest::newRow("half a letter")
+        << QString("/d/") + QChar(0xD800)
+        << QByteArray("has letters that the encoding of file names can't hold");
+    QTest::newRow("relative") << "a.dat" << QByteArray("is not an absolute path of this system");
+}
+
+void TestLosses::namesOfThisSystemAreJudged()
+{
+    QFETCH(QString, path);
+    QFETCH(QByteArray, problem);
+    QCOMPARE(QByteArray::fromStdString(nameProblem(path)), problem);
 }
 
 void TestLosses::eachPlaceIsNamedOnce()

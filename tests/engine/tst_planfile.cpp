@@ -57,6 +57,15 @@ void TestPlanFile::changedPlansAreRefused()
         {"\"jobs\": 1", "\"jobs\": 0"},
         {"\"jobs\": 1", "\"jobs\": -1"},
         {"\"stage\": 0", "\"stage\": 1"},
+        {"\"stage\": 0", "\"stage\": \"\""},
+        {"\"machines\": [", "\"machines\": [], \"others\": ["},
+        {"\"jobs\": [", "\"jobs\": [], \"others\": ["},
+        {"\"sections\": [", "\"sections\": [], \"others\": ["},
+        {"\"files\": [", "\"files\": [], \"others\": ["},
+        {"\"chunkBytes\": 65536", "\"chunkBytes\": 0"},
+        {"\"bytes\": 262144", "\"bytes\": 0"},
+        {"\"bytes\": 262144", "\"bytes\": -1"},
+        {"\"bytes\": 262144", "\"bytes\": 9007199254740994"},
         {"\"bytes\": 262144", "\"bytes\": \"x\""},
         {"\"atJob\": \"absent\"", "\"atJob\": \"\""}};
     for (const auto& [from, to] : changes) {
@@ -66,6 +75,13 @@ void TestPlanFile::changedPlansAreRefused()
         changed.replace(place, from.size(), to);
         QVERIFY2(!planFromJson(changed, problem), to);
         QVERIFY(!problem.empty());
+    }
+    // The machine of the job, and that of its file.
+    for (const int from : {0, json.indexOf("\"stages\"")}) {
+        QByteArray changed = json;
+        const int place = json.indexOf("\"machine\": \"", from) + 12;
+        changed.insert(place, 'x');
+        QVERIFY(place > 12 && !planFromJson(changed, problem));
     }
     for (int length = 0; length < json.size() - 2; length += 7)
         QVERIFY(!planFromJson(json.left(length), problem));
@@ -98,6 +114,9 @@ void TestPlanFile::changedExportsAreRefused()
     std::string problem;
     const QString folder = series.place("out");
     QVERIFY(createExport(folder, result.plan, {}, problem));
+    QVERIFY(!readExport(series.place("share"), problem));
+    QCOMPARE(QString::fromStdString(problem),
+             "'" + series.place("share/plan.json") + "' can't be read: No such file or directory");
     for (const char* name : {"/stage-0.fio", "/guards/guard-0.fio", "/logs/s0-l1-i0.log"}) {
         const QByteArray content = test::contentOf(folder + name);
         test::put(folder + name, content + "\n");

@@ -1,4 +1,6 @@
 #include "engine/guards.h"
+#include "engine/jobfile.h"
+#include "engine/names.h"
 #include "tests/engine/plannedseries.h"
 
 /// The questions that a plan asks of its machines.
@@ -8,6 +10,8 @@ class TestPlannedGuards : public QObject
 
 private slots:
     void spaceIsAskedForByFolder();
+    void asManyFoldersAreAskedForAsALineHolds();
+    void asManyLogsAreWrittenAsALineHolds();
     void guardsAreFew();
 };
 
@@ -25,6 +29,57 @@ void TestPlannedGuards::spaceIsAskedForByFolder()
     for (const SpaceNeed& need : tests.back().needs)
         needs += QStringLiteral("%1 %2").arg(need.folder).arg(need.bytes / 1024);
     QCOMPARE(needs, QStringList({"/d/x 512", "/d/y 256", "/ 256"}));
+}
+
+void TestPlannedGuards::asManyFoldersAreAskedForAsALineHolds()
+{
+    PlannedSeries series;
+    QByteArray lines;
+    constexpr int folders = 60;
+    for (int i = 0; i < folders; ++i)
+        lines += writing("/d/" + QByteArray(200, 'x') + QByteArray::number(i) + "/a.dat").text();
+    const Plan plan = series.planOf(lines).plan;
+    QStringList asked;
+    int questions = 0;
+    for (const GuardTest& test : guardTests(plan, 0)) {
+        if (test.kind != GuardTest::Kind::Space)
+            continue;
+        ++questions;
+        QVERIFY(guardCondition(test).size() <= maxNameLine);
+        for (const SpaceNeed& need : test.needs) {
+            QCOMPARE(need.bytes, qint64(256) * 1024);
+            asked += need.folder.mid(203);
+        }
+    }
+    QVERIFY(questions > 1 && questions < 5);
+    QStringList expected;
+    for (int i = 0; i < folders; ++i)
+        expected += QString::number(i);
+    QCOMPARE(asked, expected);
+}
+
+void TestPlannedGuards::asManyLogsAreWrittenAsALineHolds()
+{
+    PlannedSeries series;
+    series.options().machines = {{"pc1", "ip:127.0.0.1,1", "/scratch"}};
+    QByteArray lines;
+    constexpr int logs = 30;
+    for (int i = 0; i < logs; ++i) {
+        Line line = writing("/d/" + QByteArray(150, 'x') + QByteArray::number(i) + ".dat");
+        line.flush = true;
+        lines += line.text();
+    }
+    const Plan plan = series.planOf(lines).plan;
+    const QByteArray text = jobFileText(plan, 0, plan.stages[0].files[0]);
+    int sections = 0;
+    for (const QByteArray& line : text.split('\n')) {
+        sections += int(line.startsWith("[s0-prepare-"));
+        QVERIFY(line.size() < 8000);
+    }
+    QVERIFY(sections > 1 && sections < 10);
+    // Each log is written once.
+    for (size_t i = 0; i < size_t(logs); ++i)
+        QCOMPARE(text.count(") > " + shellWord(plan.jobs[i].log->file)), 1);
 }
 
 void TestPlannedGuards::guardsAreFew()
