@@ -190,7 +190,6 @@ int runTyped(const Command& command, const std::vector<std::string>& typed, cons
 /// Without a subcommand at the first place: options of dpc itself.
 int runMain(const std::vector<std::string>& typed, const Output& output)
 {
-    bool wantsHelp = false;
     const Command* command = nullptr;
     for (const std::string& text : typed) {
         if (text == versionOption.names) {
@@ -198,14 +197,11 @@ int runMain(const std::vector<std::string>& typed, const Output& output)
             return exitClean;
         }
         const bool isHelp = text == "-h" || text == helpOption.longName();
-        wantsHelp = wantsHelp || isHelp;
         command = command == nullptr ? commandNamed(text) : command;
         if (!isHelp && command == nullptr)
             return failInUse(output, fmt::format("unknown option {}", quoted(decoded(text))),
                              "dpc");
     }
-    if (!wantsHelp)
-        return failInUse(output, "a command is missing", "dpc");
     output.out << (command == nullptr ? mainHelp() : helpFor(*command));
     return exitClean;
 }

@@ -45,9 +45,13 @@ public:
         std::ostringstream err;
         const int code = runDpc(list, {out, err, colour});
         Result result{withoutRoot(out.str()), withoutRoot(err.str()), code};
-        Recordings::compare(QString::fromUtf8(result.out.left(4000)) + "--- error stream\n" +
-                            QString::fromUtf8(result.err.left(4000)) + "--- exit status " +
-                            QString::number(code));
+        // Whole lines: a path that is cut can't be told from others.
+        const auto begin = [](const QByteArray& text) {
+            constexpr int mostLines = 80;
+            return QString::fromUtf8(text).section('\n', 0, mostLines);
+        };
+        Recordings::compare(begin(result.out) + "--- error stream\n" + begin(result.err) +
+                            "--- exit status " + QString::number(code));
         return result;
     }
 

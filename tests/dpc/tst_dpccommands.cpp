@@ -1,3 +1,5 @@
+#include "check/rules/catalogue.h"
+#include "check/ruletexts.h"
 #include "check/text.h"
 #include "configset/seriesloader.h"
 #include "dpc/alignment.h"
@@ -8,6 +10,9 @@
 #include "tests/check/seriesfolder.h"
 #include "tests/dpc/dpcrun.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QRegularExpression>
 
 #include <fmt/format.h>
@@ -102,7 +107,7 @@ private slots:
         }
         // Neither do the others fail; their output does not matter here.
         for (const char* command :
-             {"show", "show --expand --format=csv", "show --format=json", "roundtrip"})
+             {"show", "show --expand --format=csv --host=pc", "show --format=json", "roundtrip"})
             QVERIFY(m_dpc.run(QString(command) + ' ' + m_series->root() + "a.dpc").code <= 2);
     }
 
@@ -169,6 +174,10 @@ private slots:
         QVERIFY(changes().contains(QString("_wait/a.dpc: is cut at %1 of ").arg(maxConfigFile)));
         QVERIFY(changes().contains("\na.dpc: stays as it is, and is loaded again next time\n"));
         QVERIFY(changes().contains("a_init.dpc: is created"));
+        QCOMPARE(changesInJson(), (QStringList{"change created; cutAt 5000; file _wait/a.dpc; "
+                                               "lineCount 49",
+                                               "change created; file a_init.dpc; lineCount 1",
+                                               "change kept; file a.dpc"}));
     }
 
     void roundTripTellsWhatCannotBeWritten()
@@ -179,7 +188,32 @@ private slots:
         QVERIFY(QDir(m_series->root() + "_wait").removeRecursively());
         m_series->put("_wait", "");
         QVERIFY(changes().contains("_wait/a.dpc: can't be written: the folder is a file\n"));
+        QCOMPARE(changesInJson().value(0),
+                 QString("change blocked; file _wait/a.dpc; reason the folder is a file"));
         QVERIFY(changes().contains("a_init.dpc: is created"));
+    }
+
+    void roundTripOfWhatCannotBeReadIsOneSentence()
+    {
+        QVERIFY(QDir(m_series->root()).mkdir("a.dpc"));
+        for (const char* command : {"show ", "roundtrip ", "roundtrip --format=json "})
+            QCOMPARE(m_dpc.run(command + m_series->root() + "a.dpc").code, 2);
+    }
+
+    void rulesCanBeListedForPrograms()
+    {
+        const QByteArray json = m_dpc.run("check --list-rules --format=json").out;
+        const QJsonArray list = QJsonDocument::fromJson(json).object()["rules"].toArray();
+        QCOMPARE(list.size(), int(allRules().size()));
+        for (int i = 0; i < list.size(); ++i) {
+            const Rule& rule = *allRules()[size_t(i)];
+            const QJsonObject expected{{"rule", rule.name},
+                                       {"severity", severityName(rule.severity)},
+                                       {"category", rule.category},
+                                       {"meaning", rule.meaning},
+                                       {"advice", rule.advice}};
+            QCOMPARE(list[i].toObject(), expected);
+        }
     }
 
     void roundTripKnowsTheFilesThatTheSaveMakes()
@@ -203,6 +237,8 @@ private slots:
         const int rest = 3 * (compared - compared / 3);
         QVERIFY(changes().contains(
             QString("a_init.dpc: %1 more bytes go, and are not shown\n").arg(rest)));
+        QVERIFY(changesInJson().contains(
+            QString("bytesNotShown %1; change changed; file a_init.dpc").arg(rest)));
     }
 
     void roundTripOfEndlessIterationsEnds()
@@ -266,7 +302,7 @@ private slots:
                                   "0m\xAD";
         m_series->put("a.dpc", goodLine({{10, unsafe}, {11, '/' + unsafe}}));
         for (const char* command : {"check", "check --format=json", "show", "show --format=csv",
-                                    "show --format=json", "show --expand", "roundtrip"}) {
+                                    "show --format=json", "show --expand --host=pc", "roundtrip"}) {
             const DpcRun::Result result =
                 m_dpc.run(QString(command) + ' ' + m_series->root() + "a.dpc");
             const QString text = QString::fromUtf8(result.out + result.err);
@@ -285,6 +321,23 @@ private slots:
     }
 
 private:
+    /// For each file what the JSON tells of it, but for the lines: keys in their order, and values.
+    QStringList changesInJson() const
+    {
+        const QByteArray json =
+            m_dpc.run("roundtrip --format=json " + m_series->root() + "a.dpc").out;
+        QStringList texts;
+        for (const QJsonValue value : QJsonDocument::fromJson(json).object()["files"].toArray()) {
+            QJsonObject file = value.toObject();
+            file.remove("lines");
+            QStringList parts;
+            for (auto part = file.constBegin(); part != file.constEnd(); ++part)
+                parts += part.key() + ' ' + part.value().toVariant().toString();
+            texts += parts.join("; ").remove(m_series->root());
+        }
+        return texts;
+    }
+
     QString changes() const
     {
         return QString::fromStdString(changesAsText(roundTrip(m_series->facts()).files));

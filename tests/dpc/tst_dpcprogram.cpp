@@ -100,6 +100,66 @@ private slots:
                             "into its folder\n"));
     }
 
+    void aFileThatCannotBeWrittenIsSaid()
+    {
+        m_series->put("a.dpc", goodLine());
+        const QByteArray name = "a_init.dpc can't be written: ";
+        QVERIFY(QDir(m_series->root()).mkdir("closed"));
+        m_series->put("closed/a.dpc", goodLine());
+        Result result = shell("cd closed; chmod 555 .; " + asOthers() +
+                              "\"$dpc\" init --write a.dpc; code=$?; chmod 755 .; exit $code");
+        QCOMPARE(result.code, 2);
+        QCOMPARE(result.err, "dpc: " + name + "you have no right to write into its folder\n");
+        // A shell that lets files have no byte, as a full disk does.
+        result = shell("trap '' XFSZ; ulimit -f 0; \"$dpc\" init --write a.dpc");
+        QCOMPARE(result.code, 2);
+        QCOMPARE(result.err, "dpc: " + name + "the disk is full, or the file can't be replaced\n");
+    }
+
+    void coloursAreForTerminals_data()
+    {
+        QTest::addColumn<QByteArray>("settings");
+        QTest::addColumn<bool>("hasColour");
+        QTest::newRow("a terminal") << QByteArray("TERM=xterm") << true;
+        QTest::newRow("a dumb one") << QByteArray("TERM=dumb") << false;
+        QTest::newRow("an unknown one") << QByteArray("-u TERM") << false;
+        QTest::newRow("colours are refused") << QByteArray("TERM=xterm NO_COLOR=1") << false;
+        QTest::newRow("refused by nothing") << QByteArray("TERM=xterm NO_COLOR=") << true;
+    }
+
+    void coloursAreForTerminals()
+    {
+        QFETCH(QByteArray, settings);
+        QFETCH(bool, hasColour);
+        const QByteArray command = "env -u NO_COLOR " + settings + " \"$dpc\" check a.dpc";
+        // A terminal of its own.
+        const Result seen = shell("script --quiet --return --command '" + command + "' /dev/null");
+        QVERIFY2(seen.out.contains("a.dpc:1:1"), seen.out);
+        QCOMPARE(seen.out.contains("\x1B["), hasColour);
+        QVERIFY(!shell(command).out.contains('\x1B'));
+    }
+
+    void longOutputComesWhole()
+    {
+        constexpr int tasks = 3000;
+        QByteArray lines;
+        for (int chunk = 1; chunk <= tasks; ++chunk)
+            lines += goodLine({{5, QByteArray::number(chunk)}, {7, "10240"}});
+        m_series->put("a.dpc", lines);
+        const Result result = shell("\"$dpc\" show --format=csv a.dpc");
+        QCOMPARE(result.code, 0);
+        const QByteArrayList rows = result.out.split('\n');
+        QCOMPARE(rows.size(), tasks + 2);
+        for (int chunk = 1; chunk <= tasks; ++chunk) {
+            QCOMPARE(rows[chunk].count(','), rows[0].count(','));
+            QCOMPARE(rows[chunk].split(',').value(5).toInt(), chunk);
+        }
+        // A shell that lets files have one block.
+        const Result cut = shell("trap '' XFSZ; ulimit -f 1; \"$dpc\" show a.dpc > out");
+        QCOMPARE(cut.code, 2);
+        QVERIFY2(cut.err.endsWith("standard output can't be written: File too large\n"), cut.err);
+    }
+
 private:
     struct Result
     {
