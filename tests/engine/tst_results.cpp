@@ -313,6 +313,21 @@ void TestResults::theTableIsSafeInASpreadsheet()
     const QByteArray heading = table.left(table.indexOf("\r\n"));
     QCOMPARE(heading.count(','), 27);
     QCOMPARE(table.count("\r\n"), int(plan.jobs.size()) + 1);
+    const auto cellOf = [&](const QString& name) {
+        plan.machines[0].name = name;
+        const QByteArray cells = resultsCsv(results);
+        const int start = cells.indexOf(",write,") + 7;
+        return cells.mid(start, cells.indexOf(",0,w,", start) - start);
+    };
+    for (const char* name : {"=a", "+a", "-a", "@a", "\ta"})
+        QCOMPARE(cellOf(name), QByteArray("'") + name);
+    for (const char* name : {"a", "a=+-@", "a\tb", ""})
+        QCOMPARE(cellOf(name), QByteArray(name));
+    QCOMPARE(cellOf("a,b"), QByteArray("\"a,b\""));
+    QCOMPARE(cellOf("a\nb"), QByteArray("\"a\nb\""));
+    QCOMPARE(cellOf("a\rb"), QByteArray("\"a\rb\""));
+    QCOMPARE(cellOf("\ra"), QByteArray("\"'\ra\""));
+    QCOMPARE(cellOf("a\"b"), QByteArray("\"a\"\"b\""));
 }
 
 QTEST_APPLESS_MAIN(TestResults)
