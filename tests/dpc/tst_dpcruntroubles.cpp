@@ -29,6 +29,8 @@ private slots:
     void tellsOfATroubledFio_data();
     void tellsOfATroubledFio();
     void tellsTheSizesThatSourcesHave();
+    void namesTheFilesThatItMayHaveMade_data();
+    void namesTheFilesThatItMayHaveMade();
 };
 
 namespace {
@@ -332,6 +334,50 @@ void TestDpcRunTroubles::tellsTheSizesThatSourcesHave()
     putFio("case \"$*\" in *guard-0*) " + change + ";; esac");
     qputenv("STANDIN_ASK", "1");
     run({}, 1);
+}
+
+void TestDpcRunTroubles::namesTheFilesThatItMayHaveMade_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<bool>("isReported");
+    QTest::addColumn<bool>("isStopped");
+    for (const char* file : {"absent", "empty", "full", "a folder"}) {
+        for (const bool isReported : {false, true}) {
+            for (const bool isStopped : {false, true})
+                QTest::addRow("%s, %s, %s", file, isReported ? "not begun" : "not reported",
+                              isStopped ? "stopped" : "not stopped")
+                    << QByteArray(file) << isReported << isStopped;
+        }
+    }
+}
+
+void TestDpcRunTroubles::namesTheFilesThatItMayHaveMade()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(bool, isReported);
+    QFETCH(bool, isStopped);
+    m_series->putSeries({{SeriesRun::line("", "[cfgPath]/a.dat", 4, 4)}});
+    const QByteArray path = '\'' + m_series->file("a.dat").toUtf8() + '\'';
+    QByteArray commands = file == "empty"      ? ": > " + path
+                          : file == "full"     ? "echo x > " + path
+                          : file == "a folder" ? "mkdir " + path
+                                               : QByteArray(":");
+    if (isStopped)
+        commands += "; trap '' INT; kill -INT $PPID";
+    putFio("case \"$*\" in *stage-0*) " + commands + ";; esac");
+    const QByteArray section =
+        "{ \"jobname\" : \"s0-l1-i0\", \"error\" : 0, "
+        "\"read\" : { \"io_bytes\" : 0, \"total_ios\" : 0, \"runtime\" : 0 }, "
+        "\"write\" : { \"io_bytes\" : 0, \"total_ios\" : 0, \"runtime\" : 0 } }";
+    test::put(m_series->file("output"), "{\n\"fio version\" : \"fio-3.33\",\n\"jobs\" : [\n" +
+                                            (isReported ? section : QByteArray()) + "\n]\n}\n");
+    qputenv("STANDIN_OUTPUT", m_series->file("output").toUtf8());
+    run({}, 1);
+    // A job that is reported without a byte left the file as it was, unless it was stopped between
+    // opening it and writing.
+    const bool isFile = file == "empty" || file == "full";
+    const bool mayBeMade = isReported ? isStopped && file == "empty" : isFile;
+    QCOMPARE(m_series->content("run/manifest").isEmpty(), !mayBeMade);
 }
 
 QTEST_APPLESS_MAIN(TestDpcRunTroubles)

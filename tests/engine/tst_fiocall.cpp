@@ -7,8 +7,10 @@
 #include <QTest>
 
 #include <csignal>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 // A shell stands in for fio: what is under test is how a process is started, told and waited for.
 
@@ -36,6 +38,7 @@ private slots:
     void keepsBothOutputsAndTheFolder();
     void overwritesNoOutput();
     void saysWhyItCannotStart();
+    void saysWhatTheSystemRefuses();
     void passesAnInterruptOn_data();
     void passesAnInterruptOn();
     void tellsEvenWhatIgnoresSignalsFromTheStart();
@@ -106,6 +109,35 @@ void TestFioCall::saysWhyItCannotStart()
     call.program = QStringLiteral("sh");
     call.folder = m_folder->filePath("none");
     QVERIFY(!guard.run(call).problem.isEmpty());
+}
+
+void TestFioCall::saysWhatTheSystemRefuses()
+{
+    QVERIFY(QFile::setPermissions(m_folder->path(), QFile::Permissions(0x7777)));
+    const auto problemWith = [&](__rlimit_resource_t resource, rlim_t most) {
+        const QString told = m_folder->filePath("told");
+        // In a child, whose limits nobody else has. Root may have any number of processes.
+        test::runWithoutRights([&] {
+            const SignalGuard guard;
+            rlimit limit{};
+            ::getrlimit(resource, &limit);
+            const rlim_t before = std::exchange(limit.rlim_cur, most);
+            ::setrlimit(resource, &limit);
+            const QString problem = guard.run(shell("exit 0")).problem;
+            limit.rlim_cur = before;
+            ::setrlimit(resource, &limit);
+            test::put(told, problem.toUtf8());
+        });
+        return test::contentOf(told);
+    };
+    const int firstFree = ::dup(STDIN_FILENO);
+    ::close(firstFree);
+    QCOMPARE(problemWith(RLIMIT_NPROC, 0), QByteArray("Resource temporarily unavailable"));
+    QCOMPARE(problemWith(RLIMIT_NOFILE, rlim_t(firstFree)), QByteArray("Too many open files"));
+    QVERIFY(!QFile::exists(m_folder->filePath("out")));
+    constexpr rlim_t plenty = 1000;
+    QCOMPARE(problemWith(RLIMIT_NOFILE, plenty), QByteArray());
+    QVERIFY(QFile::exists(m_folder->filePath("out")));
 }
 
 void TestFioCall::passesAnInterruptOn_data()

@@ -12,6 +12,7 @@ private slots:
     void spaceIsAskedForByFolder();
     void asManyFoldersAreAskedForAsALineHolds();
     void asManyLogsAreWrittenAsALineHolds();
+    void logsLieInAFolderThatAnyToolCanName();
     void guardsAreFew();
 };
 
@@ -80,6 +81,24 @@ void TestPlannedGuards::asManyLogsAreWrittenAsALineHolds()
     // Each log is written once.
     for (size_t i = 0; i < size_t(logs); ++i)
         QCOMPARE(text.count(") > " + shellWord(plan.jobs[i].log->file)), 1);
+}
+
+void TestPlannedGuards::logsLieInAFolderThatAnyToolCanName()
+{
+    const auto folderFor = [](const QString& temp) {
+        PlannedSeries series;
+        series.options().machines = {{"pc1", "ip:127.0.0.1,1", temp}};
+        Line line = writing("/d/a.dat");
+        line.flush = true;
+        const Plan plan = series.planOf(line.text()).plan;
+        const QString folder = plan.stages.at(0).files.at(0).logFolder;
+        return folder.left(folder.lastIndexOf("/dpc-"));
+    };
+    for (const char* temp : {"/a", "/scratch/x", "/A-b_c.1", "/z9"})
+        QCOMPARE(folderFor(temp), QString(temp));
+    for (const char* temp :
+         {"/", "//a", "/a b", "/a:b", "/a'b", "/a@b", "/a[b", "/a`b", "/a{b", "/\xC3\xBC", "/a,b"})
+        QCOMPARE(folderFor(QString::fromUtf8(temp)), QStringLiteral("/tmp"));
 }
 
 void TestPlannedGuards::guardsAreFew()
