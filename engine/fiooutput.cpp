@@ -1,18 +1,17 @@
 #include "engine/fiooutput.h"
 
+#include "engine/jsonnumbers.h"
+
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
 
-#include <cmath>
+#include <algorithm>
 
 namespace {
 
 /// The sums that fio adds over all machines are known to be wrong.
 constexpr char sumOfClients[] = "All clients";
-
-/// Beyond this a double no longer holds every whole number.
-constexpr double maxExactNumber = 9007199254740992.0;
 
 /// Walks through the text of a document without building it: one of a large run is larger than
 /// what QJsonDocument takes, and one of a killed run has no end.
@@ -40,33 +39,17 @@ private:
     FioOutput m_output;
 };
 
-std::optional<double> numberOf(const QJsonObject& object, const char* name)
-{
-    const QJsonValue value = object.value(QLatin1String(name));
-    if (!value.isDouble())
-        return std::nullopt;
-    const double number = value.toDouble();
-    if (!std::isfinite(number) || number < 0 || number > maxExactNumber)
-        return std::nullopt;
-    return number;
-}
-
-std::optional<qint64> wholeNumberOf(const QJsonObject& object, const char* name)
-{
-    const std::optional<double> number = numberOf(object, name);
-    return number.has_value() ? std::optional<qint64>(qint64(*number)) : std::nullopt;
-}
-
 double sumOf(const QJsonObject& latency)
 {
-    const double sum = numberOf(latency, "mean").value_or(0) * numberOf(latency, "N").value_or(0);
+    const double sum = numberOf(latency.value(QLatin1String("mean"))).value_or(0) *
+                       numberOf(latency.value(QLatin1String("N"))).value_or(0);
     return std::min(sum, maxExactNumber);
 }
 
 std::optional<IoFigures> figuresOf(const QJsonObject& direction)
 {
-    const std::optional<qint64> bytes = wholeNumberOf(direction, "io_bytes");
-    const std::optional<qint64> ios = wholeNumberOf(direction, "total_ios");
+    const std::optional<qint64> bytes = wholeNumberOf(direction.value(QLatin1String("io_bytes")));
+    const std::optional<qint64> ios = wholeNumberOf(direction.value(QLatin1String("total_ios")));
     if (!bytes.has_value() || !ios.has_value())
         return std::nullopt;
     IoFigures figures;
@@ -76,16 +59,16 @@ std::optional<IoFigures> figuresOf(const QJsonObject& direction)
     const QJsonObject completion = direction.value(QLatin1String("clat_ns")).toObject();
     const QJsonObject percentiles = completion.value(QLatin1String("percentile")).toObject();
     if (*ios > 0) {
-        figures.p50Ns = wholeNumberOf(percentiles, "50.000000");
-        figures.p99Ns = wholeNumberOf(percentiles, "99.000000");
-        figures.maxNs = wholeNumberOf(completion, "max");
+        figures.p50Ns = wholeNumberOf(percentiles.value(QLatin1String("50.000000")));
+        figures.p99Ns = wholeNumberOf(percentiles.value(QLatin1String("99.000000")));
+        figures.maxNs = wholeNumberOf(completion.value(QLatin1String("max")));
     }
     return figures;
 }
 
 std::optional<SectionReport> sectionOf(const QJsonObject& object)
 {
-    const std::optional<qint64> error = wholeNumberOf(object, "error");
+    const std::optional<qint64> error = wholeNumberOf(object.value(QLatin1String("error")));
     const QJsonObject readObject = object.value(QLatin1String("read")).toObject();
     const QJsonObject writeObject = object.value(QLatin1String("write")).toObject();
     const std::optional<IoFigures> read = figuresOf(readObject);
@@ -101,12 +84,13 @@ std::optional<SectionReport> sectionOf(const QJsonObject& object)
     report.error = int(std::min<qint64>(*error, INT_MAX));
     report.read = *read;
     report.write = *write;
-    report.runtimeMs = std::max(wholeNumberOf(readObject, "runtime").value_or(0),
-                                wholeNumberOf(writeObject, "runtime").value_or(0));
+    report.runtimeMs =
+        std::max(wholeNumberOf(readObject.value(QLatin1String("runtime"))).value_or(0),
+                 wholeNumberOf(writeObject.value(QLatin1String("runtime"))).value_or(0));
     const QJsonObject sync = object.value(QLatin1String("sync")).toObject();
-    report.syncs = wholeNumberOf(sync, "total_ios").value_or(0);
+    report.syncs = wholeNumberOf(sync.value(QLatin1String("total_ios"))).value_or(0);
     report.syncNs = sumOf(sync.value(QLatin1String("lat_ns")).toObject());
-    report.startMs = wholeNumberOf(object, "job_start");
+    report.startMs = wholeNumberOf(object.value(QLatin1String("job_start")));
     return report;
 }
 

@@ -1,6 +1,7 @@
 #include "engine/planfile.h"
 
 #include "check/ruletexts.h"
+#include "engine/jsonnumbers.h"
 
 #include <QHash>
 #include <QJsonDocument>
@@ -183,8 +184,8 @@ private:
         job.iteration = object["iteration"].toInt();
         job.source = fileOf(object["source"]);
         job.destination = fileOf(object["destination"]);
-        job.bytes = bytesOf(object["bytes"]);
-        job.chunk = bytesOf(object["chunkBytes"]);
+        job.bytes = wholeNumberOf(object["bytes"]).value_or(-1);
+        job.chunk = wholeNumberOf(object["chunkBytes"]).value_or(-1);
         job.waitMs = object["waitMs"].toInt();
         job.flush = object["flush"].toBool();
         job.preallocate = object["preallocate"].toBool();
@@ -202,18 +203,10 @@ private:
     {
         PlanSection section;
         section.name = object["name"].toString().toLatin1();
-        section.bytes = bytesOf(object["bytes"]);
-        section.offset = bytesOf(object["offset"]);
-        section.chunk = bytesOf(object["chunkBytes"]);
+        section.bytes = wholeNumberOf(object["bytes"]).value_or(-1);
+        section.offset = wholeNumberOf(object["offset"]).value_or(-1);
+        section.chunk = wholeNumberOf(object["chunkBytes"]).value_or(-1);
         return section;
-    }
-
-    /// Whole numbers up to 2^53, as JSON has them.
-    static qint64 bytesOf(const QJsonValue& value)
-    {
-        constexpr double most = 9007199254740992.0;
-        const double number = value.toDouble(-1);
-        return number >= 0 && number <= most ? qint64(number) : -1;
     }
 
     PlanFile fileOf(const QJsonValue& value)

@@ -1,6 +1,7 @@
 #include "engine/runrecord.h"
 
 #include "check/text.h"
+#include "engine/jsonnumbers.h"
 #include "engine/planfile.h"
 #include "engine/runfolder.h"
 
@@ -11,7 +12,6 @@
 #include <QJsonObject>
 
 #include <algorithm>
-#include <cmath>
 #include <fmt/format.h>
 
 namespace {
@@ -37,21 +37,6 @@ QStringList textsOf(const QJsonValue& list)
     return texts;
 }
 
-std::optional<double> numberOf(const QJsonValue& value)
-{
-    const double number = value.toDouble(-1);
-    return value.isDouble() && std::isfinite(number) && number >= 0 ? std::optional(number)
-                                                                    : std::nullopt;
-}
-
-/// Whole numbers up to 2^53, as JSON has them.
-std::optional<qint64> wholeOf(const QJsonValue& value)
-{
-    constexpr double most = 9007199254740992.0;
-    const std::optional<double> number = numberOf(value);
-    return number && *number <= most ? std::optional(qint64(*number)) : std::nullopt;
-}
-
 RecordedJob jobOf(const QJsonObject& object)
 {
     RecordedJob job;
@@ -65,18 +50,18 @@ RecordedJob jobOf(const QJsonObject& object)
     job.name = object["name"].toString();
     job.source = object["source"].toString();
     job.destination = object["destination"].toString();
-    job.plannedBytes = wholeOf(object["plannedBytes"]).value_or(0);
+    job.plannedBytes = wholeNumberOf(object["plannedBytes"]).value_or(0);
     job.isGood = object["good"].toBool();
     job.reason = object["reason"].toString();
-    job.doneBytes = wholeOf(object["doneBytes"]);
-    job.startMs = wholeOf(object["startMs"]);
-    job.endMs = wholeOf(object["endMs"]);
-    job.runtimeMs = wholeOf(object["runtimeMs"]);
+    job.doneBytes = wholeNumberOf(object["doneBytes"]);
+    job.startMs = wholeNumberOf(object["startMs"]);
+    job.endMs = wholeNumberOf(object["endMs"]);
+    job.runtimeMs = wholeNumberOf(object["runtimeMs"]);
     job.rate = numberOf(object["bytesPerSecond"]);
     job.ioRate = numberOf(object["ioBytesPerSecond"]);
-    job.p50Ns = wholeOf(object["p50Ns"]);
-    job.p99Ns = wholeOf(object["p99Ns"]);
-    job.maxNs = wholeOf(object["maxNs"]);
+    job.p50Ns = wholeNumberOf(object["p50Ns"]);
+    job.p99Ns = wholeNumberOf(object["p99Ns"]);
+    job.maxNs = wholeNumberOf(object["maxNs"]);
     job.bandwidthLogs = textsOf(object["bandwidthLogs"]);
     return job;
 }
@@ -88,8 +73,8 @@ RecordedRun runOf(const QJsonObject& object)
     run.reasons = textsOf(object["reasons"]);
     run.series = object["series"].toString();
     run.info = textsOf(object["info"]);
-    run.startedMs = wholeOf(object["startedMs"]);
-    run.endedMs = wholeOf(object["endedMs"]);
+    run.startedMs = wholeNumberOf(object["startedMs"]);
+    run.endedMs = wholeNumberOf(object["endedMs"]);
     run.fioVersion = object["fioVersion"].toString();
     run.dpcVersion = object["dpcVersion"].toString();
     for (const QJsonValue machine : object["machines"].toArray())
@@ -125,7 +110,7 @@ RecordedJob plannedJob(const Plan& plan, const PlanJob& planned)
 RecordedRun runOf(const QJsonObject& state, const QString& folder, const PlanFileContent* planned)
 {
     RecordedRun run;
-    run.startedMs = wholeOf(state["startedMs"]);
+    run.startedMs = wholeNumberOf(state["startedMs"]);
     run.state = state["state"].toString();
     if (run.state == QLatin1String(runStateName(RunState::Refused))) {
         run.reasons = textsOf(state["reasons"]);
