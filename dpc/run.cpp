@@ -343,7 +343,7 @@ int run(const Arguments& arguments, const Output& output)
     std::string problem;
     const QString version = fioVersion(request.run.program, problem);
     if (!problem.empty())
-        return fail(output, fmt::format("fio can't be run: {}; it is in the package fio", problem));
+        return fail(output, "fio can't be run: " + problem);
     if (!triedFioVersions().contains(version))
         return fail(output,
                     fmt::format("{} was not tried with this program, but {}", quoted(version),

@@ -144,13 +144,19 @@ QString fioVersion(const QString& program, std::string& problem)
     call.errorFile = folder.filePath(QStringLiteral("err"));
     call.timeoutMs = versionTimeoutMs;
     const FioExit exit = heldSignals.run(call);
-    problem =
-        exit.stopped == StopReason::None ? exit.problem.toStdString() : stopText(exit.stopped);
-    QFile file(call.outputFile);
-    if (!problem.empty() || !file.open(QIODevice::ReadOnly))
+    problem = stopText(exit.stopped);
+    if (!exit.problem.isEmpty())
+        problem = exit.problem.toStdString() + "; it is in the package fio";
+    if (!problem.empty())
         return {};
+    QFile file(call.outputFile);
     constexpr qint64 maxVersionLength = 100;
-    return QString::fromLatin1(file.read(maxVersionLength)).trimmed();
+    const QByteArray told =
+        file.open(QIODevice::ReadOnly) ? file.read(maxVersionLength) : QByteArray();
+    QString version = QString::fromLatin1(told).trimmed();
+    if (version.isEmpty())
+        problem = "it tells no version";
+    return version;
 }
 
 Runner::Runner(const Plan& plan, RunFolder& folder, const RunOptions& options)

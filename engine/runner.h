@@ -34,7 +34,8 @@ qint64 fioIdleMs(const PlanJobFile& file, bool isLocal);
 /// Versions of fio that runs were tried with, as fio spells them.
 QStringList triedFioVersions();
 
-/// The version of a program, as fio spells it; empty, and the reason, if it can't be run.
+/// The version of a program, as fio spells it; empty, and the reason, if it can't be run or tells
+/// none.
 QString fioVersion(const QString& program, std::string& problem);
 
 /// Runs a plan that was exported into the folder of the run, and leaves its state, its manifest and
