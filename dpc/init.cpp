@@ -47,6 +47,15 @@ void addRejectedLines(const SeriesFacts& facts, Reasons& reasons)
     }
 }
 
+void addUnreadableFiles(const SeriesFacts& facts, Reasons& reasons)
+{
+    for (const FileFact& file : facts.files) {
+        if (file.isRead() && !file.readable)
+            reasons.push_back(
+                fmt::format("{} does not load: {}", printable(file.shown), file.whyUnreadable));
+    }
+}
+
 /// The file that a line of an _init file writes when the series runs; empty for a comment.
 QString fileMadeBy(const QByteArray& line, const SeriesFacts& facts)
 {
@@ -87,6 +96,7 @@ Reasons reasonsAgainst(const SeriesFacts& facts, const Resave& saved)
     if (saved.files.empty())
         return {"the series holds no task"};
     const ResavedFile& file = saved.files.back();
+    addUnreadableFiles(facts, reasons);
     addRejectedLines(facts, reasons);
     addDestroyedFiles(facts, file, reasons);
     if (!file.obstacle.empty())

@@ -17,17 +17,28 @@ bool anythingReadable(const SeriesFacts& facts)
                        [](const FileFact& file) { return file.isRead() && file.readable; });
 }
 
-void addLostLines(const SeriesFacts& facts, Remarks& remarks)
+void addLost(const char* what, const char* noun, long long count, const SeriesFacts& facts,
+             Remarks& remarks)
 {
-    const auto lost =
-        std::count_if(facts.lines.begin(), facts.lines.end(),
-                      [](const LineFact& line) { return line.kind == LineFact::Kind::Rejected; });
-    if (lost > 0)
+    if (count > 0)
         remarks.notChecked.push_back(
-            {"rejected-lines", lost,
+            {what, count,
              fmt::format("{} of {} can't be read and {} left out; dpc check tells why",
-                         counted(lost, "line"), printable(facts.name.baseName),
-                         lost == 1 ? "is" : "are")});
+                         counted(count, noun), printable(facts.name.baseName),
+                         count == 1 ? "is" : "are")});
+}
+
+void addLosses(const SeriesFacts& facts, Remarks& remarks)
+{
+    addLost("unreadable-files", "file",
+            std::count_if(facts.files.begin(), facts.files.end(),
+                          [](const FileFact& file) { return file.isRead() && !file.readable; }),
+            facts, remarks);
+    addLost(
+        "rejected-lines", "line",
+        std::count_if(facts.lines.begin(), facts.lines.end(),
+                      [](const LineFact& line) { return line.kind == LineFact::Kind::Rejected; }),
+        facts, remarks);
 }
 
 } // namespace
@@ -49,7 +60,7 @@ std::optional<SeriesFacts> readOneSeries(const QString& path, Remarks& remarks)
             fmt::format("the series has more than {}", counted(maxSeriesEntries, "line")));
     if (!remarks.problems.empty())
         return std::nullopt;
-    addLostLines(facts, remarks);
+    addLosses(facts, remarks);
     return facts;
 }
 

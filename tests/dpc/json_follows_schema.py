@@ -22,7 +22,8 @@ outputs = {
         ["check", "--hosts", "a,a", "--no-rule", "winapi", "many"],
     ],
     "rules": [["check", "--list-rules"]],
-    "show": [["show", "good"], ["show", "broken/broken.dpc"], ["show", "--expand", "form"]],
+    "show": [["show", "good"], ["show", "broken/broken.dpc"], ["show", "--expand", "form"],
+             ["show", "blocked/a.dpc"]],
     "diff": [["diff", "good", "changed"], ["diff", "good", "broken/broken.dpc"],
              ["diff", "good", "good"], ["diff", "nowhere", "good"]],
     "roundtrip": [["roundtrip", "form"], ["roundtrip", "changed"], ["roundtrip", "many"],
@@ -53,6 +54,7 @@ def make_series():
     write("many/a_init.dpc", b"")
     write("blocked/a.dpc", line())
     os.mkdir("blocked/a_init.dpc")
+    os.mkdir("blocked/a1.dpc")
 
 
 def run(arguments):

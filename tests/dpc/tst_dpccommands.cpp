@@ -200,6 +200,28 @@ private slots:
             QCOMPARE(m_dpc.run(command + m_series->root() + "a.dpc").code, 2);
     }
 
+    void aFileThatIsLeftOutIsTold()
+    {
+        m_series->put("a.dpc", goodLine());
+        QVERIFY(QDir(m_series->root()).mkdir("a1.dpc"));
+        const QString path = ' ' + m_series->root() + "a.dpc";
+        for (const char* command : {"show", "show --format=csv"}) {
+            const DpcRun::Result result = m_dpc.run(command + path);
+            QCOMPARE(result.code, 0);
+            QCOMPARE(result.err, QByteArray("dpc: 1 file of a can't be read and is left out; dpc "
+                                            "check tells why\n"));
+        }
+        QVERIFY(QDir(m_series->root()).mkdir("a2.dpc"));
+        const QByteArray json = m_dpc.run("show --format=json" + path).out;
+        const QJsonArray lost = QJsonDocument::fromJson(json).object()["notChecked"].toArray();
+        QCOMPARE(lost.size(), 1);
+        const QJsonObject expected{
+            {"what", "unreadable-files"},
+            {"count", 2},
+            {"text", "2 files of a can't be read and are left out; dpc check tells why"}};
+        QCOMPARE(lost[0].toObject(), expected);
+    }
+
     void rulesCanBeListedForPrograms()
     {
         const QByteArray json = m_dpc.run("check --list-rules --format=json").out;

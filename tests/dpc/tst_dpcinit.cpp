@@ -112,6 +112,16 @@ private slots:
         QCOMPARE(test::contentOf(initPath()), QByteArray("old"));
     }
 
+    void refusesASeriesWithAFileThatCannotBeRead()
+    {
+        QVERIFY(QDir(m_series->root()).mkdir("a1.dpc"));
+        const DpcRun::Result result = run("init --write");
+        QCOMPARE(result.code, 1);
+        QCOMPARE(result.err,
+                 "dpc: " + m_series->root().toUtf8() + "a1.dpc does not load: it is a folder\n");
+        QVERIFY(!QFile::exists(initPath()));
+    }
+
     void saysThatTheFileIsCut()
     {
         m_series->put("a.dpc", goodLine({{8, "100"}, {10, "[cfgPath]/s_[iter].dat"}}));
