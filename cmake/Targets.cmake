@@ -4,6 +4,8 @@ option(TWDP_WARNINGS_AS_ERRORS "Stop at the first warning" OFF)
 set(TWDP_SANITIZE "" CACHE STRING "Sanitizers to build with, as the compiler names them")
 option(TWDP_FUZZ "Build the fuzzers; needs clang" OFF)
 option(TWDP_COVERAGE "Count lines and branches; needs gcc" OFF)
+# Programs hold the code of the layers. As libraries a small change is linked once, not into each test.
+set(TWDP_INNER_LIBRARIES STATIC CACHE STRING "Kind of the libraries of the layers; SHARED is not for installing")
 
 function(twdp_set_warnings target)
     target_compile_options(${target} PRIVATE
