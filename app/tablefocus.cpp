@@ -1,6 +1,5 @@
 #include "app/tablefocus.h"
 
-#include <QCoreApplication>
 #include <QFocusEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -52,23 +51,19 @@ public:
         } else if (event->type() == QEvent::FocusOut) {
             m_frame.hide();
         } else if (event->type() == QEvent::FocusIn) {
-            m_frame.setGeometry(m_viewport.geometry());
             m_frame.show();
             m_frame.raise();
-            return enter(dynamic_cast<QFocusEvent&>(*event));
+            return choosesCell(dynamic_cast<const QFocusEvent&>(*event));
         }
         return QObject::eventFilter(watched, event);
     }
 
 private:
-    /// For every reason but a click the table would make its first cell current.
-    bool enter(const QFocusEvent& event)
+    /// For every reason but a click a table without a current cell would make its first one
+    /// current.
+    bool choosesCell(const QFocusEvent& event) const
     {
-        if (event.reason() == Qt::MouseFocusReason || m_table.currentIndex().isValid())
-            return false;
-        QFocusEvent click(QEvent::FocusIn, Qt::MouseFocusReason);
-        QCoreApplication::sendEvent(&m_table, &click);
-        return true;
+        return event.reason() != Qt::MouseFocusReason && !m_table.currentIndex().isValid();
     }
 
     QTableWidget& m_table;

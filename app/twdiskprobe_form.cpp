@@ -64,12 +64,10 @@ void twDiskProbe::loadTaskIntoForm(const TestTask& task)
 TestTask twDiskProbe::taskFromForm() const
 {
     TestTask task;
-    task.lineText.clear();
     if (ui.radioNextConfig->isChecked()) {
         task.waitForNextConfig = true;
         return task;
     }
-    task.waitForNextConfig = false;
     task.method = methodInForm();
     setPathsFromForm(task);
     task.iterations = ui.spinIterations->value();

@@ -6,7 +6,6 @@
 #include <QComboBox>
 #include <QFocusEvent>
 #include <QMainWindow>
-#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QWheelEvent>
 #include <QWindow>
@@ -147,12 +146,9 @@ bool CentralScroller::isForForm(const QObject& watched, const QWheelEvent& event
 
 void CentralScroller::scroll(QWheelEvent& event)
 {
-    // A bar at its end leaves the event to the window, from which it has just come.
-    if (m_scrolling)
-        return;
-    const QScopedValueRollback<bool> guard(m_scrolling, true);
     const QPoint delta = event.angleDelta();
     QScrollBar* bar = qAbs(delta.x()) > qAbs(delta.y()) ? m_sideways : m_down;
+    // A bar at its end takes no event; Qt tells nobody else of one that was passed on.
     if (bar != nullptr)
         QCoreApplication::sendEvent(bar, &event);
 }

@@ -44,5 +44,4 @@ private:
     QSize m_view;
     QPointer<QScrollBar> m_down;
     QPointer<QScrollBar> m_sideways;
-    bool m_scrolling = false;
 };

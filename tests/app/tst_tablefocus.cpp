@@ -96,6 +96,8 @@ private slots:
         QTRY_VERIFY(isOverTheCells());
         table->viewport()->move(table->viewport()->pos() + QPoint(3, 2));
         QVERIFY(isOverTheCells());
+        table->viewport()->resize(table->viewport()->size() - QSize(3, 2));
+        QVERIFY(isOverTheCells());
         // A click goes through it.
         editor.selectRow(0);
         QCOMPARE(table->currentRow(), 0);

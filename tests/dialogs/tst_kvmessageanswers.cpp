@@ -37,6 +37,7 @@ private slots:
     void theThreeFunctionsDifferInTheIconOnly();
     void monospaceTextIsNotCentred();
     void blocksTheWindowItBelongsTo();
+    void staysModalAfterItsLoop();
     void returnsFalseInAnotherThread_data();
     void returnsFalseInAnotherThread();
 };
@@ -255,6 +256,15 @@ void TestKvMessageAnswers::blocksTheWindowItBelongsTo()
     });
     QVERIFY(!kvMessageInformation(&window, "text", "Ok", -1, {}, nullptr, false));
     QVERIFY2(window.findChildren<QDialog*>().isEmpty(), "the dialog outlives its question");
+}
+
+void TestKvMessageAnswers::staysModalAfterItsLoop()
+{
+    DialogAnswers answers;
+    answers.answerNext([](QDialog& box) { box.close(); });
+    const kvMessageBox box(nullptr, kvMessageIcon::Question, "text", "Ok", -1, {}, nullptr, true,
+                           false, false);
+    QVERIFY(box.isModal());
 }
 
 void TestKvMessageAnswers::returnsFalseInAnotherThread_data()

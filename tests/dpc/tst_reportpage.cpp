@@ -150,9 +150,35 @@ private slots:
         }
     }
 
+    void manyMachinesAreSummedUpAndManyCellsHaveAHeatMap_data()
+    {
+        QTest::addColumn<int>("tasks");
+        QTest::addColumn<int>("machines");
+        QTest::addColumn<bool>("isSummedUp");
+        QTest::addColumn<bool>("hasHeatMap");
+        QTest::newRow("8 machines, 16 cells") << 2 << 8 << false << false;
+        QTest::newRow("8 machines, 24 cells") << 3 << 8 << false << true;
+        QTest::newRow("9 machines, 18 cells") << 2 << 9 << true << false;
+        QTest::newRow("23 machines, 23 cells") << 1 << 23 << true << false;
+        QTest::newRow("1 machine, 24 cells") << 24 << 1 << false << true;
+        QTest::newRow("1 machine, 25 cells") << 25 << 1 << false << true;
+    }
+
+    void manyMachinesAreSummedUpAndManyCellsHaveAHeatMap()
+    {
+        QFETCH(const int, tasks);
+        QFETCH(const int, machines);
+        QFETCH(const bool, isSummedUp);
+        QFETCH(const bool, hasHeatMap);
+        makeRun("sized", tasks, machines, 1);
+        const QByteArray text = page({in("sized")});
+        QCOMPARE(text.contains("slowest machine"), isSummedUp);
+        QCOMPARE(text.contains("<h2>Heat map</h2>"), hasHeatMap);
+    }
+
     void aLargeRunMakesAPageOfFewMegabytesInLittleTime()
     {
-        makeLargeRun();
+        makeRun("large", 100, 20, 10);
         const std::clock_t begin = std::clock();
         const QByteArray text = page({in("large")});
         const double seconds = double(std::clock() - begin) / CLOCKS_PER_SEC;
@@ -205,12 +231,8 @@ private:
         return browser.readAllStandardOutput();
     }
 
-    /// 100 tasks, 20 machines, 10 iterations.
-    void makeLargeRun()
+    void makeRun(const QString& name, int tasks, int machineCount, int iterations)
     {
-        constexpr int tasks = 100;
-        constexpr int machineCount = 20;
-        constexpr int iterations = 10;
         QJsonObject results =
             QJsonDocument::fromJson(test::contentOf(nightly() + "/results.json")).object();
         const QJsonObject sample = results["jobs"].toArray().first().toObject();
@@ -225,8 +247,8 @@ private:
         }
         results.insert("machines", machines);
         results.insert("jobs", jobs);
-        QVERIFY(QDir().mkpath(in("large")));
-        test::put(in("large/results.json"), QJsonDocument(results).toJson());
+        QVERIFY(QDir().mkpath(in(name)));
+        test::put(in(name + "/results.json"), QJsonDocument(results).toJson());
     }
 
     QTemporaryDir m_folder;

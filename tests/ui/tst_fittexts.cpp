@@ -76,6 +76,7 @@ private slots:
     void windowLargerThanTheScreenOpensWithinIt();
     void windowNeverGrowsBeyondTheScreen();
     void windowOnALowScreenOpensWider();
+    void windowThatFitsExactlyInItsGreatestWidthOpensNoWiderThanItNeeds();
     void windowOnAScreenThatIsFarTooLowOpensNoWiderThanItHelps();
     void windowHasNoLeastWidth();
     void windowCanBecomeNarrowAgainAfterALargerFont();
@@ -168,6 +169,26 @@ void TestFitTexts::windowOnALowScreenOpensWider()
     QCOMPARE(cutTexts(window), QStringList());
     QCOMPARE(scrollBar(window, Qt::Vertical), nullptr);
     // No wider than it needs to be.
+    window.resize(window.width() - 1, available(window).height());
+    QVERIFY(scrollBar(window, Qt::Vertical) != nullptr);
+}
+
+// One column is as high as the screen in any width, the other one only if it is narrow.
+void TestFitTexts::windowThatFitsExactlyInItsGreatestWidthOpensNoWiderThanItNeeds()
+{
+    constexpr int low = 100;
+    SmallWindow sample;
+    sample.right().setFixedHeight(low);
+    sample.show();
+    SmallWindow window;
+    window.right().setFixedHeight(low + available(sample).height() - sample.minimumHeight());
+    QLabel& label = window.left();
+    while (label.heightForWidth(label.sizeHint().width()) < screenSize().height())
+        label.setText(label.text() + ' ' + SmallWindow::words(10));
+    window.show();
+    QCOMPARE(window.minimumHeight(), available(window).height());
+    QCOMPARE(scrollBar(window, Qt::Vertical), nullptr);
+    QVERIFY(window.width() < available(window).width());
     window.resize(window.width() - 1, available(window).height());
     QVERIFY(scrollBar(window, Qt::Vertical) != nullptr);
 }
