@@ -1,6 +1,11 @@
 set(twdp_test_environment LC_ALL=C.UTF-8 QTEST_FUNCTION_TIMEOUT=1500000
     LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0)
 
+if(TWDP_COVERAGE)
+    # Counts that can't be written, because a test lets the disk be full, must not look like the program's messages.
+    list(APPEND twdp_test_environment GCOV_ERROR_FILE=/dev/null)
+endif()
+
 # twdp_add_test(NAME <name> SOURCE <file> LABEL <unit|gui|fault|engine|package> LIBRARIES <targets...>)
 #
 # One executable per unit, which ends with 77 if this machine can't do what it tests. A gui test runs

@@ -8,6 +8,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace {
 
 /// Guards only look; a machine that needs longer hangs.
@@ -168,14 +170,15 @@ std::string Asking::placeOf(const Question& question) const
 {
     if (question.test.kind != GuardTest::Kind::File)
         return {};
-    for (const PlanJob& job : m_plan.jobs) {
-        const bool usesIt =
-            job.source.path == question.test.path || job.destination.path == question.test.path;
-        if (job.machine == question.machine && usesIt)
-            return fmt::format("{}:{}: ", printable(m_plan.stages[size_t(job.stage)].shownFile),
-                               job.line);
-    }
-    return {};
+    const auto usesIt = [&](const PlanJob& job) {
+        return job.machine == question.machine && (job.source.path == question.test.path ||
+                                                   job.destination.path == question.test.path);
+    };
+    const auto job = std::find_if(m_plan.jobs.begin(), m_plan.jobs.end(), usesIt);
+    return job == m_plan.jobs.end()
+               ? std::string()
+               : fmt::format("{}:{}: ", printable(m_plan.stages[size_t(job->stage)].shownFile),
+                             job->line);
 }
 
 std::string Asking::whatIsWrong(const Question& question)
@@ -184,6 +187,7 @@ std::string Asking::whatIsWrong(const Question& question)
     const std::string path = quoted(test.path);
     switch (test.kind) {
     case GuardTest::Kind::File:
+    case GuardTest::Kind::SizeBit: // a bit that is not set is nothing wrong
         break;
     case GuardTest::Kind::NewFolder:
         return fmt::format("the folder {} can't be made: it is there, or the one above it is not",
@@ -198,8 +202,6 @@ std::string Asking::whatIsWrong(const Question& question)
     }
     case GuardTest::Kind::Caches:
         return "only root may drop the caches of the system, as cache mode 3 asks";
-    case GuardTest::Kind::SizeBit:
-        return "the size is unknown of " + path;
     }
     switch (test.state) {
     case FileState::Absent:

@@ -63,9 +63,8 @@ public:
     {
         int error = 0;
         socklen_t size = sizeof error;
-        if (::getsockopt(m_number, SOL_SOCKET, SO_ERROR, &error, &size) != 0)
-            error = errno;
-        fail(error);
+        const bool isKnown = ::getsockopt(m_number, SOL_SOCKET, SO_ERROR, &error, &size) == 0;
+        fail(isKnown ? error : errno);
     }
 
     /// Ends the attempt; 0 means that it worked.

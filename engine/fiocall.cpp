@@ -69,6 +69,7 @@ bool redirect(int target, const char* file, int flags)
     return number >= 0 && ::dup2(number, target) == target;
 }
 
+// GCOVR_EXCL_START: a child that is about to be another program can't write what it reached.
 /// Only calls that are allowed between fork and exec. Reports an error number and never returns.
 [[noreturn]] void becomeFio(const PreparedCall& call, const sigset_t& mask, int reportTo)
 {
@@ -88,6 +89,7 @@ bool redirect(int target, const char* file, int flags)
     const ssize_t ignored = ::write(reportTo, &error, sizeof error);
     ::_exit(ignored == ssize_t(sizeof error) ? 1 : 2);
 }
+// GCOVR_EXCL_STOP
 
 /// Reads the error number of a child that could not become fio; 0 once it has.
 int errorOfChild(int from)

@@ -128,11 +128,11 @@ private:
         };
         m_initFacts = readSeries({folderOf(file.path), m_facts.name.baseName + initFileSuffix},
                                  folderOf(file.shown));
-        if (m_initFacts.files.empty())
-            return;
-        StageFile stage;
-        stage.endLine = size_t(m_initFacts.files.front().endEntry);
-        addStage(m_initFacts, stage, true);
+        if (!m_initFacts.files.empty()) { // else it is gone since it was looked for
+            StageFile stage;
+            stage.endLine = size_t(m_initFacts.files.front().endEntry);
+            addStage(m_initFacts, stage, true);
+        }
     }
 
     void addStage(const SeriesFacts& facts, const StageFile& file, bool isInit)

@@ -1,4 +1,5 @@
 #include "engine/fiocall.h"
+#include "engine/fioprogress.h"
 #include "tests/support/childprocess.h"
 #include "tests/support/files.h"
 
@@ -48,6 +49,7 @@ private slots:
     void leavesNoJobOfAKilledFio();
     void endsWithItsParent();
     void ticksWhileItWaits();
+    void countsNoBytesOfAProcessThatIsGone();
     void sleepsUntilItIsTold();
     void givesSignalsBack();
 
@@ -241,6 +243,22 @@ void TestFioCall::ticksWhileItWaits()
     const SignalGuard guard;
     QCOMPARE(guard.run(call).stopped, StopReason::None);
     QVERIFY(ticks >= 3);
+}
+
+void TestFioCall::countsNoBytesOfAProcessThatIsGone()
+{
+    FioCall call = shell("cat /bin/sh >copy; while ! test -e ticked; do sleep 0.02; done");
+    call.tickMs = 20;
+    pid_t gone = 0;
+    call.onTick = [&](pid_t process) {
+        const qint64 copied = QFile(m_folder->filePath("copy")).size();
+        gone = process;
+        if (copied > 0 && bytesMovedBy(process).value_or(0) >= 2 * copied)
+            test::put(m_folder->filePath("ticked"), "");
+    };
+    const SignalGuard guard;
+    QCOMPARE(guard.run(call).stopped, StopReason::None);
+    QVERIFY(!bytesMovedBy(gone).has_value());
 }
 
 void TestFioCall::sleepsUntilItIsTold()

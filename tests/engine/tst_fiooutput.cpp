@@ -18,6 +18,7 @@ private slots:
     void leavesOutWhatNothingCanHaveMeasured_data();
     void leavesOutWhatNothingCanHaveMeasured();
     void takesAMeanOfNothing();
+    void takesAsNothingMovedWhatIsNotSaid();
     void takesNamesInAnyEncoding();
     void takesBracesInMessages();
     void takesTheStartOfNewerVersions();
@@ -147,6 +148,29 @@ void TestFioOutput::takesAMeanOfNothing()
 {
     const QByteArray section = sectionWith("\"error\" : 0, \"util\" : -nan, \"x\" : inf");
     QCOMPARE(readFioOutput(documentOf(section)).sections.size(), size_t(1));
+}
+
+void TestFioOutput::takesAsNothingMovedWhatIsNotSaid()
+{
+    const QByteArray nothing = R"({ "io_bytes" : 0, "total_ios" : 0 })";
+    const FioOutput output =
+        readFioOutput(documentOf(R"({ "jobname" : "s1", "error" : 0, "read" : )" + nothing +
+                                 ", \"write\" : " + nothing + " }"));
+    QCOMPARE(output.sections.size(), size_t(1));
+    const SectionReport& section = output.sections[0];
+    QCOMPARE(section.error, 0);
+    QCOMPARE(section.port, 0);
+    QCOMPARE(section.runtimeMs, qint64(0));
+    QCOMPARE(section.syncs, qint64(0));
+    QCOMPARE(section.syncNs, 0.0);
+    QCOMPARE(section.bytes(), qint64(0));
+    for (const IoFigures& figures : {section.read, section.write}) {
+        QCOMPARE(figures.ios, qint64(0));
+        QCOMPARE(figures.ioNs, 0.0);
+        QVERIFY(!figures.p50Ns && !figures.p99Ns && !figures.maxNs);
+    }
+    const SectionReport empty;
+    QCOMPARE(empty.read.ios + empty.write.ios + empty.bytes() + empty.syncs, qint64(0));
 }
 
 void TestFioOutput::takesNamesInAnyEncoding()
