@@ -34,6 +34,22 @@ private slots:
         QVERIFY(result.out.startsWith("dpc 0."));
     }
 
+    void namesAreShownAsTheRunThatIsAskedForMakesThem()
+    {
+        m_series->put("a.dpc", goodLine({{11, "/x/[host]/[date]/[iter].dat"}}));
+        const QString file = m_series->root() + "a.dpc";
+        const auto shown = [&](const QString& options) {
+            return m_dpc.run("show --format=csv " + options + ' ' + file).out;
+        };
+        QVERIFY(shown({}).contains("/x/[host]/[date]/[iter].dat"));
+        QVERIFY(
+            shown("--expand --host pc7 --iteration 3 --date 2001").contains("/x/pc7/2001/3.dat"));
+        QVERIFY(shown("--expand --host pc7 --date 2001").contains("/x/pc7/2001/0.dat"));
+        // Without a date it is that of now.
+        const QString now = shown("--expand --host pc7");
+        QVERIFY(now.contains(QRegularExpression("/x/pc7/[^/]*[0-9]+[^/]*/0\\.dat")));
+    }
+
     void findingsOfAFolderAreThoseOfItsSeries()
     {
         m_series->put("a.dpc", goodLine({{1, "x"}}));

@@ -17,13 +17,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-// Saving on an SMB share, where a rename over an open file loses both. The share is a folder that says
-// so; the kernel's leases, by which the save learns that somebody has the file open, are real.
+// Saving on an SMB share, where a rename over an open file loses both. The share is a folder that
+// says so; the kernel's leases, by which the save learns that somebody has the file open, are real.
 
 namespace {
 
-unsigned int claimedType = 0; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables): read by C
-int refusal = 0;              // NOLINT(cppcoreguidelines-avoid-non-const-global-variables): the same
+// NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables): read by a function of C
+unsigned int claimedType = 0;
+int refusal = 0;
+// NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
 ino_t numberOf(const QString& path)
 {
