@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <iterator>
 #include <string>
 #include <type_traits>
@@ -96,16 +97,14 @@ constexpr void terminateAt(Text& text, int end)
 template <class Text>
 constexpr void setLength(Text& text, int length)
 {
-    const int notNegative = length < 0 ? 0 : length;
-    terminateAt(text, notNegative > capacityOf(text) ? capacityOf(text) : notNegative);
+    terminateAt(text, std::clamp(length, 0, capacityOf(text)));
 }
 
 /// The number of further characters that fit, at most `count`.
 template <class Text>
 constexpr int fittingOf(const Text& text, int count)
 {
-    const int left = capacityOf(text) - text.length;
-    return count < 0 ? 0 : (count < left ? count : left);
+    return std::clamp(count, 0, capacityOf(text) - text.length);
 }
 
 /// Appends `count` characters, as far as they fit; 8-bit ones widen without sign.
