@@ -27,9 +27,9 @@ void add(qint64& sum, qint64 value)
 /// The last chunk may be shorter; without chunks, nothing waits.
 qint64 chunksOf(const TaskSettings& task)
 {
-    if (task.chunkSize <= 0 || task.fileSize <= 0)
+    if (task.chunkSize <= 0)
         return 0;
-    return (qint64(task.fileSize) + task.chunkSize - 1) / task.chunkSize;
+    return (std::max(qint64(task.fileSize), qint64(0)) + task.chunkSize - 1) / task.chunkSize;
 }
 
 void addTask(Totals& totals, const LineFact& line)

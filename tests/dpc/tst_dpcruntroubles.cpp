@@ -23,6 +23,7 @@ private slots:
     void tellsOfAMachineThatDoesNotAnswer();
     void tellsWrongUse_data();
     void tellsWrongUse();
+    void tellsOfRulesThatCannotBeUsed();
     void tellsWhyASeriesDoesNotRun_data();
     void tellsWhyASeriesDoesNotRun();
     void tellsOfAPlaceThatIsTaken();
@@ -207,6 +208,14 @@ void TestDpcRunTroubles::tellsWrongUse()
     run(arguments.split(' '), 2);
     QVERIFY(!QFile::exists(m_series->file("run")));
     QVERIFY(QDir::setCurrent("/"));
+}
+
+void TestDpcRunTroubles::tellsOfRulesThatCannotBeUsed()
+{
+    m_series->putSeries({{SeriesRun::line("", "[cfgPath]/[host].dat", 128)}});
+    test::put(m_series->file("dpc.rules"), "bad-lime: not here\n");
+    run({}, 2);
+    QVERIFY(!QFile::exists(m_series->file("run")));
 }
 
 void TestDpcRunTroubles::tellsWhyASeriesDoesNotRun_data()
