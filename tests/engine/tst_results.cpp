@@ -6,6 +6,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <cerrno>
+
 // Two machines, each with a write, a read and a copy; what fio reports of them varies.
 
 class TestResults : public QObject
@@ -20,9 +22,12 @@ private slots:
     void anErrorCountsWhateverTheBytes();
     void aCopyMustReadAndWrite();
     void sectionsOfAJobAreAddedUp();
+    void theFirstErrorOfItsSectionsIsThatOfAJob();
     void aJobThatDidNotBeginHasNoFigures();
     void ratesAreOfTheRightTime();
     void theStartComesFromTheLogWhereFioDoesNotSayIt();
+    void theStartFromTheLogCountsTheLastWaitUnlessAFlushFollows();
+    void aLogThatEndsTooEarlyTellsNoStart();
     void sectionsOfASocketAreFoundByItsName();
     void resultsHoldNullsAndNeverZerosForWhatIsNotKnown();
     void theTableIsSafeInASpreadsheet();
@@ -215,6 +220,26 @@ void TestResults::sectionsOfAJobAreAddedUp()
     QCOMPARE(*results[0].write->p99Ns, qint64(20));
 }
 
+void TestResults::theFirstErrorOfItsSectionsIsThatOfAJob()
+{
+    Plan plan = planOfTwo();
+    PlanSection rest;
+    rest.name = "w-rest";
+    plan.jobs[0].sections.push_back(rest);
+    FioOutput output = allGood(plan);
+    SectionReport last = output.sections[0];
+    last.name = rest.name;
+    last.error = ENOSPC;
+    last.write.maxNs.reset();
+    output.sections.push_back(last);
+    QCOMPARE(*account(plan, output)[0].error, ENOSPC);
+    QCOMPARE(*account(plan, output)[0].write->maxNs, qint64(30));
+    output.sections[0].error = EIO;
+    QCOMPARE(*account(plan, output)[0].error, EIO);
+    output.sections.back().error = 0;
+    QCOMPARE(*account(plan, output)[0].error, EIO);
+}
+
 void TestResults::aJobThatDidNotBeginHasNoFigures()
 {
     const Plan plan = planOfTwo();
@@ -265,6 +290,37 @@ void TestResults::theStartComesFromTheLogWhereFioDoesNotSayIt()
     QVERIFY(!results[2].startMs.has_value());
     QVERIFY(results[3].bandwidthLogs.empty());
     QCOMPARE(*results[3].startMs, qint64(1234));
+}
+
+void TestResults::theStartFromTheLogCountsTheLastWaitUnlessAFlushFollows()
+{
+    Plan plan = planOfTwo();
+    const QTemporaryDir folder;
+    test::put(folder.filePath("w_lat.1.log.127.0.0.11"), "2000, 5, 1, 0, 0\n");
+    plan.jobs[0].waitMs = 20;
+    const FioOutput output = allGood(plan);
+    const FioLogs logs(folder.path(), "output/");
+    QCOMPARE(*accountStage(plan, 0, hosts, output, logs)[0].startMs, qint64(1520));
+    plan.jobs[0].flush = true;
+    QCOMPARE(*accountStage(plan, 0, hosts, output, logs)[0].startMs, qint64(1500));
+}
+
+void TestResults::aLogThatEndsTooEarlyTellsNoStart()
+{
+    const Plan plan = planOfTwo();
+    const QTemporaryDir folder;
+    const auto startBy = [&](const QByteArray& moment) {
+        test::put(folder.filePath("w_lat.1.log.127.0.0.11"), moment + ", 5, 1, 0, 0\n");
+        const FioLogs logs(folder.path(), "output/");
+        return accountStage(plan, 0, hosts, allGood(plan), logs)[0].startMs;
+    };
+    QCOMPARE(startBy("500"), std::optional<qint64>(0));
+    QCOMPARE(startBy("499"), std::nullopt);
+    QCOMPARE(startBy("0"), std::nullopt);
+    QCOMPARE(startBy("-1"), std::nullopt);
+    JobResult started;
+    started.startMs = 1;
+    QVERIFY(!started.endMs().has_value());
 }
 
 void TestResults::sectionsOfASocketAreFoundByItsName()

@@ -110,6 +110,33 @@ private slots:
         QVERIFY(!stage.bytes && !stage.seconds && !stage.rate && !stage.skewMs);
     }
 
+    void aStageHasARateIfItsBytesAndItsTimeAreKnown_data()
+    {
+        QTest::addColumn<QString>("unknown");
+        QTest::addColumn<qint64>("runtimeMs");
+        QTest::addColumn<bool>("hasTime");
+        QTest::addColumn<bool>("hasRate");
+        QTest::newRow("all is known") << QString() << qint64(1) << true << true;
+        QTest::newRow("no time passed") << QString() << qint64(0) << false << false;
+        QTest::newRow("an end is unknown") << "endMs" << qint64(1000) << false << false;
+        QTest::newRow("a start is unknown") << "startMs" << qint64(1000) << false << false;
+        QTest::newRow("bytes are unknown") << "doneBytes" << qint64(1000) << true << false;
+    }
+
+    void aStageHasARateIfItsBytesAndItsTimeAreKnown()
+    {
+        QFETCH(const QString, unknown);
+        QFETCH(const qint64, runtimeMs);
+        QFETCH(const bool, hasTime);
+        QFETCH(const bool, hasRate);
+        QJsonObject only = job("pc01", 0, 1000, runtimeMs);
+        if (!unknown.isEmpty())
+            only.insert(unknown, QJsonValue());
+        const StageSummary stage = summed({only}).stages.front();
+        QCOMPARE(stage.seconds.has_value(), hasTime);
+        QCOMPARE(stage.rate.has_value(), hasRate);
+    }
+
     void anIterationUnderASecondMarksItsTask()
     {
         QVERIFY(summed({job("pc01", 0, 0, 999)}).tasks.front().isShort);
@@ -139,6 +166,19 @@ private slots:
         const TaskComparison pair =
             compare(summed({job("pc01", 0, 0, 1)}), summed({job("pc02", 0, 0, 1)})).front();
         QVERIFY(!pair.other && !pair.ratio && !pair.isSlower(0));
+    }
+
+    void aRateThatIsUnknownOrNothingHasNoRatio()
+    {
+        QJsonObject unknown = job("pc01", 0, 0, 1000);
+        unknown.insert("ioBytesPerSecond", QJsonValue());
+        QJsonObject nothing = job("pc01", 0, 0, 1000);
+        nothing.insert("ioBytesPerSecond", 0);
+        const RunSummary known = summed({job("pc01", 0, 0, 1000)});
+        QVERIFY(!compare(known, summed({unknown})).front().ratio);
+        QVERIFY(!compare(summed({unknown}), known).front().ratio);
+        QVERIFY(!compare(summed({nothing}), known).front().ratio);
+        QCOMPARE(*compare(known, summed({nothing})).front().ratio, 0.0);
     }
 
     void aFolderWithoutARunIsAProblem()
