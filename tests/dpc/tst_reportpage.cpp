@@ -1,6 +1,7 @@
 #include "dpc/commandline.h"
 #include "tests/support/files.h"
 #include "tests/support/leaveout.h"
+#include "tests/support/recording.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -51,6 +52,8 @@ class TestReportPage : public QObject
 private slots:
     void initTestCase()
     {
+        Recordings::hide(m_folder.path(), "@ROOT@");
+        Recordings::hide(TWDP_SOURCE_DIR, "@SOURCE@");
         QByteArray hostile = test::contentOf(nightly() + "/results.json");
         hostile.replace("pc02", "<script>alert(1)</script>&'\\\"\\u001b[31m");
         QVERIFY(QDir().mkpath(in("hostile")));
@@ -148,6 +151,28 @@ private slots:
                 QCOMPARE(QImage(picture).width(), QByteArray(width).toInt());
             }
         }
+    }
+
+    void aPageHoldsTheFiguresOfItsRuns_data()
+    {
+        makeRun("many", 3, 9, 2);
+        QTest::addColumn<QStringList>("runs");
+        QTest::newRow("one run") << QStringList{nightly()};
+        QTest::newRow("two runs") << QStringList{nightly(), nightly()};
+        QTest::newRow("many machines") << QStringList{in("many")};
+    }
+
+    /// All but the scripts and the colours, which are the same on every page.
+    void aPageHoldsTheFiguresOfItsRuns()
+    {
+        QFETCH(const QStringList, runs);
+        const QByteArray text = page(runs);
+        const int style = text.indexOf("<style>");
+        const int body = text.indexOf("</style>");
+        const int scripts = text.indexOf("<script>\n");
+        QVERIFY(style > 0 && body > style && scripts > body);
+        QVERIFY(text.endsWith("</script>\n</body>\n</html>\n"));
+        Recordings::compare(QString::fromUtf8(text.left(style) + text.mid(body, scripts - body)));
     }
 
     void manyMachinesAreSummedUpAndManyCellsHaveAHeatMap_data()
@@ -257,6 +282,7 @@ private:
 
 int main(int argc, char** argv)
 {
+    qputenv("TZ", "UTC"); // moments are those of the place
     QCoreApplication application(argc, argv);
     if (QStandardPaths::findExecutable("chromium").isEmpty())
         test::leaveOut("chromium is missing; it opens the page of a report");

@@ -19,6 +19,8 @@ private slots:
     void leavesOutWhatNothingCanHaveMeasured();
     void takesAMeanOfNothing();
     void takesAsNothingMovedWhatIsNotSaid();
+    void readsTheVersion_data();
+    void readsTheVersion();
     void takesNamesInAnyEncoding();
     void takesBracesInMessages();
     void takesTheStartOfNewerVersions();
@@ -171,6 +173,31 @@ void TestFioOutput::takesAsNothingMovedWhatIsNotSaid()
     }
     const SectionReport empty;
     QCOMPARE(empty.read.ios + empty.write.ios + empty.bytes() + empty.syncs, qint64(0));
+}
+
+void TestFioOutput::readsTheVersion_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("version");
+    const auto row = [](const char* text, const char* version) {
+        QTest::newRow(text) << QByteArray(text) << version;
+    };
+    row(R"({"fio version":"fio-3.33"})", "fio-3.33");
+    row("{ \"fio version\" \t\r\n: \"fio-3\" }", "fio-3");
+    row(R"({"fio version" : 3})", "");
+    row(R"({"fio version" : "fio-3)", "");
+    row(R"({"fio version" : )", "");
+    row(R"({"fio version")", "");
+    row(R"({"fio versio" : "fio-3"})", "");
+    row(R"({"fio versioN" : "fio-3"})", "");
+    row(R"({"fio versions" : "fio-3"})", "");
+    row(R"({"a" : {"fio version" : "fio-3"}})", "");
+}
+
+void TestFioOutput::readsTheVersion()
+{
+    QFETCH(const QByteArray, text);
+    QTEST(readFioOutput(text).version, "version");
 }
 
 void TestFioOutput::takesNamesInAnyEncoding()

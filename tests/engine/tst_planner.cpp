@@ -80,7 +80,8 @@ void TestPlanner::stagesFollowTheMarkers()
 {
     PlannedSeries series;
     const QByteArray next = (series.root() + "_wait/mytest1.dpc\n").toLatin1();
-    series.put("_wait/mytest.dpc", writing("/d/a.dat").text() + next + writing("/d/b.dat").text());
+    series.put("_wait/mytest.dpc",
+               writing("/d/a.dat").text() + next + writing("/d/b.dat").text() + "# a comment\n");
     series.put("_wait/mytest1.dpc", writing("/d/c_[cfgID]_[cfgTaskID].dat").text());
     series.put("_wait/mytest2.dpc", writing("/d/d.dat").text());
     const PlanResult result = series.plan();
@@ -99,6 +100,8 @@ void TestPlanner::aFileInBothFoldersRunsOnce()
     QCOMPARE(jobsOf(series.plan().plan).size(), 1);
     QCOMPARE(series.plan().losses.size(), size_t(0));
     series.put("mytest.dpc", line + "# another byte\n");
+    QCOMPARE(series.textsOf(series.plan()), QStringList("1:1 fio-two-files"));
+    series.put("mytest.dpc", writing("/d/b.dat").text());
     QCOMPARE(series.textsOf(series.plan()), QStringList("1:1 fio-two-files"));
 }
 
