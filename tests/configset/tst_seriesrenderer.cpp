@@ -281,6 +281,19 @@ private slots:
         }
     }
 
+    void aListIsFullAtItsVeryLimit()
+    {
+        const FileToCreate file{"/a/b", "/a/b", 1024};
+        const int size = creatingLine(file).size();
+        for (const int most : {1, size - 1, size, size + 1}) {
+            FileToCreateList list(most);
+            QVERIFY(!list.isFull());
+            list.append(file);
+            QCOMPARE(list.isFull(), most <= size);
+        }
+        QVERIFY(FileToCreateList(0).isFull());
+    }
+
     void sameTextIsCollectedOnce()
     {
         TestTask first = taskTo("");
