@@ -24,6 +24,8 @@ private slots:
     void formsDefaultsNeedNoPermission();
     void namesThatFioCannotTakeAreRefused_data();
     void namesThatFioCannotTakeAreRefused();
+    void namesThatNoPathHoldsAreRefused_data();
+    void namesThatNoPathHoldsAreRefused();
     void namesThatNoLineHoldsAreRefused();
     void logsThatNoLineHoldsAreRefused();
     void chunksThatFioCannotTakeAreRefused();
@@ -295,6 +297,35 @@ void TestLosses::namesThatFioCannotTakeAreRefused()
     line.chunk = 1;
     line.destination = name;
     QCOMPARE(series.lossesOf(line.text()), rules);
+}
+
+void TestLosses::namesThatNoPathHoldsAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("start");
+    QTest::addColumn<int>("length");
+    QTest::addColumn<bool>("fits");
+    // A name of 500 characters may be the rest of a longer one.
+    QTest::newRow("fits") << QByteArray("/d") << 499 << true;
+    QTest::newRow("may be cut") << QByteArray("/d") << 500 << false;
+    QTest::newRow("a variable, far from it") << QByteArray("[cfgPath]") << 300 << true;
+    QTest::newRow("a variable, fits") << QByteArray("[cfgPath]") << 499 << true;
+    QTest::newRow("a variable, may be cut") << QByteArray("[cfgPath]") << 500 << false;
+    QTest::newRow("a variable, is cut") << QByteArray("[cfgPath]") << 501 << false;
+}
+
+void TestLosses::namesThatNoPathHoldsAreRefused()
+{
+    QFETCH(const QByteArray, start);
+    QFETCH(const int, length);
+    QFETCH(const bool, fits);
+    PlannedSeries series;
+    // The folder's name ends with a slash, and another one follows.
+    const int before = start.startsWith('[') ? series.root().size() : start.size();
+    QByteArray name = start;
+    for (int at = before; at < length; ++at)
+        name += (at - before) % 100 == 0 ? '/' : 'a';
+    QCOMPARE(series.lossesOf(writing(name).text()),
+             fits ? QStringList() : QStringList("1:11 fio-name"));
 }
 
 void TestLosses::namesThatNoLineHoldsAreRefused()
