@@ -90,12 +90,12 @@ void addDestroyedFiles(const SeriesFacts& facts, const ResavedFile& file, Reason
 }
 
 /// Why the file must not be used.
-Reasons reasonsAgainst(const SeriesFacts& facts, const Resave& saved)
+Reasons reasonsAgainst(const SeriesFacts& facts, const std::vector<ResavedFile>& saved)
 {
     Reasons reasons;
-    if (saved.files.empty())
+    if (saved.empty())
         return {"the series holds no task"};
-    const ResavedFile& file = saved.files.back();
+    const ResavedFile& file = saved.back();
     addUnreadableFiles(facts, reasons);
     addRejectedLines(facts, reasons);
     addDestroyedFiles(facts, file, reasons);
@@ -154,7 +154,8 @@ std::optional<SeriesFacts> readBesideWait(const QString& path, Remarks& remarks)
     auto facts = readOneSeries(path, remarks);
     if (!facts || facts->isInit || facts->runFolder == facts->name.folder)
         return facts;
-    return readSeries({facts->runFolder, facts->name.baseName}, facts->runFolder);
+    return readOneSeries({{facts->runFolder, facts->name.baseName}, facts->runFolder}, path,
+                         remarks);
 }
 
 int run(const Arguments& arguments, const Output& output)
@@ -162,14 +163,12 @@ int run(const Arguments& arguments, const Output& output)
     Remarks remarks;
     const auto facts = readBesideWait(arguments.operands().front(), remarks);
     remarks.notChecked.clear();
-    Resave saved;
+    std::vector<ResavedFile> saved;
     if (facts && facts->isInit)
         remarks.problems.push_back(fmt::format("{} is an _init file: name a file of its series",
                                                quoted(arguments.operands().front())));
     else if (facts)
         saved = resave(*facts);
-    if (!saved.problem.empty())
-        remarks.problems.push_back(saved.problem);
     if (printRemarks(remarks, output))
         return exitUsage;
     const Reasons reasons = reasonsAgainst(*facts, saved);
@@ -177,7 +176,7 @@ int run(const Arguments& arguments, const Output& output)
         fail(output, reason);
     if (!reasons.empty())
         return exitFindings;
-    const ResavedFile& file = saved.files.back();
+    const ResavedFile& file = saved.back();
     if (file.isCut)
         output.err << fmt::format("dpc: the file is cut at {} characters, as a save cuts it\n",
                                   maxConfigFile);

@@ -1,6 +1,5 @@
 #include "dpc/oneseries.h"
 
-#include "check/seriesfinder.h"
 #include "check/text.h"
 #include "model/limits.h"
 
@@ -50,7 +49,12 @@ std::optional<SeriesFacts> readOneSeries(const QString& path, Remarks& remarks)
         remarks.problems.push_back(search.problem);
         return std::nullopt;
     }
-    const FoundSeries& found = search.series.front();
+    return readOneSeries(search.series.front(), path, remarks);
+}
+
+std::optional<SeriesFacts> readOneSeries(const FoundSeries& found, const QString& path,
+                                         Remarks& remarks)
+{
     SeriesFacts facts = readSeries(found.name, found.shownFolder);
     if (!anythingReadable(facts))
         remarks.problems.push_back(

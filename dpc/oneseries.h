@@ -2,6 +2,7 @@
 
 #include "check/remarks.h"
 #include "check/seriesfacts.h"
+#include "check/seriesfinder.h"
 #include "dpc/command.h"
 
 #include <optional>
@@ -10,6 +11,10 @@
 /// and adds the problem. Lines that no load takes are remarked as not checked: they are not part of
 /// a listing or a comparison, but nobody should miss them.
 std::optional<SeriesFacts> readOneSeries(const QString& path, Remarks& remarks);
+
+/// The same for a series that is found already; `path` is what the user calls it.
+std::optional<SeriesFacts> readOneSeries(const FoundSeries& found, const QString& path,
+                                         Remarks& remarks);
 
 /// Prints problems and what was not checked on the error stream. Returns true if there are
 /// problems.

@@ -1,7 +1,6 @@
 #include "dpc/resave.h"
 
 #include "check/nameexpander.h"
-#include "check/text.h"
 #include "configset/infotext.h"
 #include "configset/seriesloader.h"
 #include "configset/seriesrenderer.h"
@@ -11,8 +10,6 @@
 
 #include <QFileInfo>
 #include <QSet>
-
-#include <fmt/format.h>
 
 namespace {
 
@@ -43,10 +40,8 @@ ResavedFile written(const ConfigFile& file)
 
 } // namespace
 
-Resave resave(const SeriesFacts& facts)
+std::vector<ResavedFile> resave(const SeriesFacts& facts)
 {
-    if (facts.limitReached)
-        return {{}, fmt::format("the series has more than {}", counted(maxSeriesEntries, "line"))};
     InfoText info;
     TaskList tasks;
     loadSeries(facts.name, tasks, silentListener(info));
@@ -58,21 +53,21 @@ Resave resave(const SeriesFacts& facts)
         seriesNameForSaving(seriesFile(facts.name.folder, facts.name.baseName, 0));
     const RenderedSeries series =
         renderSeries(tasks, info.text(), name, followUpFiles(name), thisMachine());
-    Resave result;
+    std::vector<ResavedFile> files;
     QSet<QString> paths;
     for (const ConfigFile& file : series.files) {
-        result.files.push_back(written(file));
-        if (result.files.back().obstacle.empty())
-            paths.insert(result.files.back().path);
+        files.push_back(written(file));
+        if (files.back().obstacle.empty())
+            paths.insert(files.back().path);
     }
     // The files of the series are there before their _init file is made.
     const auto exists = [&](const QString& resolved) {
         return paths.contains(resolved) || kvFileExists(kvToString16<maxPath>(resolved));
     };
-    result.files.push_back(written(renderInitFile(series.filesToCreate, name, exists)));
+    files.push_back(written(renderInitFile(series.filesToCreate, name, exists)));
     // It is not rendered any further than it is written.
-    result.files.back().fullSize = 0;
-    return result;
+    files.back().fullSize = 0;
+    return files;
 }
 
 QString shownPath(const SeriesFacts& facts, const QString& path)

@@ -17,16 +17,10 @@ struct ResavedFile
     std::string obstacle; ///< half a sentence if the file can't be written
 };
 
-/// A load and a save of a series in the editor, in memory.
-struct Resave
-{
-    std::vector<ResavedFile> files; ///< the "_init" file last; none if the list of tasks is empty
-    std::string problem;            ///< one sentence if it can't be told
-};
-
-/// Loads a series with the editor's loader, and renders it as the editor saves it under the same
-/// name. Nothing is written.
-Resave resave(const SeriesFacts& facts);
+/// Loads a series with the editor's loader, and renders it in memory as the editor saves it under
+/// the same name. Nothing is written. The "_init" file comes last; an empty list of tasks makes
+/// none.
+std::vector<ResavedFile> resave(const SeriesFacts& facts);
 
 /// The path of a file of the series as the user spells its folder.
 QString shownPath(const SeriesFacts& facts, const QString& path);

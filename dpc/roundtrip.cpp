@@ -95,7 +95,8 @@ FileChange changeOf(const SeriesFacts& facts, const ResavedFile& file)
 }
 
 /// Files that a load reads and the save does not write.
-void addKept(const SeriesFacts& facts, const QSet<QString>& written, RoundTrip& result)
+void addKept(const SeriesFacts& facts, const QSet<QString>& written,
+             std::vector<FileChange>& changes)
 {
     for (const FileFact& file : facts.files) {
         if (!file.isRead() || written.contains(file.path))
@@ -103,7 +104,7 @@ void addKept(const SeriesFacts& facts, const QSet<QString>& written, RoundTrip& 
         FileChange change;
         change.kind = FileChange::Kind::Kept;
         change.shownPath = shownPath(facts, file.path);
-        result.files.push_back(change);
+        changes.push_back(change);
     }
 }
 
@@ -137,22 +138,22 @@ std::string changeAsText(const FileChange& file)
 
 } // namespace
 
-RoundTrip roundTrip(const SeriesFacts& facts)
+std::vector<FileChange> roundTrip(const SeriesFacts& facts)
 {
-    const Resave saved = resave(facts);
-    RoundTrip result{{}, saved.problem};
+    const std::vector<ResavedFile> saved = resave(facts);
+    std::vector<FileChange> changes;
     QSet<QString> written;
-    for (const ResavedFile& file : saved.files) {
+    for (const ResavedFile& file : saved) {
         const FileChange change = changeOf(facts, file);
         if (change.kind != FileChange::Kind::Blocked)
             written.insert(file.path);
         if (change.kind != FileChange::Kind::Unchanged || change.isCut)
-            result.files.push_back(change);
+            changes.push_back(change);
     }
     // An empty list is not saved, and leaves nothing behind.
-    if (!saved.files.empty())
-        addKept(facts, written, result);
-    return result;
+    if (!saved.empty())
+        addKept(facts, written, changes);
+    return changes;
 }
 
 std::string changesAsText(const std::vector<FileChange>& files)
@@ -221,10 +222,10 @@ QJsonObject jsonOf(const FileChange& file)
     return object;
 }
 
-std::string asJson(const RoundTrip& result, const Remarks& remarks)
+std::string asJson(const std::vector<FileChange>& changes, const Remarks& remarks)
 {
     QJsonArray files;
-    for (const FileChange& file : result.files)
+    for (const FileChange& file : changes)
         files.append(jsonOf(file));
     QJsonObject all = jsonOutput(remarks);
     all.insert("files", files);
@@ -237,16 +238,14 @@ int run(const Arguments& arguments, const Output& output)
     const auto facts = readOneSeries(arguments.operands().front(), remarks);
     // The lines that a load leaves out are among the changes.
     remarks.notChecked.clear();
-    RoundTrip result;
+    std::vector<FileChange> changes;
     if (facts)
-        result = roundTrip(*facts);
-    if (!result.problem.empty())
-        remarks.problems.push_back(result.problem);
+        changes = roundTrip(*facts);
     const bool json = arguments.value(format) == "json";
-    output.out << (json ? asJson(result, remarks) : changesAsText(result.files));
+    output.out << (json ? asJson(changes, remarks) : changesAsText(changes));
     if (printRemarks(remarks, output))
         return exitUsage;
-    return result.files.empty() ? exitClean : exitFindings;
+    return changes.empty() ? exitClean : exitFindings;
 }
 
 } // namespace

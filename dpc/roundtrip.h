@@ -39,15 +39,9 @@ struct FileChange
     qint64 fullSize = 0; ///< bytes of a file that is cut, before it is; 0 if that is not known
 };
 
-/// The changes that a load and a save make.
-struct RoundTrip
-{
-    std::vector<FileChange> files; ///< in the order of the save; none if nothing changes
-    std::string problem;           ///< one sentence why it can't be told, or empty
-};
-
-/// Compares what a load and a save of a series would write with the disk. Nothing is written.
-RoundTrip roundTrip(const SeriesFacts& facts);
+/// Compares what a load and a save of a series would write with the disk: the changes in the order
+/// of the save, none if nothing changes. Nothing is written.
+std::vector<FileChange> roundTrip(const SeriesFacts& facts);
 
 /// File by file, and line by line with "-" and "+"; empty if nothing changes.
 std::string changesAsText(const std::vector<FileChange>& files);

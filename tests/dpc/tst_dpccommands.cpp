@@ -3,6 +3,7 @@
 #include "check/text.h"
 #include "configset/seriesloader.h"
 #include "dpc/alignment.h"
+#include "dpc/json.h"
 #include "dpc/listing.h"
 #include "dpc/printer.h"
 #include "dpc/roundtrip.h"
@@ -142,11 +143,13 @@ private slots:
     void seriesWithTooManyLinesIsOneSentence()
     {
         m_series->put("a.dpc", QByteArray("x.dpc\n").repeated(maxSeriesEntries + 1));
-        for (const char* command : {"show ", "roundtrip "}) {
+        for (const char* command : {"show ", "roundtrip ", "init "}) {
             const DpcRun::Result result = m_dpc.run(command + m_series->root() + "a.dpc");
             QCOMPARE(result.code, 2);
             QCOMPARE(result.err, QByteArray("dpc: the series has more than 50000 lines\n"));
         }
+        m_series->put("a.dpc", QByteArray("x.dpc\n").repeated(maxSeriesEntries));
+        QCOMPARE(m_dpc.run("show " + m_series->root() + "a.dpc").code, 0);
     }
 
     void totalsDoNotWrapRound()
@@ -207,6 +210,37 @@ private slots:
         QCOMPARE(changesInJson().value(0),
                  QString("change blocked; file _wait/a.dpc; reason the folder is a file"));
         QVERIFY(changes().contains("a_init.dpc: is created"));
+    }
+
+    /// It opens, and each read fails.
+    void seriesWhoseOnlyFileFailsToReadIsOneSentence()
+    {
+        const QString file = m_series->root() + "a.dpc";
+        QVERIFY(QFile::link("/proc/self/mem", file));
+        for (const char* command : {"show ", "roundtrip ", "init ", "export ", "diff "}) {
+            QString words = command + file;
+            if (words.startsWith("export"))
+                words += " out";
+            if (words.startsWith("diff"))
+                words += ' ' + file;
+            const DpcRun::Result result = m_dpc.run(words);
+            QCOMPARE(result.code, 2);
+            const QByteArray sentence =
+                "dpc: no file of the series of '" + file.toUtf8() + "' can be read\n";
+            QCOMPARE(result.err, sentence.repeated(words.startsWith("diff") ? 2 : 1));
+        }
+    }
+
+    void jsonShowsNoCharacterThatSteersATerminal()
+    {
+        // An invisible letter beyond the first plane, a control character, a turn of the direction.
+        const QString text = QString::fromUtf8("a\xF3\xA0\x80\x81z\x1B\xE2\x80\xAE");
+        const QString seen = QString::fromUtf8("\xC3\xBC\xF0\x9F\x98\x80");
+        const QJsonObject object{{"text", text + seen}};
+        const std::string json = jsonText(object);
+        QCOMPARE(QString::fromStdString(json),
+                 "{\n    \"text\": \"a\\udb40\\udc01z\\u001b\\u202e" + seen + "\"\n}\n");
+        QCOMPARE(QJsonDocument::fromJson(QByteArray::fromStdString(json)).object(), object);
     }
 
     void roundTripOfWhatCannotBeReadIsOneSentence()
@@ -279,10 +313,40 @@ private slots:
             QString("bytesNotShown %1; change changed; file a_init.dpc").arg(rest)));
     }
 
+    void aFileThatStaysAsItIsIsToldIfItIsCut()
+    {
+        TestTask task;
+        task.setDefaults();
+        task.sourcePath = path("[cfgPath]/[iter].dat");
+        task.iterations = 100;
+        m_series->save({task});
+        // The names of the series come in with the second save, and then stay.
+        TaskList tasks;
+        loadSeries({m_series->root(), "a"}, tasks, silentListener());
+        m_series->save(tasks);
+        QCOMPARE(test::contentOf(m_series->root() + "a_init.dpc").size(), maxConfigFile);
+        QCOMPARE(changes().remove(m_series->root()),
+                 QString("a_init.dpc: is cut at %1 characters\n").arg(maxConfigFile));
+        QCOMPARE(changesInJson(), QStringList("change unchanged; cutAt 5000; file a_init.dpc"));
+        QCOMPARE(m_dpc.run("roundtrip " + m_series->root() + "a.dpc").code, 1);
+    }
+
+    void aLargeFileWithoutALineEndIsComparedInPart()
+    {
+        constexpr int compared = 256 * 1024;
+        m_series->put("a.dpc", goodLine());
+        m_series->put("a_init.dpc", QByteArray(compared, 'a'));
+        const QString line = " - " + QString(compared, 'a') + " (no line end)\n";
+        QVERIFY(changes().contains(line));
+        QVERIFY(!changes().contains("not shown"));
+        m_series->put("a_init.dpc", QByteArray(compared + 1, 'a'));
+        QVERIFY(changes().contains(line));
+        QVERIFY(changes().contains("a_init.dpc: 1 more bytes go, and are not shown\n"));
+    }
+
     void roundTripOfEndlessIterationsEnds()
     {
         m_series->put("a.dpc", goodLine({{8, "2000000000"}, {10, "[cfgPath]/[iter]"}}));
-        QVERIFY(roundTrip(m_series->facts()).problem.empty());
         QVERIFY(changes().contains(
             QString("a_init.dpc: is cut at %1 characters\n").arg(maxConfigFile)));
     }
@@ -378,7 +442,7 @@ private:
 
     QString changes() const
     {
-        return QString::fromStdString(changesAsText(roundTrip(m_series->facts()).files));
+        return QString::fromStdString(changesAsText(roundTrip(m_series->facts())));
     }
 
     static QByteArray everyByte()

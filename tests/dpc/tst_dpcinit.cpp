@@ -44,7 +44,7 @@ private slots:
         QVERIFY(run("init --write").out.endsWith("a_init.dpc: is up to date\n"));
         QCOMPARE(QDir(m_series->root()).entryList(QDir::Files),
                  (QStringList{"a.dpc", "a_init.dpc"}));
-        for (const FileChange& change : roundTrip(m_series->facts()).files)
+        for (const FileChange& change : roundTrip(m_series->facts()))
             QVERIFY(!change.shownPath.endsWith("a_init.dpc"));
     }
 
@@ -61,6 +61,20 @@ private slots:
             QCOMPARE(test::contentOf(initPath()), printed);
         }
         QCOMPARE(test::entriesOf(m_series->root() + "_wait"), QStringList{"a.dpc"});
+    }
+
+    void linesOfTheWholeSeriesCountAlsoIfItIsPickedInsideOfWait()
+    {
+        const QByteArray line = goodLine();
+        m_series->put("a.dpc", line.repeated(maxSeriesEntries - 1) + QByteArray("# text\n"));
+        m_series->put("_wait/a1.dpc", line);
+        const QString command = "init " + m_series->root() + "_wait/a1.dpc";
+        QCOMPARE(m_dpc.run(command).code, 0);
+        m_series->put("_wait/a1.dpc", line + line);
+        const DpcRun::Result result = m_dpc.run(command);
+        QCOMPARE(result.code, 2);
+        QCOMPARE(result.out, QByteArray());
+        QCOMPARE(result.err, QByteArray("dpc: the series has more than 50000 lines\n"));
     }
 
     void filesThatAreThereBecomeComments()
