@@ -130,7 +130,7 @@ struct Command
     const char* name = nullptr;
     const char* title = nullptr; ///< a phrase that begins with a small letter, without a full stop
     ListOf<const Option*> options;
-    ListOf<Operand> operands;
+    ListOf<Operand> operands; ///< at least one
     /// Paragraphs with blank lines between. Lines that begin with four blanks are shown as they
     /// are.
     const char* description = nullptr;

@@ -20,7 +20,7 @@ QByteArray absoluteAddress(const Machine& machine)
 {
     const QString socket = QStringLiteral("sock:");
     if (machine.address.isEmpty())
-        return QStringLiteral("ip:%1,%2").arg(machine.name).arg(standardPort).toLatin1();
+        return "ip:" + machine.name.toLatin1() + ',' + QByteArray::number(standardPort);
     if (machine.address.startsWith(socket))
         return QFile::encodeName(socket +
                                  QDir().absoluteFilePath(machine.address.mid(socket.size())));

@@ -110,10 +110,8 @@ std::string bashCommand(const Command& command)
     std::string options;
     for (const Option* option : command.options)
         options += fmt::format(" {}", fmt::join(namesOf(*option), " "));
-    const ValueKind kind =
-        command.operands.empty() ? ValueKind::Flag : command.operands.begin()->kind;
     return fmt::format("        {}) options+='{}' operand='{}' ;;\n", command.name, options,
-                       bashValue(kind, {}));
+                       bashValue(command.operands.begin()->kind, {}));
 }
 
 // zsh
@@ -149,9 +147,7 @@ std::string zshOption(const Option& option)
     const std::vector<std::string> names = namesOf(option);
     const std::string meaning =
         withoutQuotes(withBackslashBefore("[]:", shortMeaning(option.meaning)));
-    const std::string value = option.valueName == nullptr
-                                  ? std::string()
-                                  : zshAction(option.valueName, option.kind, choicesOf(option));
+    const std::string value = zshAction(option.valueName, option.kind, choicesOf(option));
     if (names.size() == 1)
         return fmt::format("'{}{}[{}]{}'", option.repeats ? "*" : "", names[0], meaning, value);
     return fmt::format("'({0} {1})'{{{0},{1}}}'[{2}]{3}'", names[0], names[1], meaning, value);
@@ -293,10 +289,8 @@ complete -c dpc -f
     for (const Command* command : allCommands()) {
         const std::string condition =
             fmt::format(" -n '__fish_seen_subcommand_from {}'", command->name);
-        text += '\n';
-        if (!command->operands.empty())
-            text += "complete -c dpc" + condition + fishValue(command->operands.begin()->kind, {}) +
-                    '\n';
+        text +=
+            "\ncomplete -c dpc" + condition + fishValue(command->operands.begin()->kind, {}) + '\n';
         for (const Option* option : command->options)
             text += fishOption(condition, *option);
     }

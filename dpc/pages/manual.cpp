@@ -122,11 +122,10 @@ std::string synopsis(const Command& command)
     std::string text = fmt::format(".Nm\n.Cm {}\n", command.name);
     for (const Option* option : command.options)
         text += option->replacesOperands ? "" : fmt::format(".Op {}\n", longFlag(*option));
-    std::string operands;
+    text += ".Ar";
     for (const Operand& operand : command.operands)
-        operands += ' ' + lowered(operand.name) + (operand.repeats ? " ..." : "");
-    if (!operands.empty())
-        text += ".Ar" + operands + '\n';
+        text += ' ' + lowered(operand.name) + (operand.repeats ? " ..." : "");
+    text += '\n';
     for (const Option* option : command.options) {
         if (option->replacesOperands)
             text += fmt::format(".Nm\n.Cm {}\n.{}\n", command.name, longFlag(*option));

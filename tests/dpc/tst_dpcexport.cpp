@@ -23,6 +23,7 @@ private slots:
     void lossesMustBeAllowedByName_data();
     void lossesMustBeAllowedByName();
     void errorsAreNotAllowedByAnything();
+    void aSeriesThatMakesNoJobIsRefused();
     void lossesAreFindings();
     void whatIsThereIsLeftAlone();
     void optionsThatCannotBeUsed_data();
@@ -105,6 +106,16 @@ void TestDpcExport::errorsAreNotAllowedByAnything()
     QVERIFY(!wasWritten());
 }
 
+void TestDpcExport::aSeriesThatMakesNoJobIsRefused()
+{
+    put("# text\n");
+    const DpcRun::Result result = run();
+    QCOMPARE(result.code, 1);
+    QCOMPARE(result.out, QByteArray());
+    QCOMPARE(result.err, QByteArray("dpc: no task of the series makes a job\n"));
+    QVERIFY(!wasWritten());
+}
+
 void TestDpcExport::lossesAreFindings()
 {
     put(lossy + impossible);
@@ -148,6 +159,8 @@ void TestDpcExport::optionsThatCannotBeUsed_data()
     QTest::newRow("temp that is not absolute") << "--temp tmp";
     QTest::newRow("date that makes folders") << "--date 1/2";
     QTest::newRow("address that is none") << "--hosts-file own/bad";
+    QTest::newRow("two names that no address can spell")
+        << QString::fromUtf8("--hosts \xCE\xB1,\xCE\xB2 --temp /tmp");
     QTest::newRow("two at one address") << "--hosts-file own/twice";
     QTest::newRow("no temp of another machine") << "--hosts pc1";
 }
@@ -167,11 +180,12 @@ void TestDpcExport::optionsThatCannotBeUsed()
 void TestDpcExport::machinesHaveTheirAddresses()
 {
     put(plain);
-    test::put("own/hosts", "pc1\npc2=ip:127.0.0.2,99 temp=/scratch\n");
+    test::put("own/hosts", "pc1\npc2=ip:127.0.0.2,99 temp=/scratch\npc%2\n");
     QCOMPARE(run("--temp /var/tmp --hosts-file own/hosts").code, 0);
     const QByteArray readme = test::contentOf("out/README");
     QVERIFY(readme.contains("--client='ip:pc1,8765' stage-0-1-pc1.fio"));
     QVERIFY(readme.contains("--client='ip:127.0.0.2,99' stage-0-2-pc2.fio"));
+    QVERIFY(readme.contains("--client='ip:pc%2,8765' "));
     const QByteArray plan = test::contentOf("out/plan.json");
     QVERIFY(plan.contains("\"temp\": \"/var/tmp\"") && plan.contains("\"temp\": \"/scratch\""));
 }

@@ -38,6 +38,11 @@ private slots:
             QVERIFY2(result.err.endsWith("dpc: standard output can't be written: " + reason + '\n'),
                      result.err);
         }
+        // Output that is written in parts, before it is whole.
+        m_series->put("a.dpc", goodLine().repeated(manyLines));
+        const Result result = shell("\"$dpc\" show --format=csv a.dpc " + redirection);
+        QCOMPARE(result.code, 2);
+        QCOMPARE(result.err, "dpc: standard output can't be written: " + reason + '\n');
     }
 
     void countsFollowTheFindingsIfBothGoToOnePlace()
@@ -59,7 +64,7 @@ private slots:
     {
         // A folder of letters in Latin-1, as old systems leave behind.
         const QByteArray make = "d=$(printf 'pr\\374fung'); mkdir \"$d\"; cp a.dpc \"$d/a.dpc\"; ";
-        for (const char* locale : {"C.UTF-8", "C"}) {
+        for (const char* locale : {"C.UTF-8", "C", "POSIX", "xx_XX.unknown"}) {
             const QByteArray set = QByteArray("rm -rf pr*; export LC_ALL=") + locale + "; ";
             Result result = shell(set + make + "\"$dpc\" check \"$d\"");
             QCOMPARE(result.code, 1);
@@ -141,7 +146,7 @@ private slots:
 
     void longOutputComesWhole()
     {
-        constexpr int tasks = 3000;
+        constexpr int tasks = manyLines;
         QByteArray lines;
         for (int chunk = 1; chunk <= tasks; ++chunk)
             lines += goodLine({{5, QByteArray::number(chunk)}, {7, "10240"}});
@@ -161,6 +166,8 @@ private slots:
     }
 
 private:
+    static constexpr int manyLines = 3000; ///< much more output than is written at once
+
     struct Result
     {
         QByteArray out;

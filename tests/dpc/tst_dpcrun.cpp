@@ -1,7 +1,14 @@
+#include "dpc/commandline.h"
 #include "dpc/runtext.h"
 #include "tests/dpc/runrecordingtest.h"
+#include "tests/support/childprocess.h"
 
 #include <QDir>
+
+#include <array>
+#include <iostream>
+#include <pty.h>
+#include <unistd.h>
 
 using test::SeriesRun;
 
@@ -19,6 +26,8 @@ private slots:
     void tellsOfAStageAlone();
     void tellsWhatMayBeOverwritten();
     void tellsHowFarItIs();
+    void fitsItsProgressIntoTheTerminal_data();
+    void fitsItsProgressIntoTheTerminal();
 };
 
 namespace {
@@ -147,6 +156,56 @@ void TestDpcRun::tellsHowFarItIs()
             text += QString::fromStdString(progressText(plan, progress, width)) + '\n';
     }
     Recordings::compare(text);
+}
+
+void TestDpcRun::fitsItsProgressIntoTheTerminal_data()
+{
+    QTest::addColumn<int>("columns");
+    QTest::addColumn<QByteArray>("first");
+    const QByteArray begin = "stage 0 (1 in all): ";
+    // The last column stays free: a letter there may begin a new line.
+    QTest::newRow("as wide as its begin") << begin.size() + 1 << begin;
+    QTest::newRow("two columns") << 2 << QByteArray("s");
+    QTest::newRow("one column, too few for any text") << 1 << begin;
+    QTest::newRow("an unknown width") << 0 << begin;
+}
+
+void TestDpcRun::fitsItsProgressIntoTheTerminal()
+{
+    QFETCH(int, columns);
+    QFETCH(QByteArray, first);
+    m_series->putSeries({{SeriesRun::line("", "[cfgPath]/a.dat", 128)}});
+    const QString seen = m_series->file("seen");
+    // It works until its progress has been seen.
+    putFio("case \"$*\" in *stage-0*) while ! test -e '" + seen.toUtf8() +
+           "'; do sleep 0.05; done;; esac");
+    int terminal = 0;
+    winsize size{};
+    size.ws_col = static_cast<unsigned short>(columns);
+    const pid_t child = ::forkpty(&terminal, nullptr, nullptr, &size);
+    if (child == 0) {
+        ::alarm(test::childSeconds);
+        test::endChild(runDpc({"run", m_series->file("mytest.dpc").toStdString(), "--to",
+                               m_series->file("run").toStdString()},
+                              {std::cout, std::cerr, false}));
+    }
+    const QByteArray begin = "\r\x1B[K";
+    QByteArray shown;
+    std::array<char, 4096> bytes{};
+    for (ssize_t got = 1; got > 0;) {
+        got = ::read(terminal, bytes.data(), bytes.size());
+        shown.append(bytes.data(), int(std::max<ssize_t>(got, 0)));
+        if (shown.count(begin) > 1 && !QFile::exists(seen))
+            test::put(seen, "");
+    }
+    ::close(terminal);
+    QCOMPARE(SeriesRun::statusOf(child), 0);
+    const int from = shown.indexOf(begin) + begin.size();
+    const QByteArray drawn = shown.mid(from, shown.indexOf('\r', from) - from);
+    if (columns > 1)
+        QCOMPARE(drawn, first);
+    else
+        QVERIFY2(drawn.startsWith(first) && drawn.contains(" of 0.1 MiB, "), drawn);
 }
 
 QTEST_APPLESS_MAIN(TestDpcRun)

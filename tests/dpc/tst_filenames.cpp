@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QTest>
+#include <QTextCodec>
 
 #include <clocale>
 
@@ -17,6 +18,7 @@ private slots:
     void edgesOfUtf8ComeBack();
     void foreignBytesAreLoneSurrogates();
     void pairsOfSurrogatesStayLetters();
+    void standardUtf8StaysAsItIs();
 
 private:
     QByteArray there(const QByteArray& name) const { return QFile::encodeName(decoded(name)); }
@@ -78,6 +80,24 @@ void TestFileNames::pairsOfSurrogatesStayLetters()
     QCOMPARE(QString::fromUtf8(letter)[1].unicode(), ushort(0xDCFC));
     QCOMPARE(there(letter), letter);
     QCOMPARE(there(letter + '\xFC'), letter + '\xFC');
+}
+
+/// Nobody who asks for UTF-8, by its name or its number, gets the decoder of file names.
+void TestFileNames::standardUtf8StaysAsItIs()
+{
+    QTextCodec* const installed = QTextCodec::codecForLocale();
+    QCOMPARE(installed->name(), QByteArray("UTF-8 with foreign bytes"));
+    QCOMPARE(QTextCodec::codecForName(installed->name()), installed);
+    QCOMPARE(installed->mibEnum(), -1);
+    constexpr int mibOfUtf8 = 106;
+    for (QTextCodec* const utf8 :
+         {QTextCodec::codecForName("UTF-8"), QTextCodec::codecForMib(mibOfUtf8)}) {
+        QCOMPARE(utf8->mibEnum(), mibOfUtf8);
+        QCOMPARE(utf8->toUnicode("\xFC"), QString(QChar::ReplacementCharacter));
+    }
+    // It is put in place of UTF-8 alone, so once.
+    keepForeignBytesInFileNames();
+    QCOMPARE(QTextCodec::codecForLocale(), installed);
 }
 
 QTEST_APPLESS_MAIN(TestFileNames)

@@ -9,6 +9,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QMap>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -16,11 +17,14 @@
 
 #include <cstdlib>
 #include <ctime>
+#include <functional>
 #include <sstream>
 
 // The HTML page of a report, in a real browser without a window and without a network.
 
 namespace {
+
+constexpr double mib = 1024 * 1024;
 
 QByteArray page(const QStringList& runs)
 {
@@ -201,6 +205,57 @@ private slots:
         QCOMPARE(text.contains("<h2>Heat map</h2>"), hasHeatMap);
     }
 
+    void coloursOfAHeatMapAreSharesOfTheFastest()
+    {
+        makeRun("heat", 1, 24, 1, [](QJsonObject& job) {
+            const QMap<QString, QJsonValue> rates = {{"pc0", 100 * mib},
+                                                     {"pc1", QJsonValue()},
+                                                     {"pc2", 50 * mib},
+                                                     {"pc3", 51 * mib},
+                                                     {"pc4", 0}};
+            job.insert("ioBytesPerSecond", rates.value(job["machine"].toString(), 10 * mib));
+        });
+        const QByteArray text = page({in("heat")});
+        const auto hasRow = [&](const QByteArray& machine, const QByteArray& cell) {
+            return text.contains("<tr><th scope=\"row\">" + machine + "</th><td" + cell +
+                                 "</td></tr>\n");
+        };
+        QVERIFY(hasRow("pc0", " class=\"number strong\" style=\"--heat:100\">100.0"));
+        // Nobody measured it.
+        QVERIFY(hasRow("pc1", ">"));
+        QVERIFY(hasRow("pc2", " class=\"number\" style=\"--heat:50\">50.0"));
+        QVERIFY(hasRow("pc3", " class=\"number strong\" style=\"--heat:51\">51.0"));
+        QVERIFY(hasRow("pc4", " class=\"number\" style=\"--heat:0\">0.0"));
+        QVERIFY(hasRow("pc23", " class=\"number\" style=\"--heat:10\">10.0"));
+    }
+
+    void aHeatMapWithoutAnySpeedHasNoColour()
+    {
+        makeRun("still", 1, 24, 1, [](QJsonObject& job) { job.insert("ioBytesPerSecond", 0); });
+        QCOMPARE(page({in("still")}).count("<td class=\"number\" style=\"--heat:0\">0.0</td>"), 24);
+    }
+
+    void aTaskThatNobodyMeasuredHasNoBarOfManyMachines()
+    {
+        makeRun("gap", 2, 9, 1, [](QJsonObject& job) {
+            const double machine = job["machine"].toString().mid(2).toDouble();
+            const bool isMeasured = job["line"].toInt() == 1;
+            job.insert("ioBytesPerSecond",
+                       isMeasured ? QJsonValue((10 + machine) * mib) : QJsonValue());
+        });
+        const QByteArray text = page({in("gap")});
+        const QByteArray start = "id=\"data\">";
+        const int begin = text.indexOf(start) + start.size();
+        const QByteArray data = text.mid(begin, text.indexOf("</script>", begin) - begin);
+        QJsonArray values;
+        for (const QJsonValue set :
+             QJsonDocument::fromJson(data).object()["rates"].toObject()["datasets"].toArray())
+            values.append(set.toObject()["values"]);
+        const QJsonValue none;
+        QCOMPARE(values,
+                 (QJsonArray{QJsonArray{10, none}, QJsonArray{14, none}, QJsonArray{18, none}}));
+    }
+
     void aLargeRunMakesAPageOfFewMegabytesInLittleTime()
     {
         makeRun("large", 100, 20, 10);
@@ -256,7 +311,10 @@ private:
         return browser.readAllStandardOutput();
     }
 
-    void makeRun(const QString& name, int tasks, int machineCount, int iterations)
+    /// All jobs are good, unless a change says otherwise.
+    void makeRun(
+        const QString& name, int tasks, int machineCount, int iterations,
+        const std::function<void(QJsonObject&)>& change = [](QJsonObject&) {})
     {
         QJsonObject results =
             QJsonDocument::fromJson(test::contentOf(nightly() + "/results.json")).object();
@@ -266,8 +324,11 @@ private:
         for (int machine = 0; machine < machineCount; ++machine) {
             machines.append(QJsonObject{{"name", QString("pc%1").arg(machine)}});
             for (int task = 0; task < tasks; ++task) {
-                for (int iteration = 0; iteration < iterations; ++iteration)
-                    jobs.append(jobOf(sample, task, machine, iteration));
+                for (int iteration = 0; iteration < iterations; ++iteration) {
+                    QJsonObject job = jobOf(sample, task, machine, iteration);
+                    change(job);
+                    jobs.append(job);
+                }
             }
         }
         results.insert("machines", machines);
