@@ -11,5 +11,6 @@ bool writeAll(QFileDevice& file, const QByteArray& content)
         written += more;
     }
     // QSaveFile::commit() takes bytes that it could not write out of its buffer for written.
-    return file.flush();
+    // Of a buffer, too, a part may go first: the system tells the error only for the rest.
+    return file.flush() || file.flush();
 }

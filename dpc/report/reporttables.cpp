@@ -36,10 +36,9 @@ QString rate(const std::optional<Spread>& spread, double Spread::*which)
     return spread ? number((*spread).*which / bytesPerMib, 1) : QString();
 }
 
-QString moment(const std::optional<qint64>& ms)
+QString moment(qint64 ms)
 {
-    return ms ? QDateTime::fromMSecsSinceEpoch(*ms).toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"))
-              : QString();
+    return QDateTime::fromMSecsSinceEpoch(ms).toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
 }
 
 QStringList jobCells(const ReportedRun& run, const RecordedJob& job)
@@ -187,7 +186,7 @@ QString headline(const RecordedRun& run)
     if (!run.series.isEmpty())
         parts += safe(run.series);
     if (run.startedMs)
-        parts += moment(run.startedMs);
+        parts += moment(*run.startedMs);
     parts += QString::fromStdString(counted(run.machines.size(), "machine"));
     parts +=
         run.fioVersion.isEmpty() ? QStringLiteral("unknown version of fio") : safe(run.fioVersion);

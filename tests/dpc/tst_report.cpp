@@ -1,4 +1,5 @@
 #include "dpc/commandline.h"
+#include "dpc/table.h"
 #include "tests/support/files.h"
 
 #include <QDir>
@@ -11,7 +12,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <csignal>
 #include <sstream>
+#include <sys/resource.h>
 
 // Reports of a run of three machines that was recorded with fio 3.33, and of runs that did not come
 // to their end.
@@ -139,6 +142,32 @@ private slots:
         QCOMPARE(dpc({"--fail-if-slower", "95", "nightly", "slower"}).code, 0);
         QCOMPARE(dpc({"--fail-if-slower", "10", "slower", "nightly"}).code, 0);
         QCOMPARE(dpc({"--fail-if-slower", "10", "nightly", "nightly"}).code, 0);
+        QCOMPARE(dpc({"--fail-if-slower", "0", "nightly", "nightly"}).code, 0);
+        QCOMPARE(dpc({"--fail-if-slower", "99.9", "nightly", "slower"}).code, 0);
+    }
+
+    void whatARunDoesNotTellIsLeftOut()
+    {
+        QJsonObject results = parsed(test::contentOf(in("nightly/results.json")));
+        for (const char* key : {"startedMs", "losses"})
+            results.remove(key);
+        QVERIFY(QDir().mkpath(in("silent")));
+        test::put(in("silent/results.json"), QJsonDocument(results).toJson());
+        const QByteArray text = dpc({"silent"}).out;
+        QVERIFY2(text.contains("\n/srv/bench/nightly.dpc, 3 machines, fio-3.33\n"), text);
+        const QByteArray markdown = dpc({"--format=markdown", "silent"}).out;
+        QVERIFY(!markdown.contains("\n- "));
+        QVERIFY2(markdown.contains("|\n\nshort: "), markdown);
+    }
+
+    void theFirstColumnIsNotLeftOut()
+    {
+        const Table table{{"task", "bytes"}, {false, true}, {{QString(30, 'x'), "1234567"}}};
+        const QStringList columns = {"unknown", "task", "bytes"};
+        QCOMPARE(QString::fromStdString(tableAsText(table, 21, columns)),
+                 QString("task            bytes\nxxxx...xxxxx  1234567\n"));
+        QCOMPARE(QString::fromStdString(tableAsText(table, 20, columns)),
+                 QString("task\nxxxxxxxx...xxxxxxxxx\n(column left out: bytes)\n"));
     }
 
     void aRunThatIsNotCompleteFailsIfAsked()
@@ -159,6 +188,8 @@ private slots:
         QTest::newRow("unknown format") << QStringList{"--format=pdf", "nightly"};
         QTest::newRow("one run") << QStringList{"--fail-if-slower", "10", "nightly"};
         QTest::newRow("no number") << QStringList{"--fail-if-slower", "x", "nightly", "slower"};
+        QTest::newRow("below nothing") << QStringList{"--fail-if-slower=-0.1", "nightly", "slower"};
+        QTest::newRow("all of it") << QStringList{"--fail-if-slower=100", "nightly", "slower"};
         QTest::newRow("into a run") << QStringList{"--output", "nightly/report.html", "nightly"};
         QTest::newRow("nowhere") << QStringList{"--output", "none/report.html", "nightly"};
     }
@@ -179,6 +210,28 @@ private slots:
         QCOMPARE(result.code, 0);
         QCOMPARE(result.out, QByteArray());
         QCOMPARE(test::contentOf(in("report.txt")), dpc({"nightly"}).out);
+    }
+
+    void aReportThatDoesNotFitOnTheDiskLeavesTheOldOne()
+    {
+        test::put(in("kept.txt"), "old");
+        const QStringList before = test::entriesOf(m_folder.path());
+        // No file may grow beyond that, as on a full disk.
+        rlimit limit{};
+        QCOMPARE(::getrlimit(RLIMIT_FSIZE, &limit), 0);
+        const rlim_t whole = limit.rlim_cur;
+        constexpr rlim_t few = 100;
+        limit.rlim_cur = few;
+        const auto handler = ::signal(SIGXFSZ, SIG_IGN);
+        QCOMPARE(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+        const Result result = dpc({"--output", "kept.txt", "nightly"});
+        limit.rlim_cur = whole;
+        QCOMPARE(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+        ::signal(SIGXFSZ, handler);
+        QCOMPARE(result.code, 2);
+        QCOMPARE(result.err, QByteArray("dpc: 'kept.txt' can't be written: File too large\n"));
+        QCOMPARE(test::contentOf(in("kept.txt")), QByteArray("old"));
+        QCOMPARE(test::entriesOf(m_folder.path()), before);
     }
 
     void nothingIsWrittenIntoARun()
