@@ -72,7 +72,8 @@ public:
             if (parser->count() == 0)
                 continue;
             arguments.add(*option, parser->results());
-            needsOperands = needsOperands && !option->replacesOperands;
+            if (option->replacesOperands)
+                needsOperands = false;
         }
         std::vector<std::string> operands = m_app.remaining();
         for (const std::string& text : operands)

@@ -50,7 +50,8 @@ std::string size(qint64 bytes)
     constexpr const char* units[] = {"KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
     double value = double(bytes) / 1024;
     size_t unit = 0;
-    while (value >= 1024 && unit + 1 < std::size(units)) {
+    // The largest number of bytes is 8 EiB.
+    while (value >= 1024) {
         value /= 1024;
         ++unit;
     }

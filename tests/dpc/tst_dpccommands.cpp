@@ -1,12 +1,10 @@
 #include "check/rules/catalogue.h"
 #include "check/ruletexts.h"
 #include "check/text.h"
-#include "configset/seriesloader.h"
-#include "dpc/alignment.h"
 #include "dpc/json.h"
 #include "dpc/listing.h"
+#include "dpc/options.h"
 #include "dpc/printer.h"
-#include "dpc/roundtrip.h"
 #include "dpc/totals.h"
 #include "tests/check/seriesfolder.h"
 #include "tests/dpc/dpcrun.h"
@@ -14,7 +12,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QRegularExpression>
 
 #include <fmt/format.h>
 
@@ -49,6 +46,88 @@ private slots:
         // Without a date it is that of now.
         const QString now = shown("--expand --host pc7");
         QVERIFY(now.contains(QRegularExpression("/x/pc7/[^/]*[0-9]+[^/]*/0\\.dat")));
+    }
+
+    void helpIsThatOfTheFirstCommandThatIsNamed()
+    {
+        const QByteArray main = m_dpc.run("--help").out;
+        const QByteArray show = m_dpc.run("show --help").out;
+        QVERIFY(main.contains("dpc COMMAND") && show.contains("dpc show"));
+        QCOMPARE(m_dpc.run("-h").out, main);
+        QCOMPARE(m_dpc.run("-h --help").out, main);
+        QCOMPARE(m_dpc.run("--help show").out, show);
+        QCOMPARE(m_dpc.run("-h show check").out, show);
+        const DpcRun::Result result = m_dpc.run("--help chekc");
+        QCOMPARE(result.code, 2);
+        QCOMPARE(result.err, QByteArray("dpc: unknown option 'chekc' (see dpc --help)\n"));
+    }
+
+    void anEmptyNameIsNotACommand()
+    {
+        std::ostringstream out;
+        std::ostringstream err;
+        QCOMPARE(runDpc({""}, {out, err}), 2);
+        QCOMPARE(err.str(), std::string("dpc: unknown command '' (see dpc --help)\n"));
+    }
+
+    void rulesAreListedWithoutAPathBesideAnyOption()
+    {
+        const DpcRun::Result result = m_dpc.run("check --list-rules --werror --quiet --summary");
+        QCOMPARE(result.code, 0);
+        QCOMPARE(result.out, m_dpc.run("check --list-rules").out);
+    }
+
+    void notesNeverFail()
+    {
+        m_series->put("a.dpc", goodLine({{11, "[cfgPath]/[iter].dat"}, {12, ""}, {13, ""}}));
+        const DpcRun::Result result = m_dpc.run("check --werror " + m_series->root() + "a.dpc");
+        QCOMPARE(result.err, QByteArray("0 errors, 0 warnings, 2 notes\n"));
+        QCOMPARE(result.code, 0);
+    }
+
+    void machinesOfAFileComeFirst()
+    {
+        m_series->put("hosts.txt", "pc1\npc2\npc2\n");
+        const auto listOf = [&](const char* names) {
+            Arguments arguments;
+            arguments.add(hostsFileOption, {m_series->root().toStdString() + "hosts.txt"});
+            arguments.add(hostsOption, {names});
+            return machinesOf(arguments);
+        };
+        const MachineList list = listOf("pc3,pc1,pc4,pc4");
+        QCOMPARE(list.names(), (QStringList{"pc1", "pc2", "pc3", "pc4"}));
+        QCOMPARE(list.repeated, std::string("pc2 is named twice, and counts once"));
+        QCOMPARE(list.repeatedCount, 2);
+        m_series->put("hosts.txt", "pc1\n");
+        QCOMPARE(listOf("pc4,pc4").repeated, std::string("pc4 is named twice, and counts once"));
+        QCOMPARE(listOf("pc1").repeatedCount, 0);
+    }
+
+    void aNumberOfMachinesStandsAlone()
+    {
+        m_series->put("hosts.txt", "pc1\n");
+        for (const QString& option :
+             {QString("--hosts pc1"), "--hosts-file " + m_series->root() + "hosts.txt"}) {
+            const DpcRun::Result result =
+                m_dpc.run("check --machines 3 " + option + ' ' + m_series->root());
+            QCOMPARE(result.code, 2);
+            QCOMPARE(result.err, QByteArray("dpc: --machines: can't stand beside --hosts or "
+                                            "--hosts-file (see dpc check --help)\n"));
+        }
+    }
+
+    void aTaskThatBecameAMarkerIsTwoDifferences()
+    {
+        m_series->put("a.dpc", goodLine() + goodLine({{10, "/d/y"}}) + goodLine());
+        m_series->put("b.dpc", goodLine() + "b1.dpc\n" + goodLine());
+        const QString b = m_series->root() + "b.dpc";
+        const DpcRun::Result result = m_dpc.run("diff " + m_series->root() + "a.dpc " + b);
+        QCOMPARE(result.code, 1);
+        QCOMPARE(result.out.count('\n'), 2);
+        QVERIFY2(result.out.contains("a.dpc:2: only in the first series: Posix "), result.out);
+        QVERIFY2(result.out.contains(
+                     "b.dpc:2: only in the second series: wait for the next config file\n"),
+                 result.out);
     }
 
     void findingsOfAFolderAreThoseOfItsSeries()
@@ -171,47 +250,6 @@ private slots:
         QCOMPARE(totalsOf(m_series->facts()).leastWait, qint64(0));
     }
 
-    void savedAndLoadedSeriesComesThroughARoundTrip()
-    {
-        TestTask task;
-        task.setDefaults();
-        task.sourcePath = path("[cfgPath]/s.dat");
-        m_series->save({task, marker(), task});
-        // The names of the series come in with the second save, and then stay.
-        TaskList tasks;
-        loadSeries(
-            {m_series->root(), "a"}, tasks,
-            {[] { return false; }, [](const QString&) {}, [](const QString&, const QString&) {}});
-        m_series->save(tasks);
-        QCOMPARE(changes(), QString());
-    }
-
-    void roundTripTellsOfFilesThatAreCutAndLeftOver()
-    {
-        m_series->put("a.dpc", goodLine({{12, "[cfgPath]/l"}, {13, "[cfgPath]/c"}}).repeated(60));
-        QVERIFY(changes().contains("_wait/a.dpc: is created"));
-        QVERIFY(changes().contains(QString("_wait/a.dpc: is cut at %1 of ").arg(maxConfigFile)));
-        QVERIFY(changes().contains("\na.dpc: stays as it is, and is loaded again next time\n"));
-        QVERIFY(changes().contains("a_init.dpc: is created"));
-        QCOMPARE(changesInJson(), (QStringList{"change created; cutAt 5000; file _wait/a.dpc; "
-                                               "lineCount 49",
-                                               "change created; file a_init.dpc; lineCount 1",
-                                               "change kept; file a.dpc"}));
-    }
-
-    void roundTripTellsWhatCannotBeWritten()
-    {
-        m_series->put("a.dpc", goodLine());
-        QVERIFY(QDir(m_series->root()).mkdir("_wait/a.dpc"));
-        QVERIFY(changes().contains("_wait/a.dpc: can't be written: what is there is not a file\n"));
-        QVERIFY(QDir(m_series->root() + "_wait").removeRecursively());
-        m_series->put("_wait", "");
-        QVERIFY(changes().contains("_wait/a.dpc: can't be written: the folder is a file\n"));
-        QCOMPARE(changesInJson().value(0),
-                 QString("change blocked; file _wait/a.dpc; reason the folder is a file"));
-        QVERIFY(changes().contains("a_init.dpc: is created"));
-    }
-
     /// It opens, and each read fails.
     void seriesWhoseOnlyFileFailsToReadIsOneSentence()
     {
@@ -288,88 +326,6 @@ private slots:
         }
     }
 
-    void roundTripKnowsTheFilesThatTheSaveMakes()
-    {
-        m_series->put("a.dpc", goodLine({{10, "[cfgPath]/_wait/a.dpc"}, {11, ""}}));
-        m_series->put("a_init.dpc", "");
-        QVERIFY(
-            changes().contains(QRegularExpression("1 [+] # Stream.*[[]cfgPath\\]/_wait/a.dpc;")));
-    }
-
-    void roundTripComparesALargeFileInPart()
-    {
-        constexpr int compared = 256 * 1024;
-        m_series->put("a.dpc", goodLine());
-        m_series->put("a_init.dpc", QByteArray("a\n").repeated(compared / 2));
-        QVERIFY(!changes().contains("not shown"));
-        QCOMPARE(changes().count(" - a\n"), compared / 2);
-        // The line at the edge is not shown in part.
-        m_series->put("a_init.dpc", QByteArray("aa\n").repeated(compared));
-        QCOMPARE(changes().count(" - aa\n"), compared / 3);
-        const int rest = 3 * (compared - compared / 3);
-        QVERIFY(changes().contains(
-            QString("a_init.dpc: %1 more bytes go, and are not shown\n").arg(rest)));
-        QVERIFY(changesInJson().contains(
-            QString("bytesNotShown %1; change changed; file a_init.dpc").arg(rest)));
-    }
-
-    void aFileThatStaysAsItIsIsToldIfItIsCut()
-    {
-        TestTask task;
-        task.setDefaults();
-        task.sourcePath = path("[cfgPath]/[iter].dat");
-        task.iterations = 100;
-        m_series->save({task});
-        // The names of the series come in with the second save, and then stay.
-        TaskList tasks;
-        loadSeries({m_series->root(), "a"}, tasks, silentListener());
-        m_series->save(tasks);
-        QCOMPARE(test::contentOf(m_series->root() + "a_init.dpc").size(), maxConfigFile);
-        QCOMPARE(changes().remove(m_series->root()),
-                 QString("a_init.dpc: is cut at %1 characters\n").arg(maxConfigFile));
-        QCOMPARE(changesInJson(), QStringList("change unchanged; cutAt 5000; file a_init.dpc"));
-        QCOMPARE(m_dpc.run("roundtrip " + m_series->root() + "a.dpc").code, 1);
-    }
-
-    void aLargeFileWithoutALineEndIsComparedInPart()
-    {
-        constexpr int compared = 256 * 1024;
-        m_series->put("a.dpc", goodLine());
-        m_series->put("a_init.dpc", QByteArray(compared, 'a'));
-        const QString line = " - " + QString(compared, 'a') + " (no line end)\n";
-        QVERIFY(changes().contains(line));
-        QVERIFY(!changes().contains("not shown"));
-        m_series->put("a_init.dpc", QByteArray(compared + 1, 'a'));
-        QVERIFY(changes().contains(line));
-        QVERIFY(changes().contains("a_init.dpc: 1 more bytes go, and are not shown\n"));
-    }
-
-    void roundTripOfEndlessIterationsEnds()
-    {
-        m_series->put("a.dpc", goodLine({{8, "2000000000"}, {10, "[cfgPath]/[iter]"}}));
-        QVERIFY(changes().contains(
-            QString("a_init.dpc: is cut at %1 characters\n").arg(maxConfigFile)));
-    }
-
-    void alignmentPairsWhatIsEqual()
-    {
-        QCOMPARE(pairs({"a", "b", "c"}, {"a", "x", "b", "c"}), QString("0-0 ?-1 1-2 2-3"));
-        QCOMPARE(pairs({"a", "b", "c"}, {"a", "c"}), QString("0-0 1-? 2-1"));
-        QCOMPARE(pairs({"a", "b", "c"}, {"a", "d", "c"}), QString("0-0 1-1 2-2"));
-        QCOMPARE(pairs({}, {"a"}), QString("?-0"));
-        QCOMPARE(pairs({}, {}), QString());
-    }
-
-    void alignmentOfVeryLongListsIsByPlaces()
-    {
-        std::vector<std::string> first(4000, "a");
-        std::vector<std::string> second(4001, "b");
-        const auto aligned = align(first, second);
-        QCOMPARE(aligned.size(), size_t(4001));
-        QCOMPARE(aligned[3999].first, 3999);
-        QCOMPARE(aligned[4000].first, -1);
-    }
-
     void wordsThatAreClose()
     {
         const char* const words[] = {"[cfgPath]", "[host]"};
@@ -423,28 +379,6 @@ private slots:
     }
 
 private:
-    /// For each file what the JSON tells of it, but for the lines: keys in their order, and values.
-    QStringList changesInJson() const
-    {
-        const QByteArray json =
-            m_dpc.run("roundtrip --format=json " + m_series->root() + "a.dpc").out;
-        QStringList texts;
-        for (const QJsonValue value : QJsonDocument::fromJson(json).object()["files"].toArray()) {
-            QJsonObject file = value.toObject();
-            file.remove("lines");
-            QStringList parts;
-            for (auto part = file.constBegin(); part != file.constEnd(); ++part)
-                parts += part.key() + ' ' + part.value().toVariant().toString();
-            texts += parts.join("; ").remove(m_series->root());
-        }
-        return texts;
-    }
-
-    QString changes() const
-    {
-        return QString::fromStdString(changesAsText(roundTrip(m_series->facts())));
-    }
-
     static QByteArray everyByte()
     {
         QByteArray bytes;
@@ -452,18 +386,6 @@ private:
             bytes +=
                 "Posix;" + QByteArray(1, char(i)) + ";;;;;;1;;" + QByteArray(1, char(i)) + "/x;y\n";
         return bytes;
-    }
-
-    static QString pairs(const std::vector<std::string>& first,
-                         const std::vector<std::string>& second)
-    {
-        const auto name = [](int place) {
-            return place < 0 ? QString("?") : QString::number(place);
-        };
-        QStringList texts;
-        for (const AlignedPair& pair : align(first, second))
-            texts += name(pair.first) + '-' + name(pair.second);
-        return texts.join(' ');
     }
 
     QScopedPointer<SeriesFolder> m_series;

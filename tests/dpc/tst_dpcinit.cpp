@@ -101,13 +101,24 @@ private slots:
         QCOMPARE(test::entriesOf(m_series->root() + "_wait"), QStringList{"a.dpc"});
     }
 
+    void aFolderInPlaceOfASourceIsNotDestroyed()
+    {
+        QVERIFY(QFile::rename(m_series->root() + "a.dpc", m_series->root() + "_wait/a.dpc"));
+        QVERIFY(QDir(m_series->root()).mkdir("s_1.dat"));
+        QCOMPARE(m_dpc.run("init " + m_series->root() + "_wait/a.dpc").code, 0);
+    }
+
     /// It is empty, and only there to have its folder made.
     void aDummyFileThatIsThereIsNotDestroyed()
     {
         m_series->put("a.dpc", goodLine({{10, "[cfgPath]/s"}, {11, "[cfgPath]/out/x"}}));
         QVERIFY(QFile::rename(m_series->root() + "a.dpc", m_series->root() + "_wait/a.dpc"));
-        m_series->put("out/dummyFile", "");
-        QCOMPARE(run("init --write").code, 0);
+        for (const char* content : {"", "\n"}) {
+            m_series->put("out/dummyFile", content);
+            QCOMPARE(run("init --write").code, 0);
+        }
+        m_series->put("out/dummyFile", "ab");
+        QVERIFY(run("init").err.contains("which is there already, with 2 bytes"));
         m_series->put("out/dummyFile", "notes");
         const DpcRun::Result result = run("init --write");
         QCOMPARE(result.code, 1);

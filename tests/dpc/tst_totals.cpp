@@ -67,6 +67,9 @@ private slots:
         row("10", "-64", "1024", "1", 0);
         row("10", "64", "-1024", "1", 0);
         row("10", "64", "1024", "-1", 0);
+        // The last that fits into 64 bits, and the first that does not.
+        row("4096", "1", "1048576", "2147483647", 9223372032559808512);
+        row("4097", "1", "1048576", "2147483647", std::numeric_limits<qint64>::max());
     }
 
     void eachChunkWaits()
