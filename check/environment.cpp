@@ -122,10 +122,8 @@ std::optional<DiskSpace> space(const QString& path)
     struct stat status = {};
     if (::stat(place.constData(), &status) != 0)
         place = nearestFolder(place);
-    if (::stat(place.constData(), &status) != 0)
-        return std::nullopt;
     struct statvfs system = {};
-    if (::statvfs(place.constData(), &system) != 0)
+    if (::stat(place.constData(), &status) != 0 || ::statvfs(place.constData(), &system) != 0)
         return std::nullopt;
     const auto free = static_cast<quint64>(system.f_bavail) * system.f_frsize;
     return DiskSpace{status.st_dev, static_cast<qint64>(free)};

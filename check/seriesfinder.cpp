@@ -91,15 +91,6 @@ SeriesSearch searchFolder(const QString& path)
     return search;
 }
 
-/// The sentence that a file does not exist, or the reason why that is unknown.
-std::string whyMissing(const QString& path, const char* sentence)
-{
-    const PathStatus status = realEnvironment().look(path);
-    if (status.isHidden)
-        return fmt::format("{} can't be read: {}", quoted(path), status.whyUnreadable);
-    return fmt::format(fmt::runtime(sentence), quoted(path));
-}
-
 SeriesSearch searchFile(const QString& path)
 {
     const QString file = absolute(path);
@@ -110,13 +101,14 @@ SeriesSearch searchFile(const QString& path)
     if (!file.endsWith(extension))
         return problem(exists ? fmt::format("{} is not a config file: its name does not end in {}",
                                             quoted(path), configFileExtension)
-                              : whyMissing(path, "{} does not exist"));
+                              : fmt::format("{} does not exist", quoted(path)));
     const SeriesName name = seriesNameForLoading(file);
     if (exists && !belongsTo(name, file.mid(file.lastIndexOf('/') + 1)))
         return problem(fmt::format("the editor would not load {}: by its name it looks for {}",
                                    quoted(path), quoted(name.baseName + extension)));
     if (!exists && !anyExists(name))
-        return problem(whyMissing(path, "{} does not exist, nor does another file of its series"));
+        return problem(
+            fmt::format("{} does not exist, nor does another file of its series", quoted(path)));
     return {{{name, path.left(path.lastIndexOf('/') + 1)}}, {}, {}};
 }
 

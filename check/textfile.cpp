@@ -27,9 +27,11 @@ TextFile readTextFile(const QString& path)
     if (!status.whyUnreadable.empty())
         return {{}, status.whyUnreadable};
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    const bool isOpen = file.open(QIODevice::ReadOnly);
+    const QByteArray bytes = isOpen ? file.read(maxTextFile + 1) : QByteArray();
+    // A part of a file must not pass for the whole.
+    if (file.error() != QFileDevice::NoError)
         return {{}, file.errorString().toStdString()};
-    const QByteArray bytes = file.read(maxTextFile + 1);
     if (bytes.size() > maxTextFile)
         return {{}, "it is larger than 16 MiB"};
     QTextCodec::ConverterState state;

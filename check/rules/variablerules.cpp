@@ -16,31 +16,31 @@
 
 namespace {
 
-/// The variable whose name, without its brackets, the text begins with, in whatever capitals; else
-/// null.
-const char* variableAtStart(const QByteArray& text)
+/// The longest variable whose name, without its brackets and in small letters, is the part of that
+/// length which `part` takes of a text; null if there is none.
+template <typename Part>
+const char* longestVariable(const Part& part)
 {
     const char* longest = nullptr;
     for (const char* variable : pathVariables) {
-        const QByteArray name = QByteArray(variable).mid(1).chopped(1);
-        if (text.left(name.size()).toLower() == name.toLower() &&
-            (longest == nullptr || qstrlen(variable) > qstrlen(longest)))
+        const QByteArray name = QByteArray(variable).mid(1).chopped(1).toLower();
+        const bool isLonger = longest == nullptr || qstrlen(variable) > qstrlen(longest);
+        if (isLonger && part(name.size()) == name)
             longest = variable;
     }
     return longest;
 }
 
+/// The variable whose name the text begins with, in whatever capitals; else null.
+const char* variableAtStart(const QByteArray& text)
+{
+    return longestVariable([small = text.toLower()](int size) { return small.left(size); });
+}
+
 /// The same for the end of a text.
 const char* variableAtEnd(const QByteArray& text)
 {
-    const char* longest = nullptr;
-    for (const char* variable : pathVariables) {
-        const QByteArray name = QByteArray(variable).mid(1).chopped(1);
-        if (text.right(name.size()).toLower() == name.toLower() &&
-            (longest == nullptr || qstrlen(variable) > qstrlen(longest)))
-            longest = variable;
-    }
-    return longest;
+    return longestVariable([small = text.toLower()](int size) { return small.right(size); });
 }
 
 /// A path, or a marker, in which variables are looked for.

@@ -4,6 +4,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 class TestMachines : public QObject
@@ -101,6 +102,11 @@ private slots:
         QTest::newRow("separator") << "pc/1"
                                    << QString("'pc/1' holds a separator of folders, and is not "
                                               "the name of a machine");
+        QTest::newRow("backslash") << "pc\\1"
+                                   << QString("'pc\\1' holds a separator of folders, and is not "
+                                              "the name of a machine");
+        QTest::newRow("one too many beside a range") << "pc[1-100000],x"
+                                                     << "more than 100000 machines";
         QTest::newRow("long name") << longName
                                    << QString("'%1...%2' is longer than 253 characters")
                                           .arg(longName.left(80), longName.right(80));
@@ -144,6 +150,17 @@ private slots:
         QCOMPARE(list.machines[4].temp, QString("/t#1"));
     }
 
+    void machineThatIsNamedTwiceAlikeCountsOnce()
+    {
+        const MachineList list =
+            inFile("pc1=ip:a,1 temp=/t\npc1=ip:a,1\npc1 temp=/t\npc1\npc1=ip:a,1 temp=/t\n");
+        QCOMPARE(list.problem, std::string());
+        QCOMPARE(list.machines.size(), size_t(1));
+        QCOMPARE(list.machines.front().address, QString("ip:a,1"));
+        QCOMPARE(list.machines.front().temp, QString("/t"));
+        QCOMPARE(list.repeatedCount, 4);
+    }
+
     void fileThatCannotBeUsedSaysWhy_data()
     {
         QTest::addColumn<QByteArray>("content");
@@ -178,6 +195,12 @@ private slots:
         QTest::newRow("two addresses")
             << QByteArray("pc1=ip:a,1\npc2\npc1=ip:b,1\n")
             << ", line 3: 'pc1' is there twice, with another address or folder";
+        QTest::newRow("address after none")
+            << QByteArray("pc1\npc1=ip:a,1\n")
+            << ", line 2: 'pc1' is there twice, with another address or folder";
+        QTest::newRow("two folders")
+            << QByteArray("pc1 temp=/a\npc1 temp=/b\n")
+            << ", line 2: 'pc1' is there twice, with another address or folder";
         QTest::newRow("folder after a range")
             << QByteArray("pc[1-9]\npc7 temp=/scratch\n")
             << ", line 2: 'pc7' is there twice, with another address or folder";
@@ -205,6 +228,44 @@ private slots:
                     .endsWith("can't be read: it is a folder"));
         QVERIFY(QString::fromStdString(machinesInFile(m_folder.filePath("none")).problem)
                     .endsWith("can't be read: it does not exist"));
+    }
+
+    /// A part of a list, or an empty one, must not pass for the whole.
+    void fileThatFailsWhileItIsReadSaysWhy()
+    {
+        QVERIFY(QFile::link("/proc/self/mem", m_folder.filePath("mem")));
+        QCOMPARE(QString::fromStdString(machinesInFile(m_folder.filePath("mem")).problem),
+                 '\'' + m_folder.filePath("mem") + "' can't be read: Input/output error");
+    }
+
+    void fileThatCannotBeOpenedSaysWhy()
+    {
+        test::put(path(), "pc1\n");
+        rlimit before = {};
+        QCOMPARE(::getrlimit(RLIMIT_NOFILE, &before), 0);
+        const rlimit none = {0, before.rlim_max};
+        QCOMPARE(::setrlimit(RLIMIT_NOFILE, &none), 0);
+        const MachineList list = machinesInFile(path());
+        QCOMPARE(::setrlimit(RLIMIT_NOFILE, &before), 0);
+        QCOMPARE(QString::fromStdString(list.problem),
+                 '\'' + path() + "' can't be read: Too many open files");
+        QVERIFY(list.machines.empty());
+    }
+
+    void longestNameAndLargestFileAreTaken()
+    {
+        const QString longest(253, 'x');
+        QCOMPARE(machinesNamed({longest}).names(), QStringList{longest});
+        QVERIFY(!machinesNamed({longest + 'x'}).problem.empty());
+        constexpr int mostBytes = 16 * 1024 * 1024;
+        QCOMPARE(inFile("pc1" + QByteArray(mostBytes - 3, ' ')).names(), QStringList{"pc1"});
+    }
+
+    void mostMachinesInOnePart()
+    {
+        QCOMPARE(machinesNamed({"pc[1-100000]"}).names().size(), maxMachines);
+        // A name that is there already does not count again.
+        QCOMPARE(machinesNamed({"pc[1-100000],pc7"}).names().size(), maxMachines);
     }
 
     void nothingOfALongFileIsDropped()

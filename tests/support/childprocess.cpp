@@ -1,10 +1,9 @@
 #include "tests/support/childprocess.h"
 
-#include <QtGlobal>
-
 #include <cerrno>
 #include <cstdlib>
 #include <grp.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -60,6 +59,24 @@ bool runWithoutRights(const std::function<void()>& work, gid_t group)
         giveUpRights(group);
         work();
     });
+}
+
+WithoutRights::WithoutRights()
+    : m_wasRoot(::geteuid() == 0)
+{
+    // The real user as well, whose rights access() tells.
+    if (m_wasRoot && ::setresuid(nobody, nobody, 0) != 0)
+        ::abort();
+}
+
+WithoutRights::~WithoutRights()
+{
+    if (!m_wasRoot)
+        return;
+    if (::setresuid(0, 0, 0) != 0)
+        ::abort();
+    // Switched off by the other user; LeakSanitizer looks into the process at its end.
+    ::prctl(PR_SET_DUMPABLE, 1);
 }
 
 } // namespace test

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 #include <functional>
 #include <sys/types.h>
 
@@ -32,5 +34,18 @@ void giveUpRights(gid_t group = nobody);
 /// runInChild by a user who may write only what everybody may, or the given group. Root becomes
 /// "nobody" for it, because the system checks no permissions for root.
 bool runWithoutRights(const std::function<void()>& work, gid_t group = nobody);
+
+/// Root is "nobody" as long as this lives, in the test program itself: what it reaches counts as
+/// covered, and all checks of a test can be used. The group stays. Other users stay.
+class WithoutRights
+{
+public:
+    WithoutRights();
+    ~WithoutRights();
+    Q_DISABLE_COPY_MOVE(WithoutRights)
+
+private:
+    bool m_wasRoot;
+};
 
 } // namespace test
