@@ -18,6 +18,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sys/stat.h>
+
 /// A Read task whose log and .csv file differ on each machine.
 inline TestTask readingTask(const char* source)
 {
@@ -63,6 +65,13 @@ public:
         if (!QDir().mkpath(QFileInfo(m_root + name).path()))
             qFatal("can't make a folder for the test");
         test::put(m_root + name, content);
+    }
+
+    /// Of a file or folder that is there; of the folder itself if the name is empty.
+    void setRights(const QString& name, mode_t mode)
+    {
+        if (::chmod(QFile::encodeName(m_root + name).constData(), mode) != 0)
+            qFatal("can't change rights for the test");
     }
 
     /// A file that rules find on the disk, or a folder if it ends in "/"; the folders above it are

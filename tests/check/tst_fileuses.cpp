@@ -269,6 +269,19 @@ private slots:
         QCOMPARE(uses.pathOn(uses.use(0, DestPath, 1), 1), QByteArray("/d/pc111"));
     }
 
+    /// The table of the names on all machines has an end; two machines are always compared.
+    void machinesAreLimitedByTheirNames()
+    {
+        QStringList hosts;
+        for (int i = 0; i < 3001; ++i)
+            hosts += QStringLiteral("m%1").arg(i);
+        const QByteArray lines = copying("MEMORY", "/d/[host]_[iter]", 100);
+        const FileUses& uses = m_fixture->uses(lines, hosts);
+        QCOMPARE(uses.machines().size(), size_t(3000));
+        QCOMPARE(uses.givenMachines(), 3001);
+        QCOMPARE(m_fixture->uses(copying("MEMORY", "/d/x"), hosts).machines().size(), size_t(3001));
+    }
+
     void machinesOfOneNameHaveOneFile()
     {
         const FileUses& uses =

@@ -187,6 +187,57 @@ private slots:
         QVERIFY(m_series->text("init-outdated").contains("load and save the series again"));
     }
 
+    void saveIsNotAdvisedForASeriesThatIsTooLongToLoad()
+    {
+        m_series->put("a_init.dpc", "");
+        m_series->put("a.dpc", goodLine({{10, "[cfgPath]/s.dat"}}).repeated(3));
+        m_series->options().limits.entries = 2;
+        QVERIFY(m_series->text("source-missing").contains("(the series is too long to load)"));
+        m_series->options().limits.entries = 3;
+        QVERIFY(m_series->text("source-missing").contains("load and save the series again"));
+    }
+
+    /// Two spellings, of which each is a mistake of its own.
+    void folderThatLacksIsToldOfEachPathThatNeedsIt()
+    {
+        const QByteArray line = goodLine({{11, "[cfgPath]/o/x"},
+                                          {12, m_series->root().toLatin1() + "o/l.txt"},
+                                          {13, "[cfgPath]/c.csv"}});
+        m_series->put("a.dpc", line);
+        m_series->put("a_init.dpc", "");
+        QCOMPARE(m_series->said({"init-outdated"}).size(), 2);
+        QVERIFY(QDir(m_series->root()).mkdir("o"));
+        QCOMPARE(m_series->said({"init-outdated"}), QStringList());
+    }
+
+    void lineForNoTaskOfAnyConfigFileIsUnneeded()
+    {
+        m_series->put("a.dpc", "# info\n" + goodLine() + "[cfgPath]/a1.dpc\n");
+        m_series->put("a1.dpc", goodLine({{10, "[cfgPath]/s1.dat"}}));
+        m_series->put("a_init.dpc", lineTo("[cfgPath]/s1.dat").toLatin1() +
+                                        lineTo("[cfgPath]/s2.dat").toLatin1());
+        QCOMPARE(m_series->said({"init-unneeded"}), QStringList{"a_init.dpc:2:1 init-unneeded"});
+    }
+
+    /// Their names would fill the memory.
+    void foldersOfALargeInitFileAreTakenForMade()
+    {
+        const auto deep = [](int i) {
+            const QByteArray folder = '/' + QByteArray::number(i);
+            return lineTo(folder + QByteArray("/a").repeated(240) + "/x").toLatin1();
+        };
+        m_series->options().rulesOff = {ruleNamed("init-unneeded")};
+        QByteArray init;
+        for (int i = 0; i < 100; ++i)
+            init += deep(i);
+        m_series->put("a_init.dpc", init);
+        QCOMPARE(m_series->hits("init-outdated", goodLine()), 1);
+        for (int i = 100; i < 200; ++i)
+            init += deep(i);
+        m_series->put("a_init.dpc", init);
+        QCOMPARE(m_series->hits("init-outdated", goodLine()), 0);
+    }
+
     void namesOfOtherMachinesAreNotCompared()
     {
         TestTask task = readingTask("[cfgPath]/s.dat");

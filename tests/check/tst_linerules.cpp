@@ -84,6 +84,8 @@ private slots:
         row("split twice, with an empty line", "split-line",
             split("/d/x.dat;/d/", "/d/x.dat\n\n;/d/\n"),
             goodLine({{1, "Posx"}}) + goodLine().left(60) + '\n');
+        row("split line without its last separator", "split-line", split(";true;", "\n;true"),
+            split(";true;", "").replace(";/d/[", ";\n/d/["));
         row("cache mode of another method", "cache-mode", goodLine({{1, "Stream"}, {9, "4"}}),
             goodLine({{1, "System"}, {9, "4"}}));
         row("cache mode of Windows", "cache-mode", goodLine({{9, "1"}}), goodLine({{9, "3"}}));
@@ -123,6 +125,12 @@ private slots:
         QCOMPARE(m_series->said({"split-line", "bad-line", "missing-fields"}),
                  QStringList{"a.dpc:1:58 split-line"});
         QVERIFY(m_series->text("split-line").contains("goes on to line 2"));
+        // The line of another file does not go on.
+        const QByteArray halves = split("/d/[host].txt", "/d/\n[host].txt");
+        m_series->put("a.dpc", halves.left(halves.indexOf('\n') + 1));
+        m_series->put("a1.dpc", halves.mid(halves.indexOf('\n') + 1));
+        QCOMPARE(m_series->said({"split-line", "bad-line"}), QStringList{"a1.dpc:1:1 bad-line"});
+        QVERIFY(QFile::remove(m_series->root() + "a1.dpc"));
         // In the _init file, in which the line may be a comment as well.
         m_series->put("a.dpc", goodLine());
         m_series->put("a_init.dpc", "# " + split("/d/x.dat", "/d/x.dat\n"));

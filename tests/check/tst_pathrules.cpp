@@ -219,6 +219,46 @@ private slots:
         QVERIFY(m_series->text("relative-path").contains("write MEMORY in capitals"));
     }
 
+    void variableThatLacksABracketIsTheLongestOfItsName()
+    {
+        const auto isMeant = [&](const QByteArray& name, const char* variable) {
+            m_series->put("a.dpc", writing("/d/" + name));
+            return m_series->text("unknown-variable")
+                .contains(QStringLiteral("is missing (did you mean %1?)").arg(variable));
+        };
+        QVERIFY(isMeant("[cfgnameid.dat", "[cfgNameID]"));
+        QVERIFY(isMeant("[CfgName.dat", "[cfgName]"));
+        QVERIFY(isMeant("x_cfgNameID].dat", "[cfgNameID]"));
+        QVERIFY(isMeant("x_CFGNAME].dat", "[cfgName]"));
+        QCOMPARE(m_series->hits("unknown-variable", writing("/d/[cfgN.dat")), 0);
+        QCOMPARE(m_series->hits("unknown-variable", writing("/d/host.dat")), 0);
+    }
+
+    /// The name of each is looked for on the disk, so that there is an end to it.
+    void manyUnknownVariablesAreCounted()
+    {
+        m_series->put("a.dpc", writing("/d/[user]").repeated(maxFindingsPerRule + 3));
+        const QStringList said = m_series->said({"unknown-variable"});
+        QCOMPARE(said.size(), maxFindingsPerRule + 1);
+        QCOMPARE(said.last(), QString("a.dpc:%1:49 unknown-variable").arg(maxFindingsPerRule + 1));
+        const auto findings = m_series->findings();
+        const auto last = std::find_if(findings.begin(), findings.end(), [](const Finding& f) {
+            return f.rule == ruleNamed("unknown-variable") && f.more > 0;
+        });
+        QVERIFY(last != findings.end());
+        QCOMPARE(last->more, 3);
+    }
+
+    void nameInBracketsThatIsThereIsNoVariable()
+    {
+        m_series->setExisting("/d/[user]/");
+        m_series->setExisting("/d/[old].dat");
+        for (const char* name : {"/d/[user]/x", "/d/[user]/x/y", "/d/[old].dat"})
+            QCOMPARE(m_series->hits("unknown-variable", writing(name)), 0);
+        for (const char* name : {"/d/[users]/x", "/d/[old].dat2", "/d/[user]x"})
+            QCOMPARE(m_series->hits("unknown-variable", writing(name)), 1);
+    }
+
     /// One mistake, which has one finding beside that of the folder.
     void otherNotationInPlaceOfAFolder()
     {

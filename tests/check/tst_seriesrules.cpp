@@ -1,8 +1,5 @@
 #include "model/pathvariables.h"
 #include "tests/check/seriesfolder.h"
-#include "tests/support/childprocess.h"
-
-#include <sys/stat.h>
 
 class TestSeriesRules : public QObject
 {
@@ -178,83 +175,6 @@ private slots:
         QCOMPARE(m_series->hits("empty-file", "[cfgPath]/a1.dpc\n"), 0);
     }
 
-    void fileThatCannotBeRead()
-    {
-        m_series->put("a.dpc", goodLine() + "[cfgPath]/a1.dpc\n");
-        QVERIFY(QDir(m_series->root()).mkdir("a1.dpc"));
-        QCOMPARE(m_series->said({"unreadable"}), QStringList{"a1.dpc:1:1 unreadable"});
-        // Chosen itself, a folder is a folder to look for series in.
-        QVERIFY(!checkAll({m_series->root() + "a1.dpc"}, m_series->options()).problems.empty());
-    }
-
-    void whyAFileCannotBeRead()
-    {
-        m_series->put("a.dpc", goodLine() + "[cfgPath]/a1.dpc\n");
-        const QString next = m_series->root() + "a1.dpc";
-        QVERIFY(QDir(m_series->root()).mkdir("a1.dpc"));
-        QVERIFY(m_series->text("unreadable").contains("it is a folder"));
-        // A file that can't be read may hold a marker.
-        m_series->put("a2.dpc", goodLine());
-        QCOMPARE(m_series->said({"leftover"}), QStringList());
-        QVERIFY(QDir(m_series->root()).rmdir("a1.dpc"));
-        QVERIFY(QFile::link("nowhere", next));
-        QVERIFY(m_series->text("unreadable").contains("it is a link that leads nowhere"));
-        QVERIFY(QFile::remove(next));
-        QCOMPARE(::mkfifo(QFile::encodeName(next).constData(), 0600), 0);
-        QVERIFY(m_series->text("unreadable").contains("it is a pipe"));
-    }
-
-    void waitFolderThatIsNotAFolder()
-    {
-        m_series->put("a.dpc", goodLine({{12, ""}, {13, ""}}));
-        QVERIFY(QDir(m_series->root()).rmdir("_wait"));
-        QCOMPARE(m_series->said({"unreadable"}), QStringList());
-        m_series->put("_wait", "");
-        QCOMPARE(m_series->said({"unreadable"}), QStringList{"_wait:1:1 unreadable"});
-        QVERIFY(m_series->text("unreadable").contains("it is a file"));
-        QVERIFY(QFile::remove(m_series->root() + "_wait"));
-        QVERIFY(QFile::link("nowhere", m_series->root() + "_wait"));
-        QVERIFY(m_series->text("unreadable").contains("it is a link that leads nowhere"));
-    }
-
-    void whatIsForbiddenIsTold()
-    {
-        m_series->put("_wait/a.dpc", goodLine() + "[cfgPath]/_wait/a1.dpc\n");
-        m_series->put("_wait/a1.dpc", goodLine());
-        m_series->put("a.dpc", goodLine() + "[cfgPath]/_wait/a1.dpc\n");
-        QCOMPARE(::chmod(QFile::encodeName(m_series->root()).constData(), 0755), 0);
-        QCOMPARE(::chmod(QFile::encodeName(m_series->root() + "_wait").constData(), 0), 0);
-        QVERIFY(test::runWithoutRights([&] {
-            const QStringList said = m_series->said({"unreadable", "last-marker", "number-gap"});
-            if (said != QStringList{"_wait/:1:1 unreadable"} ||
-                !m_series->text("unreadable").contains("you have no right to look into it"))
-                ::abort();
-        }));
-        QCOMPARE(::chmod(QFile::encodeName(m_series->root() + "_wait").constData(), 0700), 0);
-        QCOMPARE(::chmod(QFile::encodeName(m_series->root() + "a.dpc").constData(), 0), 0);
-        QVERIFY(test::runWithoutRights([&] {
-            if (!m_series->text("unreadable", "").contains("you have no right to read it"))
-                ::abort();
-        }));
-    }
-
-    void folderWithoutRightsIsAProblem()
-    {
-        m_series->put("closed/a.dpc", goodLine());
-        const QString closed = m_series->root() + "closed";
-        QCOMPARE(::chmod(QFile::encodeName(m_series->root()).constData(), 0755), 0);
-        QCOMPARE(::chmod(QFile::encodeName(closed).constData(), 0), 0);
-        QVERIFY(test::runWithoutRights([&] {
-            for (const QString& path : {closed, closed + "/a.dpc", closed + "/none"}) {
-                const auto problems = checkAll({path}, m_series->options()).problems;
-                if (problems.size() != 1 ||
-                    problems.front().find("you have no right to look into") == std::string::npos)
-                    ::abort();
-            }
-        }));
-        QCOMPARE(::chmod(QFile::encodeName(closed).constData(), 0700), 0);
-    }
-
     /// The folder and its "_wait" hold one series.
     void seriesThatIsNamedTwiceIsCheckedOnce()
     {
@@ -300,15 +220,6 @@ private slots:
                                        [](const Finding& finding) { return finding.more > 0; });
         QVERIFY(last != findings.end());
         QCOMPARE(last->severity, Severity::Error);
-    }
-
-    void linkThatLeadsNowhere()
-    {
-        m_series->put("a.dpc", goodLine() + "[cfgPath]/a1.dpc\n");
-        QVERIFY(QFile::link("nowhere", m_series->root() + "a1.dpc"));
-        QCOMPARE(m_series->said({"unreadable"}), QStringList{"a1.dpc:1:1 unreadable"});
-        QVERIFY(QFile::remove(m_series->root() + "a.dpc"));
-        QCOMPARE(m_series->said({"unreadable"}, ""), QStringList{"a1.dpc:1:1 unreadable"});
     }
 
     void moreThanCanBeChecked()

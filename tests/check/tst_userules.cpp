@@ -184,6 +184,11 @@ private slots:
             writing("[cfgPath]/o[iter]", 1024, 11) + writing("[cfgPath]/o1[iter]", 1024, 1),
             writing("[cfgPath]/o[iter]", 1024, 3) + writing("[cfgPath]/o[iter]", 1024, 3) +
                 writing("[cfgPath]/o2"));
+        row("number of the task that is left again", "names-meet",
+            writing("[cfgPath]/[cfgTaskID]/../x") + writing("[cfgPath]/[cfgTaskID]/../x", 2048),
+            writing("[cfgPath]/[cfgTaskID]x") + writing("[cfgPath]/[cfgTaskID]x", 2048));
+        row("number of the iteration that is left again", "names-meet",
+            writing("[cfgPath]/[iter]/../x", 1024, 2), writing("[cfgPath]/[iter]/../x", 1024, 1));
         row("destination ends in a separator", "file-is-folder", writing("[cfgPath]/out/"),
             writing("[cfgPath]/out"));
         row("destination ends in a backslash", "file-is-folder", writing("C:\\out\\"),
