@@ -128,9 +128,9 @@ KeyedPath FileKeys::find(const QByteArray& path, bool isHere)
     // On Linux a "\" may be part of a name; on Windows it never is.
     if (text.contains('\\') && !(found.isSeen && m_environment.exists(toQString(text))))
         text = resolvedPath(withSlashes(text));
-    const char last = path.isEmpty() ? '\0' : path[path.size() - 1];
     const QByteArray lastName = text.mid(nameStart(text));
-    found.namesFolder = isSeparator(last) || lastName == "." || lastName == "..";
+    found.namesFolder =
+        path.endsWith('/') || path.endsWith('\\') || lastName == "." || lastName == "..";
     while (text.size() > 1 && text.endsWith('/'))
         text.chop(1);
     found.namesFolder = found.namesFolder || (isForeignPath(path) && isForeignRoot(text));

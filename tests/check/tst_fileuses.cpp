@@ -166,6 +166,11 @@ private slots:
         row("\\e\\x", "C:\\e\\x", false);
         row("\\e\\x", "[cfgPath]/x", false);
         row("//nas/e/x", "/nas/e/x", false);
+        row("///nas/e/x", "/nas/e/x", true);
+        row("\\\\.\\C:\\e\\x", "C:\\e\\x", true);
+        row("C:\\e\\x ", "C:\\e\\x", true);
+        row("C:\\e \\x", "C:\\e\\x", true);
+        row("C:\\e\\ x", "C:\\e\\x", false);
     }
 
     void spellingsOfOneFile()
@@ -187,6 +192,17 @@ private slots:
         m_fixture->setFile("/d/y", 1, "/d/x");
         QVERIFY(m_fixture->areSame("/l/x", "/d/x"));
         QVERIFY(m_fixture->areSame("/l/x", "/d/y"));
+    }
+
+    /// On Linux a name may hold it.
+    void backslashIsASeparatorUnlessAFileIsCalledSo()
+    {
+        QVERIFY(m_fixture->areSame("/d/a\\b", "/d/a/b"));
+        QVERIFY(m_fixture->areSame("[temp]\\a\\b", "[temp]/a/b", {"pc1", "pc2"}));
+        m_fixture->setFolder("/d");
+        m_fixture->setFile("/d/a\\b", 1);
+        QVERIFY(!m_fixture->areSame("/d/a\\b", "/d/a/b"));
+        QVERIFY(m_fixture->areSame("/d/a\\c", "/d/a/c"));
     }
 
     void hardLinksAreOneFile()

@@ -146,6 +146,25 @@ private slots:
         QCOMPARE(m_series->errorsAndWarnings(), QStringList{"a.dpc:2:42 source-size"});
     }
 
+    void sourceThatIsMadeTwiceInOneSizeIsNoFinding()
+    {
+        const QByteArray full = m_series->root().toLatin1() + "s.dat";
+        m_series->put("a.dpc", reading("[cfgPath]/s.dat"));
+        m_series->put("a_init.dpc", making("[cfgPath]/s.dat") + making(full) + dummy);
+        QCOMPARE(m_series->errorsAndWarnings(), QStringList());
+        m_series->put("a_init.dpc", making("[cfgPath]/s.dat") + making(full, 1025) + dummy);
+        QCOMPARE(m_series->errorsAndWarnings().size(), 1);
+    }
+
+    void sourcesOfAllIterationsInTwoSizesAreOneFinding()
+    {
+        const QByteArray made = making("[cfgPath]/s0.dat") + making("[cfgPath]/s1.dat");
+        m_series->put("a_init.dpc", made + dummy);
+        m_series->put("a.dpc", reading("[cfgPath]/s[iter].dat", 1024, 2) +
+                                   reading("[cfgPath]/s[iter].dat", 2048, 2));
+        QCOMPARE(m_series->said({"source-size"}), QStringList{"a.dpc:2:42 source-size"});
+    }
+
     /// Two spellings, of which the first load out of "_wait" took one for missing.
     void fileThatIsMadeAnewIsOneFinding()
     {

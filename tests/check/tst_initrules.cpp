@@ -280,6 +280,11 @@ private slots:
         m_series->put("a_init.dpc", lineTo("[cfgPath]/o").toLatin1());
         m_series->put("a.dpc", writing("[cfgPath]/o/x"));
         QCOMPARE(m_series->errorsAndWarnings(), QStringList{"a.dpc:1:46 folder-is-file"});
+        m_series->put("a_init.dpc", "# " + lineTo("[cfgPath]/o").toLatin1());
+        QCOMPARE(m_series->said({"folder-is-file"}), QStringList());
+        m_series->put("a_init.dpc", "");
+        QVERIFY(QFile::link("nowhere", m_series->root() + "o"));
+        QCOMPARE(m_series->said({"folder-is-file"}), QStringList());
 
         QVERIFY(QFile::remove(m_series->root() + "a_init.dpc"));
         QVERIFY(QDir(m_series->root()).mkdir("a_init.dpc"));
@@ -307,6 +312,28 @@ private slots:
             QCOMPARE(m_series->said({"source-missing", "init-place"}, chosen),
                      (QStringList{"_wait/a.dpc:3:55 source-missing",
                                   "_wait/a_init.dpc:1:1 init-place"}));
+    }
+
+    /// The path of each file is one that the user can open from where the check was started.
+    void initFileIsShownFromInsideOfWait()
+    {
+        m_series->put("_wait/a.dpc", goodLine());
+        m_series->put("a_init.dpc", "Posx\n");
+        const auto shown = [&](const QString& path) {
+            for (const Finding& finding : checkAll({path}, m_series->options()).findings) {
+                if (finding.rule == ruleNamed("bad-line"))
+                    return finding.path;
+            }
+            return QString();
+        };
+        const QString before = QDir::currentPath();
+        QVERIFY(QDir::setCurrent(m_series->root() + "_wait"));
+        const QString inside = shown("a.dpc");
+        QVERIFY(QDir::setCurrent(m_series->root()));
+        const QString above = shown("_wait/a.dpc");
+        QVERIFY(QDir::setCurrent(before));
+        QCOMPARE(inside, QString("../a_init.dpc"));
+        QCOMPARE(above, QString("a_init.dpc"));
     }
 
 private:

@@ -66,6 +66,8 @@ private slots:
         row("long line", "long-line", "#" + QByteArray(1000, 'x') + '\n' + goodLine(),
             "#" + QByteArray(999, 'x') + '\n' + goodLine());
         row("line cut by a save", "long-line", cutLine(1000), cutLine(999));
+        row("line that a save just takes", "long-line", cutLine(1000),
+            paddedLine(1000) + '/' + QByteArray(995, 'x') + ".dpc\n");
         row("zero byte", "zero-byte", goodLine() + QByteArray("a\0b\n", 4));
         row("long path", "long-path", goodLine({{11, '/' + QByteArray(500, 'x')}}),
             goodLine({{11, '/' + QByteArray(248, 'x') + '/' + QByteArray(249, 'x')}}));
@@ -92,6 +94,9 @@ private slots:
         row("cache mode of Linux", "cache-mode",
             goodLine({{9, "3"}, {11, "C:\\x"}, {12, "C:\\l"}, {13, "C:\\c"}}),
             goodLine({{9, "2"}, {11, "C:\\x"}, {12, "C:\\l"}, {13, "C:\\c"}}));
+        row("cache mode of Linux on a share", "cache-mode",
+            goodLine({{9, "3"}, {11, "\\\\nas\\x"}, {12, "\\\\nas\\l"}, {13, "\\\\nas\\c"}}),
+            goodLine({{9, "2"}, {11, "\\\\nas\\x"}, {12, "\\\\nas\\l"}, {13, "\\\\nas\\c"}}));
         row("utf-8", "utf8-text", goodLine({{11, "/d/f\xC3\xBCr"}}), goodLine({{11, "/d/f\xFCr"}}));
         row("comment in utf-8", "utf8-text", "# f\xC3\xBCr\n" + goodLine(),
             "# f\xFCr\n" + goodLine());
@@ -201,6 +206,13 @@ private:
     {
         const QByteArray path = '/' + QByteArray(290, 'x');
         return goodLine({{10, path}, {11, path}, {12, path}, {13, path}}).left(length) + '\n';
+    }
+
+    /// A line of this length in which nothing lacks.
+    static QByteArray paddedLine(int length)
+    {
+        const QByteArray line = goodLine();
+        return goodLine({{14, QByteArray(length + 1 - line.size(), ' ') + "true"}});
     }
 
     /// The good line with a line end in it.

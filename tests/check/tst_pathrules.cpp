@@ -267,6 +267,11 @@ private slots:
             QCOMPARE(m_series->severity("other-notation"), Severity::Warning);
             QCOMPARE(m_series->hits("relative-path", writing(path)), 0);
         }
+        // A name in capitals after "$" is a variable; others are only if they are known.
+        for (const char* path : {"/d/$FOO", "/d/$FOO_1", "/d/$host"})
+            QCOMPARE(m_series->hits("other-notation", writing(path)), 1);
+        for (const char* path : {"/d/$foo", "/d/$_1", "/d/$", "/d/%FOO%", "/d/{foo}"})
+            QCOMPARE(m_series->hits("other-notation", writing(path)), 0);
         QCOMPARE(m_series->hits("other-notation", writing("/d/%temp%")), 1);
         QCOMPARE(m_series->severity("other-notation"), Severity::Note);
         QCOMPARE(m_series->hits("relative-path", writing("x/%temp%")), 1);

@@ -41,8 +41,8 @@ private slots:
             QCOMPARE(search.series.front().name.baseName, QString("a"));
         }
         put("b.dpc");
-        QCOMPARE(problemOf(m_root), "there are 2 series in '" + m_root +
-                                        "': name a file of the one that is meant");
+        QCOMPARE(problemOf(m_root),
+                 "there are 2 series in '" + m_root + "': name a file of the one that is meant");
         QVERIFY(findOneSeries(m_root).series.empty());
         QCOMPARE(findOneSeries(m_root + "b.dpc").series.front().name.baseName, QString("b"));
     }
@@ -79,6 +79,34 @@ private slots:
         for (const char* name : {"a.dpc", "a3.dpc", "a19.dpc"})
             QCOMPARE(findSeries(m_root + name).problem, std::string());
         QVERIFY(!findSeries(m_root + "b3.dpc").problem.empty());
+    }
+
+    /// The folder above reads the files in "_wait" as well, and not the other way round.
+    void seriesOfTheFolderAboveIsKept()
+    {
+        const FoundSeries above{{m_root, "a"}, "x/"};
+        const FoundSeries waiting{{m_root + "_wait/", "a"}, "y/"};
+        const FoundSeries again{{m_root + "_wait/", "a"}, "z/"};
+        const auto kept = [](const std::vector<FoundSeries>& all) {
+            QStringList folders;
+            for (const FoundSeries& series : withoutDuplicates(all))
+                folders += series.shownFolder;
+            return folders;
+        };
+        QCOMPARE(kept({above, waiting}), QStringList{"x/"});
+        QCOMPARE(kept({waiting, again, above}), QStringList{"x/"});
+        QCOMPARE(kept({waiting, again}), QStringList{"y/"});
+        QCOMPARE(kept({waiting, {{m_root, "b"}, "b/"}}), (QStringList{"y/", "b/"}));
+        QCOMPARE(kept({{{m_root, "a_init"}, "init/"}, above}), QStringList{"x/"});
+        QCOMPARE(kept({{{m_root, "b_init"}, "init/"}, above}), (QStringList{"init/", "x/"}));
+    }
+
+    void foldersThatDoNotExistAreNotTheSame()
+    {
+        const std::vector<FoundSeries> gone = {{{m_root + "one/", "a"}, "one/"},
+                                               {{m_root + "two/", "a"}, "two/"},
+                                               {{m_root + "one/", "a"}, "again/"}};
+        QCOMPARE(withoutDuplicates(gone).size(), size_t(2));
     }
 
 private:

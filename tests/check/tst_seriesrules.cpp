@@ -142,7 +142,6 @@ private slots:
         QCOMPARE(m_series->said({"bad-line"}), QStringList{"a.dpc:1:1 bad-line"});
     }
 
-    /// Two folders that do not exist are not the same one.
     void filesOfAnOlderLongerSeries()
     {
         m_series->save(

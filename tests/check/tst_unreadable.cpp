@@ -56,6 +56,8 @@ private slots:
         m_series->put("_wait", "");
         QCOMPARE(m_series->said({"unreadable"}), QStringList{"_wait:1:1 unreadable"});
         QVERIFY(m_series->text("unreadable").contains("it is a file"));
+        m_series->put("a.dpc", goodLine({{10, "[cfgPath]/s.dat"}}));
+        QVERIFY(m_series->text("source-missing").contains("(_wait can't be read)"));
         QVERIFY(QFile::remove(m_series->root() + "_wait"));
         QVERIFY(QFile::link("nowhere", m_series->root() + "_wait"));
         QVERIFY(m_series->text("unreadable").contains("it is a link that leads nowhere"));
@@ -144,7 +146,8 @@ private slots:
         QCOMPARE(m_series->said({"too-much"}), QStringList());
         QVERIFY(file.resize(64LL * 1024 * 1024 + 1));
         QCOMPARE(m_series->said({"too-much"}), QStringList{"a.dpc:2:1 too-much"});
-        QVERIFY(m_series->text("too-much").startsWith("only the first 64 MiB of the file are read"));
+        QVERIFY(
+            m_series->text("too-much").startsWith("only the first 64 MiB of the file are read"));
     }
 
     /// The beginning of a file must not pass for the whole.

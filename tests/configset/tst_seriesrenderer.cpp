@@ -390,6 +390,28 @@ private slots:
                                 "/log/dummyFile;  ;  ;  true;\n"));
     }
 
+    /// The marks of comments count.
+    void initFileEndsWithTheLineThatFillsIt()
+    {
+        constexpr int lineLength = 100;
+        constexpr int lines = maxConfigFile / lineLength;
+        const auto linesOf = [](int firstLength, bool exist) {
+            FileToCreateList list;
+            const int restLength = creatingLine({"/", "/", 0, false}).size() - 1;
+            for (int i = 0; i < lines + 2; ++i) {
+                const int length = (i == 0 ? firstLength : lineLength) - restLength;
+                const QString name = QStringLiteral("/%1").arg(i).leftJustified(length, 'n');
+                list.append({name, name, 0, false});
+            }
+            return renderInitFile(list, mytest, [exist](const QString&) { return exist; })
+                .content.count('\n');
+        };
+        QCOMPARE(linesOf(lineLength + 1, false), lines);
+        QCOMPARE(linesOf(lineLength, false), lines);
+        QCOMPARE(linesOf(lineLength - 1, false), lines + 1);
+        QCOMPARE(linesOf(lineLength - 1, true), lines);
+    }
+
     void initFileOfNothingIsEmpty()
     {
         QCOMPARE(renderInitFile({}, mytest, nothingExists).content, QString());
