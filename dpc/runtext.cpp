@@ -4,10 +4,12 @@
 #include "check/units.h"
 #include "dpc/table.h"
 
+#include <QHash>
 #include <QSet>
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <numeric>
 
 namespace {
 
@@ -57,19 +59,17 @@ struct Leavings
 Leavings leavingsOf(const RunResults& results)
 {
     const Plan& plan = *results.plan;
-    Leavings leavings;
-    QSet<QString> known;
-    for (size_t i = plan.jobs.size(); i > 0; --i) {
-        const PlanJob& job = plan.jobs[i - 1];
-        const JobResult& result = results.jobs[i - 1];
-        const QString key = QString::number(job.machine) + ':' + job.made();
-        if (job.made().isEmpty() || !result.hasBegun() || known.contains(key))
+    QHash<QString, qint64> sizes;
+    for (size_t i = 0; i < plan.jobs.size(); ++i) {
+        const PlanJob& job = plan.jobs[i];
+        const JobResult& result = results.jobs[i];
+        if (job.made().isEmpty() || !result.hasBegun())
             continue;
-        known.insert(key);
-        ++leavings.files;
-        leavings.bytes += *result.doneBytes;
+        // fio writes over a file in place: a shorter write leaves the end of a longer one.
+        qint64& size = sizes[QString::number(job.machine) + ':' + job.made()];
+        size = std::max(size, *result.doneBytes);
     }
-    return leavings;
+    return {sizes.size(), std::accumulate(sizes.begin(), sizes.end(), qint64(0))};
 }
 
 /// Folders that job files made on machines behind servers, for the logs of calls.

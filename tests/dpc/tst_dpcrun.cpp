@@ -24,6 +24,7 @@ private slots:
     void tellsOfADryRun();
     void tellsOfAnExport();
     void tellsOfAStageAlone();
+    void countsAFileOnceByItsLargestWrite();
     void tellsWhatMayBeOverwritten();
     void tellsHowFarItIs();
     void fitsItsProgressIntoTheTerminal_data();
@@ -115,6 +116,15 @@ void TestDpcRun::tellsOfAStageAlone()
     run({"--stage", "1"}, 0);
     QVERIFY(QDir(m_series->file("run")).removeRecursively());
     run({"--stage", "2"}, 2);
+}
+
+void TestDpcRun::countsAFileOnceByItsLargestWrite()
+{
+    m_series->putSeries({{SeriesRun::line("", "[cfgPath]/a.dat", 128)},
+                         {SeriesRun::line("", "[cfgPath]/a.dat", 64)}});
+    command({"run", "--to", m_series->file("run"), m_series->file("mytest.dpc")}, 0);
+    const QByteArray told = test::contentOf(m_tools.filePath("err"));
+    QVERIFY2(told.contains("\n1 file with 131072 bytes (0.1 MiB) stays behind;"), told);
 }
 
 void TestDpcRun::tellsWhatMayBeOverwritten()
