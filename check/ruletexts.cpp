@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cctype>
 
 namespace {
 
@@ -65,7 +66,7 @@ std::string indented(const std::string& text)
 
 std::string sentence(std::string clause)
 {
-    clause[0] = clause[0] >= 'a' && clause[0] <= 'z' ? char(clause[0] - 32) : clause[0];
+    clause[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(clause[0])));
     return clause + '.';
 }
 

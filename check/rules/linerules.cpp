@@ -285,8 +285,7 @@ constexpr Rule longFile = {
 /// A file that is full and has no line end was cut by a save.
 void checkFileSize(const FileFact& file, int index, Findings& findings)
 {
-    if (file.lineAtLimit == 0 || file.isCopy ||
-        (file.size == maxConfigFile && file.columnAtLimit == 1))
+    if (file.lineAtLimit == 0 || file.isCopy)
         return;
     Message message =
         file.size == maxConfigFile

@@ -165,6 +165,16 @@ private slots:
         QCOMPARE(m_series->said({"source-size"}), QStringList{"a.dpc:2:42 source-size"});
     }
 
+    void filesOfTheInitFileAreReadAsFarAsLinesAre()
+    {
+        m_series->put("a.dpc", reading("[cfgPath]/s2.dat"));
+        m_series->put("a_init.dpc", making("[cfgPath]/s1.dat") + making("[cfgPath]/s2.dat"));
+        m_series->options().limits.entries = 2;
+        QCOMPARE(m_series->said({"source-missing"}), QStringList());
+        m_series->options().limits.entries = 1;
+        QCOMPARE(m_series->said({"source-missing"}).size(), 1);
+    }
+
     /// Two spellings, of which the first load out of "_wait" took one for missing.
     void fileThatIsMadeAnewIsOneFinding()
     {

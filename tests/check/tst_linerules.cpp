@@ -79,6 +79,8 @@ private slots:
             '#' + QByteArray(maxConfigFile - 2, 'x'));
         row("full file with its line end", "long-file", '#' + QByteArray(4999, 'x') + "\n",
             '#' + QByteArray(4998, 'x') + "\n");
+        row("full file without its last line end", "long-file", '#' + QByteArray(4997, 'x') + "\n#",
+            '#' + QByteArray(4998, 'x') + "\n");
         row("same task", "same-task", goodLine() + goodLine(), goodLine() + goodLine({{8, "4"}}));
         row("split before a separator", "split-line", split(";/d/x", ";/d/x\n"));
         row("split inside of a path", "split-line", split("/d/[host].txt", "/d/\n[host].txt"));
@@ -141,6 +143,23 @@ private slots:
         m_series->put("a_init.dpc", "# " + split("/d/x.dat", "/d/x.dat\n"));
         QCOMPARE(m_series->said({"split-line", "bad-line"}),
                  QStringList{"a_init.dpc:1:56 split-line"});
+    }
+
+    /// As many as a load takes for the info text.
+    void commentsAreCountedUpTo5000()
+    {
+        const QByteArray bad("#\0\n", 3);
+        const auto count = [&](int comments) {
+            m_series->put("a.dpc", bad.repeated(comments) + goodLine());
+            for (const Finding& finding : m_series->findings()) {
+                if (finding.more > 0)
+                    return maxFindingsPerRule + finding.more;
+            }
+            return 0;
+        };
+        QCOMPARE(count(maxSeriesComments - 1), maxSeriesComments - 1);
+        QCOMPARE(count(maxSeriesComments), maxSeriesComments);
+        QCOMPARE(count(maxSeriesComments + 1), maxSeriesComments);
     }
 
     void severityIsThatOfTheHarm()

@@ -126,6 +126,28 @@ private slots:
         QCOMPARE(m_series->hits("dest-folder", reading("/d/s") + writing("/d/x_[host]")), 1);
     }
 
+    void sourcesThatEachMachineNeeds()
+    {
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+        const auto text = [&](const QByteArray& source) {
+            m_series->put("a.dpc", reading(source));
+            return m_series->text("source-local");
+        };
+        QVERIFY(text("/d/[host].dat").contains("not there on pc1, pc2: "));
+        QVERIFY(text("[temp]/s.dat").contains("not there on pc1, pc2: "));
+        m_series->setExisting("/d/pc1.dat", 1);
+        QVERIFY(text("/d/[host].dat").contains("not there on pc2: "));
+        m_series->setExisting("/d/pc2.dat", 1);
+        QCOMPARE(text("/d/[host].dat"), QString());
+        // On a file server they can't be looked for.
+        QCOMPARE(text("//nas/e/[host].dat"), QString());
+        const QByteArray both = writing("[temp]/s.dat") + reading("[temp]/s.dat");
+        QCOMPARE(m_series->hits("source-local", both), 0);
+        m_series->options().hosts.clear();
+        QCOMPARE(m_series->hits("source-local", both), 0);
+        QVERIFY(text("[temp]/s.dat").contains("is another file on each machine: "));
+    }
+
     void foldersThatEachMachineNeeds()
     {
         m_series->options().hosts = QStringList{"pc1", "pc2"};
@@ -143,6 +165,9 @@ private slots:
             m_series->options().hosts = QStringList{"pc1", "pc2"};
         }
         QCOMPARE(m_series->hits("dest-folder-local", writing("//nas/e/[host]/x")), 0);
+        // Nobody can look for the folder of a moment, nor into those of other machines.
+        for (const char* log : {"/d/[host]_[date]/l.txt", "[temp]/[host]/l.txt"})
+            QCOMPARE(m_series->hits("dest-folder-local", withLog("[cfgPath]/x_[host]", log)), 0);
         m_series->setExisting("/d/pc2/");
         for (const QByteArray& lines : all)
             QCOMPARE(m_series->hits("dest-folder-local", lines), 0);

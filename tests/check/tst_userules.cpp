@@ -436,6 +436,7 @@ private slots:
         row("[cfgPath]/x[cfgID][iter].dat", true);
         row("[cfgPath]/x[iter][cfgID].dat", true);
         row("[cfgPath]/[cfgNameID][iter].dat", true);
+        row("[cfgPath]/[cfgID]/../x.dat", true);
         row("[cfgPath]/x[iter][cfgNameID].dat", false);
         row("[cfgPath]/x[cfgID]_[iter].dat", false);
         row("[cfgPath]/[cfgNameID]_[iter].dat", false);
