@@ -15,11 +15,11 @@ QString folderOf(const QString& path)
     return kvGetDirName(path, '/');
 }
 
+/// With only the path that needs a folder; a source needs a file.
 TestTask withPath(const TestTask& all, TaskPath which)
 {
     TestTask task = all;
-    if (which != SourcePath)
-        task.sourcePath.clear();
+    task.sourcePath.clear();
     if (which != DestPath)
         task.destPath.clear();
     if (which != LogPath)

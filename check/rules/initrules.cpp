@@ -305,9 +305,8 @@ constexpr Rule initUnneeded = {
 bool isWhole(const SeriesFacts& facts)
 {
     const bool isLoaded =
-        std::none_of(facts.lines.begin(), facts.lines.end(), [](const LineFact& line) {
-            return line.kind == LineFact::Kind::Rejected || line.splitEnd > 0;
-        });
+        std::none_of(facts.lines.begin(), facts.lines.end(),
+                     [](const LineFact& line) { return line.kind == LineFact::Kind::Rejected; });
     int next = 0;
     for (const FileFact& file : facts.files) {
         if (!file.isRead() || file.isCopy)

@@ -108,6 +108,52 @@ private slots:
                                                         "[cfgPath]/s_2.dat"}));
     }
 
+    void foldersOfAllIterationsThatLackAreOneFinding()
+    {
+        m_series->put("a_init.dpc", "");
+        m_series->put(
+            "a.dpc",
+            goodLine(
+                {{8, "3"}, {11, "[cfgPath]/o[iter]/x"}, {12, "[cfgPath]/l"}, {13, "[cfgPath]/c"}}));
+        QCOMPARE(m_series->said({"init-outdated"}).size(), 1);
+        QVERIFY(m_series->text("init-outdated")
+                    .startsWith("the folder '[cfgPath]/o0/' does not exist, nor 2 more, and "));
+    }
+
+    /// In whatever order they are, and however the file is spelled.
+    void lineThatIsCommentedOutHidesNoneThatMakesTheFile()
+    {
+        const QByteArray makes = lineTo("[cfgPath]/s.dat").toLatin1();
+        const QByteArray full = m_series->root().toLatin1() + "s.dat";
+        const QByteArray comment = "# " + QByteArray(makes).replace("[cfgPath]/s.dat", full);
+        m_series->put("a.dpc", goodLine({{7, "77"}, {10, "[cfgPath]/s.dat"}, {11, "MEMORY"}}));
+        for (const QByteArray& init : {makes + comment, comment + makes}) {
+            m_series->put("a_init.dpc", init);
+            QCOMPARE(m_series->said({"source-missing"}), QStringList());
+            QVERIFY(m_series->text("init-outdated")
+                        .startsWith(QString("line %1 of the _init file makes")
+                                        .arg(init.startsWith('#') ? 2 : 1)));
+        }
+        m_series->put("a_init.dpc", comment + comment);
+        QCOMPARE(m_series->said({"source-missing"}).size(), 1);
+    }
+
+    /// A file of a third size has a finding of its own.
+    void sizeOfTheInitFileIsComparedWithThatOfTheFile()
+    {
+        const QByteArray made =
+            goodLine({{7, "1024"}, {11, "[cfgPath]/s.dat"}, {12, ""}, {13, ""}});
+        m_series->put("a_init.dpc", made);
+        const QByteArray line =
+            goodLine({{7, "2048"}, {10, "[cfgPath]/s.dat"}, {11, "MEMORY"}, {12, ""}, {13, ""}});
+        QCOMPARE(m_series->hits("init-outdated", line), 1);
+        m_series->setExisting(m_series->root() + "s.dat", 1024 * 1024);
+        QCOMPARE(m_series->hits("init-outdated", line), 1);
+        m_series->setExisting(m_series->root() + "s.dat", 1024 * 1024 + 1);
+        QCOMPARE(m_series->hits("init-outdated", line), 0);
+        QCOMPARE(m_series->hits("init-overwrites", line), 1);
+    }
+
     void commentedLineMakesNothing()
     {
         m_series->put("a_init.dpc", "# " + lineTo("[cfgPath]/out/dummyFile").toLatin1());
@@ -130,6 +176,12 @@ private slots:
         for (const QByteArray& lines :
              {QByteArray(read).replace("Posix", "Posx"), goodLine() + "[cfgPath]/a1.dpc\n"})
             QCOMPARE(m_series->hits("init-unneeded", goodLine() + lines), 0);
+        // Nor is it known of a file that can't be read.
+        QVERIFY(QDir(m_series->root()).mkdir("a1.dpc"));
+        QCOMPARE(m_series->hits("init-unneeded", goodLine() + "[cfgPath]/a1.dpc\n"), 0);
+        QVERIFY(QDir(m_series->root()).rmdir("a1.dpc"));
+        m_series->put("a1.dpc", goodLine());
+        QCOMPARE(m_series->hits("init-unneeded", goodLine() + "[cfgPath]/a1.dpc\n"), 1);
     }
 
     /// The editor puts them there: the folder of an empty field, a path of another system.
@@ -169,6 +221,12 @@ private slots:
             << goodLine({{11, "/d/a;b"}}) << "a.dpc:2 is cut when it is loaded";
         QTest::newRow("long path")
             << goodLine({{11, '/' + QByteArray(600, 'x')}}) << "a.dpc:2 is cut when it is loaded";
+        QTest::newRow("zero byte")
+            << goodLine().chopped(1) + QByteArray("\0x\n", 3) << "a.dpc:2 is cut when it is loaded";
+        QTest::newRow("long line") << goodLine({{14, "true" + QByteArray(1000, ' ')}})
+                                   << "a.dpc:2 is cut when it is loaded";
+        QTest::newRow("split line")
+            << goodLine().replace("/d/[host].txt", "/d/\n[host].txt") << "a.dpc:2 loads in part";
         QTest::newRow("long file")
             << goodLine().repeated(60) << QString("a.dpc would be cut at %1").arg(maxConfigFile);
     }
