@@ -88,6 +88,9 @@ private slots:
     {
         const QByteArray line = writing("[cfgPath]/done_pc2");
         QCOMPARE(m_series->hits("done-name", line), 0);
+        QCOMPARE(m_series->hits("done-name", writing("[cfgPath]/done_[host]")), 1);
+        QCOMPARE(m_series->hits("done-name", writing("[cfgPath]/done_[host]x")), 0);
+        QCOMPARE(m_series->hits("done-name", writing("[cfgPath]/done")), 0);
         m_series->options().hosts = QStringList{"pc1", "pc2"};
         QCOMPARE(m_series->hits("done-name", line), 1);
         QCOMPARE(m_series->hits("done-name", writing("[cfgPath]/done_pc3")), 0);

@@ -99,6 +99,12 @@ private slots:
                               "_wait/a300.dpc:1:1 number-limit"}));
         // Chosen itself, it is said as well.
         QCOMPARE(m_series->said({"number-limit"}, "a20.dpc").size(), 3);
+        // The name of a series may be a number.
+        m_series->put("7.dpc", goodLine());
+        QCOMPARE(m_series->said({"number-limit"}, "7.dpc"), QStringList());
+        m_series->put("720.dpc", goodLine());
+        QCOMPARE(m_series->said({"number-limit"}, "7.dpc"),
+                 QStringList{"720.dpc:1:1 number-limit"});
     }
 
     void filesThatNoSeriesHas()

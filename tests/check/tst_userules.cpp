@@ -50,6 +50,9 @@ private slots:
         m_series->put("a.dpc", writing("\\e\\x") + reading("/e/x") + writing("/none/x") +
                                    withLog("[cfgPath]/[host]", "/none/l"));
         QCOMPARE(m_series->said(), QStringList());
+        for (const QByteArray& line :
+             {withLog("[cfgPath]/o", "\\e\\l"), withCsv("\\e\\c"), reading("\\e\\s")})
+            QCOMPARE(m_series->hits("source-missing", line + reading("/e/x")), 0);
         QCOMPARE(m_series->hits("source-missing", writing("C:\\e\\x") + reading("/e/x")), 1);
         QCOMPARE(m_series->hits("source-missing", writing("\\\\nas\\e\\x") + reading("/e/x")), 1);
         QCOMPARE(m_series->hits("source-missing", writing("\\e\\x") + reading("[cfgPath]/x")), 1);
