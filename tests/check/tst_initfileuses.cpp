@@ -185,6 +185,22 @@ private slots:
         QCOMPARE(m_series->errorsAndWarnings(), QStringList{"a_init.dpc:1:1 init-overwrites"});
     }
 
+    /// A file of a third size has a finding of its own.
+    void sizeOfTheInitFileIsComparedWithThatOfTheFile()
+    {
+        const QByteArray made =
+            goodLine({{7, "1024"}, {11, "[cfgPath]/s.dat"}, {12, ""}, {13, ""}});
+        m_series->put("a_init.dpc", made);
+        const QByteArray line =
+            goodLine({{7, "2048"}, {10, "[cfgPath]/s.dat"}, {11, "MEMORY"}, {12, ""}, {13, ""}});
+        QCOMPARE(m_series->hits("init-outdated", line), 1);
+        m_series->setExisting(m_series->root() + "s.dat", 1048576);
+        QCOMPARE(m_series->hits("init-outdated", line), 1);
+        m_series->setExisting(m_series->root() + "s.dat", 1048577);
+        QCOMPARE(m_series->hits("init-outdated", line), 0);
+        QCOMPARE(m_series->hits("init-overwrites", line), 1);
+    }
+
     void whatTasksLeaveBehindMayBeMadeAnew()
     {
         m_series->put("a.dpc", writing("[cfgPath]/s.dat") + reading("[cfgPath]/s.dat", 2048));

@@ -138,22 +138,6 @@ private slots:
         QCOMPARE(m_series->said({"source-missing"}).size(), 1);
     }
 
-    /// A file of a third size has a finding of its own.
-    void sizeOfTheInitFileIsComparedWithThatOfTheFile()
-    {
-        const QByteArray made =
-            goodLine({{7, "1024"}, {11, "[cfgPath]/s.dat"}, {12, ""}, {13, ""}});
-        m_series->put("a_init.dpc", made);
-        const QByteArray line =
-            goodLine({{7, "2048"}, {10, "[cfgPath]/s.dat"}, {11, "MEMORY"}, {12, ""}, {13, ""}});
-        QCOMPARE(m_series->hits("init-outdated", line), 1);
-        m_series->setExisting(m_series->root() + "s.dat", 1024 * 1024);
-        QCOMPARE(m_series->hits("init-outdated", line), 1);
-        m_series->setExisting(m_series->root() + "s.dat", 1024 * 1024 + 1);
-        QCOMPARE(m_series->hits("init-outdated", line), 0);
-        QCOMPARE(m_series->hits("init-overwrites", line), 1);
-    }
-
     void commentedLineMakesNothing()
     {
         m_series->put("a_init.dpc", "# " + lineTo("[cfgPath]/out/dummyFile").toLatin1());
