@@ -3,12 +3,12 @@
 #include "check/rules/catalogue.h"
 #include "check/text.h"
 
+#include <QChar>
 #include <QList>
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cctype>
 
 namespace {
 
@@ -66,7 +66,7 @@ std::string indented(const std::string& text)
 
 std::string sentence(std::string clause)
 {
-    clause[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(clause[0])));
+    clause[0] = QChar(clause[0]).toUpper().toLatin1();
     return clause + '.';
 }
 
