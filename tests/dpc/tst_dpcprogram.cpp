@@ -144,6 +144,20 @@ private slots:
         QVERIFY(!shell(command).out.contains('\x1B'));
     }
 
+    void bytesOfAnInitFileAreForOtherPrograms()
+    {
+        m_series->put("a.dpc", goodLine({{10, "[cfgPath]/pr\xFC"
+                                              "fung.dat"}}));
+        QVERIFY(shell("\"$dpc\" init a.dpc")
+                    .out.contains("/pr\xFC"
+                                  "fung.dat;"));
+        const Result seen =
+            shell("script --quiet --return --command '\"$dpc\" init a.dpc' /dev/null");
+        QVERIFY2(seen.out.contains("/pr\xC3\xBC"
+                                   "fung.dat;"),
+                 seen.out);
+    }
+
     void longOutputComesWhole()
     {
         constexpr int tasks = manyLines;
