@@ -1,5 +1,4 @@
 #include "dpc/commandline.h"
-#include "dpc/table.h"
 #include "tests/support/files.h"
 
 #include <QDir>
@@ -158,16 +157,6 @@ private slots:
         const QByteArray markdown = dpc({"--format=markdown", "silent"}).out;
         QVERIFY(!markdown.contains("\n- "));
         QVERIFY2(markdown.contains("|\n\nshort: "), markdown);
-    }
-
-    void theFirstColumnIsNotLeftOut()
-    {
-        const Table table{{"task", "bytes"}, {false, true}, {{QString(30, 'x'), "1234567"}}};
-        const QStringList columns = {"unknown", "task", "bytes"};
-        QCOMPARE(QString::fromStdString(tableAsText(table, 21, columns)),
-                 QString("task            bytes\nxxxx...xxxxx  1234567\n"));
-        QCOMPARE(QString::fromStdString(tableAsText(table, 20, columns)),
-                 QString("task\nxxxxxxxx...xxxxxxxxx\n(column left out: bytes)\n"));
     }
 
     void aRunThatIsNotCompleteFailsIfAsked()

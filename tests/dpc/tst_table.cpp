@@ -96,6 +96,16 @@ private slots:
                  below);
     }
 
+    void theFirstColumnIsNotLeftOut()
+    {
+        const Table table{{"task", "bytes"}, {false, true}, {{QString(30, 'x'), "1234567"}}};
+        const QStringList columns = {"unknown", "task", "bytes"};
+        QCOMPARE(QString::fromStdString(tableAsText(table, 21, columns)),
+                 QString("task            bytes\nxxxx...xxxxx  1234567\n"));
+        QCOMPARE(QString::fromStdString(tableAsText(table, 20, columns)),
+                 QString("task\nxxxxxxxx...xxxxxxxxx\n(column left out: bytes)\n"));
+    }
+
     void markdownShowsWhatItWouldTake()
     {
         Table table = sample();

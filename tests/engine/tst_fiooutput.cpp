@@ -166,10 +166,10 @@ void TestFioOutput::takesAsNothingMovedWhatIsNotSaid()
     QCOMPARE(section.syncs, qint64(0));
     QCOMPARE(section.syncNs, 0.0);
     QCOMPARE(section.bytes(), qint64(0));
-    for (const IoFigures& figures : {section.read, section.write}) {
-        QCOMPARE(figures.ios, qint64(0));
-        QCOMPARE(figures.ioNs, 0.0);
-        QVERIFY(!figures.p50Ns && !figures.p99Ns && !figures.maxNs);
+    for (const IoFigures& direction : {section.read, section.write}) {
+        QCOMPARE(direction.ios, qint64(0));
+        QCOMPARE(direction.ioNs, 0.0);
+        QVERIFY(!direction.p50Ns && !direction.p99Ns && !direction.maxNs);
     }
     const SectionReport empty;
     QCOMPARE(empty.read.ios + empty.write.ios + empty.bytes() + empty.syncs, qint64(0));

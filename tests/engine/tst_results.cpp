@@ -76,6 +76,16 @@ Plan planOfTwo()
     return plan;
 }
 
+/// The first job writes the rest of its file in a section of its own.
+Plan planWithRest()
+{
+    Plan plan = planOfTwo();
+    PlanSection rest;
+    rest.name = "w-rest";
+    plan.jobs[0].sections.push_back(rest);
+    return plan;
+}
+
 const std::vector<FioHost> hosts = {{"127.0.0.11", 8765}, {"127.0.0.12", 8765}};
 
 SectionReport reportOf(const PlanJob& planned)
@@ -196,16 +206,13 @@ void TestResults::aCopyMustReadAndWrite()
 
 void TestResults::sectionsOfAJobAreAddedUp()
 {
-    Plan plan = planOfTwo();
-    PlanSection rest;
-    rest.name = "w-rest";
-    plan.jobs[0].sections.push_back(rest);
+    const Plan plan = planWithRest();
     FioOutput output = allGood(plan);
     output.sections[0].write.bytes = size - 100;
     QCOMPARE(badOnes(account(plan, output)), std::vector<int>{0});
 
     SectionReport last = output.sections[0];
-    last.name = rest.name;
+    last.name = plan.jobs[0].sections[1].name;
     last.write.bytes = 100;
     last.write.ios = 1;
     last.write.maxNs = 99;
@@ -222,13 +229,10 @@ void TestResults::sectionsOfAJobAreAddedUp()
 
 void TestResults::theFirstErrorOfItsSectionsIsThatOfAJob()
 {
-    Plan plan = planOfTwo();
-    PlanSection rest;
-    rest.name = "w-rest";
-    plan.jobs[0].sections.push_back(rest);
+    const Plan plan = planWithRest();
     FioOutput output = allGood(plan);
     SectionReport last = output.sections[0];
-    last.name = rest.name;
+    last.name = plan.jobs[0].sections[1].name;
     last.error = ENOSPC;
     last.write.maxNs.reset();
     output.sections.push_back(last);
