@@ -41,13 +41,14 @@ public:
         return expanded(m_name, m_task, m_taskNumber, int(iteration), keepCfgPath, m_machine);
     }
 
-    /// The next iteration whose text may be another one. Numbers of the same length stand in the
-    /// same places of the name, so that only their leading digits count if the last ones are cut
-    /// off, and none if the number is cut off or taken back by "..": whole runs have one text.
+    /// The next iteration whose text may be another one, if this one has that of the iteration
+    /// before. Numbers of the same length stand in the same places of the name, so that only their
+    /// leading digits count if the last ones are cut off, and none if the number is cut off or
+    /// taken back by "..": whole runs have one text.
     qint64 after(qint64 iteration) const
     {
         const QString same = text(iteration);
-        qint64 next = iteration + 1;
+        qint64 next = iteration;
         for (qint64 run = 10; next < m_task.iterations && text(next) == same; run *= 10)
             next = (iteration / run + 1) * run;
         return next;

@@ -23,7 +23,6 @@ void forgetSizesOfCombos(const QMainWindow& window)
     for (QComboBox* combo : window.findChildren<QComboBox*>()) {
         QEvent change(QEvent::StyleChange);
         QCoreApplication::sendEvent(combo, &change);
-        combo->updateGeometry();
     }
 }
 
@@ -206,7 +205,6 @@ void TextFitter::arrange(QSize window)
         content.setWidth(m_columns.enoughWidth(view.width()));
         if (view.width() < content.width())
             view.rheight() -= bar;
-        view = view.expandedTo({0, 0});
         content.setHeight(std::max(view.height(), m_columns.leastHeight(content.width())));
         if (content.height() == view.height())
             break;
