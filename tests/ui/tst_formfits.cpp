@@ -40,6 +40,7 @@ private slots:
     void everyTextIsWholeAfterResizing_data();
     void everyTextIsWholeAfterResizing();
     void everyTextIsWholeWithALargerFont();
+    void comboBoxesNeedTheRoomOfTheFontThatTheyHave();
     void everyTextIsWholeInEveryState();
     void formNeverGrowsBeyondTheScreen();
     void focusBringsEveryControlIntoSight();
@@ -160,6 +161,28 @@ void TestFormFits::everyTextIsWholeWithALargerFont()
     QTRY_COMPARE(cutTexts(*m_window).join(", "), QString());
     QCOMPARE(unreachableEdges(*m_window).join(", "), QString());
     QCOMPARE(m_window->size(), m_window->size().boundedTo(available(*m_window)));
+}
+
+// By themselves they keep to the least size that they were first asked for.
+void TestFormFits::comboBoxesNeedTheRoomOfTheFontThatTheyHave()
+{
+    const auto needs = [this] {
+        QVector<QSize> sizes;
+        for (const QComboBox* combo : m_window->findChildren<QComboBox*>())
+            sizes += combo->minimumSizeHint();
+        return sizes;
+    };
+    m_window->show();
+    const QVector<QSize> before = needs();
+    m_window->setFont(pixelFont(22));
+    const QVector<QSize> after = needs();
+    QVERIFY(after != before);
+
+    cleanup();
+    init();
+    m_window->setFont(pixelFont(22));
+    m_window->show();
+    QCOMPARE(after, needs());
 }
 
 // As the window's rules show and fill it: a notice that is hidden and back, and long choices.
