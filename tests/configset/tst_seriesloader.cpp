@@ -1,4 +1,3 @@
-#include "configset/configfilereader.h"
 #include "configset/infotext.h"
 #include "configset/seriesloader.h"
 #include "configset/seriessaver.h"
@@ -101,13 +100,6 @@ private slots:
         QCOMPARE(load(m_root + "a.dpc"), QStringList{"/2"});
         QCOMPARE(m_info, QStringList{"info"});
         QCOMPARE(m_rejected.size(), 3);
-
-        // The mark belongs to no line.
-        ConfigFileReader reader(kvToString8<500>(m_root + "_wait/a.dpc"));
-        _kvString<1000> line;
-        QVERIFY(reader.readLine(line));
-        QCOMPARE(reader.lineNumber(), 1);
-        QCOMPARE(reader.lineLength(), qint64(lineTo("/2").size() - 1));
     }
 
     void commentsOfTheFirstFileOnly()
@@ -155,15 +147,6 @@ private slots:
         write("a.dpc", "\nx");
         QCOMPARE(load(m_root + "a.dpc"), QStringList());
         QCOMPARE(m_rejected, QStringList{"x <- " + m_root + "a.dpc"});
-        ConfigFileReader reader(kvToString8<500>(m_root + "a.dpc"));
-        _kvString<1000> line;
-        QVERIFY(reader.readLine(line) && reader.readLine(line));
-        QVERIFY(line.isEqual("x"));
-        QCOMPARE(reader.lineNumber(), 2);
-        QCOMPARE(reader.lineLength(), qint64(1));
-        QVERIFY(!reader.readLine(line));
-        QCOMPARE(reader.lineNumber(), 2);
-        QVERIFY(!reader.fileWasCut());
     }
 
     void emptyFilesAndFilesOfLineEndsYieldNothing()
@@ -264,30 +247,7 @@ private slots:
         QCOMPARE(::truncate(QFile::encodeName(m_root + "a.dpc"), 1024L * 1024 * 1024), 0);
         QCOMPARE(load(m_root + "a.dpc"), QStringList{"/1"});
         QCOMPARE(m_rejected.size(), 1);
-
-        ConfigFileReader reader(kvToString8<500>(m_root + "a.dpc"));
-        _kvString<1000> line;
-        QVERIFY(reader.readLine(line) && reader.readLine(line));
-        QVERIFY(line.isEqual("Bytes"));
-        QVERIFY(reader.fileWasCut());
-        QCOMPARE(reader.lineNumber(), 2);
-        QCOMPARE(reader.lineLength(), maxFileRead - lineTo("/1").size());
-        QVERIFY(!reader.readLine(line));
-        QCOMPARE(reader.lineNumber(), 2);
         QCOMPARE(warnings.messages(), QStringList());
-    }
-
-    void fileOfTheLargestSizeIsNotCut()
-    {
-        for (const qint64 size : {maxFileRead, maxFileRead + 1}) {
-            test::put(m_root + "a.dpc", "");
-            QCOMPARE(::truncate(QFile::encodeName(m_root + "a.dpc"), size), 0);
-            ConfigFileReader reader(kvToString8<500>(m_root + "a.dpc"));
-            _kvString<1000> line;
-            while (reader.readLine(line)) {
-            }
-            QCOMPARE(reader.fileWasCut(), size > maxFileRead);
-        }
     }
 
     void seriesHasAtMost50000Entries()
