@@ -26,7 +26,6 @@ public:
         m_left = addLabel(*row);
         auto* right = new QVBoxLayout;
         row->addLayout(right);
-        m_right = addLabel(*right);
         auto* box = new QGroupBox("A box");
         box->setObjectName("box");
         box->setMinimumWidth(50);
@@ -35,6 +34,7 @@ public:
         m_check = new QCheckBox("A check box that cannot wrap");
         m_check->setObjectName("check");
         inBox->addWidget(m_check);
+        m_right = addLabel(*right);
         right->addSpacerItem(new QSpacerItem(0, 100, QSizePolicy::Minimum, QSizePolicy::Expanding));
         resize(firstSize());
         fitTexts(*this);
@@ -88,6 +88,7 @@ private slots:
     void maximizedWindowStaysMaximized();
     void windowIsFittedOnlyAtItsFirstShow();
     void windowBecomesSmallerOnASmallerScreen();
+    void windowDoesNotFollowAScreenThatItLeft();
     void windowMovesIntoItsScreen_data();
     void windowMovesIntoItsScreen();
     void windowThatFillsTheScreenStaysWhereItIs();
@@ -355,6 +356,18 @@ void TestFitTexts::windowBecomesSmallerOnASmallerScreen()
     Q_EMIT screen->availableGeometryChanged(screen->availableGeometry());
     QCOMPARE(window.size(), most);
     QVERIFY(screen->availableGeometry().contains(window.frameGeometry()));
+}
+
+void TestFitTexts::windowDoesNotFollowAScreenThatItLeft()
+{
+    SmallWindow window;
+    window.show();
+    QScreen* screen = window.screen();
+    Q_EMIT window.windowHandle()->screenChanged(nullptr);
+    const QSize chosen = available(window) + QSize(300, 200);
+    window.resize(chosen);
+    Q_EMIT screen->availableGeometryChanged(screen->availableGeometry());
+    QCOMPARE(window.size(), chosen);
 }
 
 void TestFitTexts::windowMovesIntoItsScreen_data()
