@@ -129,7 +129,7 @@ public:
             --end;
         kvdetail::terminateAt(*this, end);
         int start = 0;
-        while (start < end && kvdetail::isWhiteSpace(text[start]))
+        while (kvdetail::isWhiteSpace(text[start])) // the end is none
             ++start;
         remove(0, start);
     }

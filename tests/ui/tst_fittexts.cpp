@@ -1,83 +1,14 @@
-#include "tests/ui/cuttexts.h"
-#include "ui/fittexts.h"
+#include "tests/ui/smallwindow.h"
 
-#include <QHBoxLayout>
-#include <QScreen>
-#include <QSpacerItem>
 #include <QTest>
-#include <QVBoxLayout>
-
-namespace {
-
-QSize screenSize()
-{
-    return QGuiApplication::primaryScreen()->availableSize();
-}
-
-// Two columns of texts that fit into the smallest screen that tests run on. The group box hides
-// from the layouts what its texts need, as a minimum width of one's own does.
-class SmallWindow : public QMainWindow
-{
-public:
-    SmallWindow()
-    {
-        setCentralWidget(new QWidget);
-        auto* row = new QHBoxLayout(centralWidget());
-        m_left = addLabel(*row);
-        auto* right = new QVBoxLayout;
-        row->addLayout(right);
-        auto* box = new QGroupBox("A box");
-        box->setObjectName("box");
-        box->setMinimumWidth(50);
-        right->addWidget(box);
-        auto* inBox = new QVBoxLayout(box);
-        m_check = new QCheckBox("A check box that cannot wrap");
-        m_check->setObjectName("check");
-        inBox->addWidget(m_check);
-        m_right = addLabel(*right);
-        right->addSpacerItem(new QSpacerItem(0, 100, QSizePolicy::Minimum, QSizePolicy::Expanding));
-        resize(firstSize());
-        fitTexts(*this);
-    }
-
-    static QSize firstSize() { return {120, 90}; }
-    static QString words(int count) { return QString("some words ").repeated(count).trimmed(); }
-
-    QLabel& left() { return *m_left; }
-    QLabel& right() { return *m_right; }
-    QCheckBox& check() { return *m_check; }
-
-private:
-    static QLabel* addLabel(QBoxLayout& layout)
-    {
-        auto* label = new QLabel(words(10));
-        label->setObjectName("label");
-        label->setWordWrap(true);
-        layout.addWidget(label);
-        return label;
-    }
-
-    QLabel* m_left = nullptr;
-    QLabel* m_right = nullptr;
-    QCheckBox* m_check = nullptr;
-};
-
-} // namespace
 
 class TestFitTexts : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void windowThatIsNotShownKeepsItsSize();
-    void windowOpensWithEveryTextWhole();
-    void windowThatIsLargeEnoughKeepsItsSize();
-    void windowLargerThanTheScreenOpensWithinIt();
+    void initTestCase() { useSmallLetters(); }
     void windowNeverGrowsBeyondTheScreen();
-    void windowOnALowScreenOpensWider();
-    void windowThatFitsExactlyInItsGreatestWidthOpensNoWiderThanItNeeds();
-    void windowOnAScreenThatIsFarTooLowOpensNoWiderThanItHelps();
     void windowHasNoLeastWidth();
     void windowCanBecomeNarrowAgainAfterALargerFont();
     void everyTextIsWholeInAnySize();
@@ -86,7 +17,6 @@ private slots:
     void leastHeightFollowsTheTexts();
     void spacersGiveWayToTexts();
     void maximizedWindowStaysMaximized();
-    void windowIsFittedOnlyAtItsFirstShow();
     void windowBecomesSmallerOnASmallerScreen();
     void windowDoesNotFollowAScreenThatItLeft();
     void windowMovesIntoItsScreen_data();
@@ -94,52 +24,6 @@ private slots:
     void windowThatFillsTheScreenStaysWhereItIs();
     void windowFitsWithAnotherFrame();
 };
-
-// The same on every platform, whatever its own font is.
-void TestFitTexts::initTestCase()
-{
-    QFont font = QApplication::font();
-    font.setPixelSize(7);
-    QApplication::setFont(font);
-}
-
-void TestFitTexts::windowThatIsNotShownKeepsItsSize()
-{
-    SmallWindow window;
-    window.ensurePolished();
-    window.layout()->activate();
-    QCoreApplication::processEvents();
-    QCOMPARE(window.size(), SmallWindow::firstSize());
-}
-
-void TestFitTexts::windowOpensWithEveryTextWhole()
-{
-    SmallWindow window;
-    window.show();
-    QCOMPARE(cutTexts(window), QStringList());
-    QVERIFY(window.width() > SmallWindow::firstSize().width());
-    QVERIFY(window.height() > SmallWindow::firstSize().height());
-}
-
-void TestFitTexts::windowThatIsLargeEnoughKeepsItsSize()
-{
-    SmallWindow window;
-    window.resize(700, 500);
-    window.show();
-    QCoreApplication::processEvents();
-    QCOMPARE(window.size(), QSize(700, 500));
-    QCOMPARE(cutTexts(window), QStringList());
-}
-
-void TestFitTexts::windowLargerThanTheScreenOpensWithinIt()
-{
-    SmallWindow window;
-    window.resize(screenSize() + QSize(300, 200));
-    window.show();
-    QCOMPARE(window.size(), available(window));
-    QCoreApplication::processEvents();
-    QCOMPARE(window.size(), available(window));
-}
 
 void TestFitTexts::windowNeverGrowsBeyondTheScreen()
 {
@@ -153,62 +37,6 @@ void TestFitTexts::windowNeverGrowsBeyondTheScreen()
     QCOMPARE(cutTexts(window), QStringList());
     QCOMPARE(unreachableEdges(window), QStringList());
     QVERIFY(scrollBar(window, Qt::Vertical) && scrollBar(window, Qt::Horizontal));
-}
-
-void TestFitTexts::windowOnALowScreenOpensWider()
-{
-    SmallWindow window;
-    // Too much for the screen's height in a column that is as wide as the label prefers.
-    QLabel& label = window.left();
-    while (label.heightForWidth(label.sizeHint().width()) < screenSize().height())
-        label.setText(label.text() + ' ' + SmallWindow::words(10));
-    const int preferred = window.centralWidget()->sizeHint().width();
-    window.show();
-    QVERIFY(window.width() > preferred);
-    QVERIFY(window.width() < available(window).width());
-    QCOMPARE(window.size(), window.size().boundedTo(available(window)));
-    QCOMPARE(cutTexts(window), QStringList());
-    QCOMPARE(scrollBar(window, Qt::Vertical), nullptr);
-    // No wider than it needs to be.
-    window.resize(window.width() - 1, available(window).height());
-    QVERIFY(scrollBar(window, Qt::Vertical) != nullptr);
-}
-
-// One column is as high as the screen in any width, the other one only if it is narrow.
-void TestFitTexts::windowThatFitsExactlyInItsGreatestWidthOpensNoWiderThanItNeeds()
-{
-    constexpr int low = 100;
-    SmallWindow sample;
-    sample.right().setFixedHeight(low);
-    sample.show();
-    SmallWindow window;
-    window.right().setFixedHeight(low + available(sample).height() - sample.minimumHeight());
-    QLabel& label = window.left();
-    while (label.heightForWidth(label.sizeHint().width()) < screenSize().height())
-        label.setText(label.text() + ' ' + SmallWindow::words(10));
-    window.show();
-    QCOMPARE(window.minimumHeight(), available(window).height());
-    QCOMPARE(scrollBar(window, Qt::Vertical), nullptr);
-    QVERIFY(window.width() < available(window).width());
-    window.resize(window.width() - 1, available(window).height());
-    QVERIFY(scrollBar(window, Qt::Vertical) != nullptr);
-}
-
-// If no width is enough, the window is as narrow as the least height allows that any width gives.
-void TestFitTexts::windowOnAScreenThatIsFarTooLowOpensNoWiderThanItHelps()
-{
-    SmallWindow window;
-    // Higher than the screen in one line for each word, and wide by a text that does not wrap.
-    window.right().setText(QString("word\n").repeated(400));
-    window.left().setText(SmallWindow::words(30));
-    window.show();
-    QVERIFY(window.width() < available(window).width());
-    const int height = window.centralWidget()->height();
-    const int bar = scrollBar(window, Qt::Vertical)->width();
-    QCOMPARE(window.height(), available(window).height());
-    window.resize(available(window));
-    QCOMPARE(window.centralWidget()->height(), height);
-    QCOMPARE(scrollBar(window, Qt::Vertical)->width(), bar);
 }
 
 void TestFitTexts::windowHasNoLeastWidth()
@@ -328,17 +156,6 @@ void TestFitTexts::maximizedWindowStaysMaximized()
     QVERIFY(window.isMaximized());
     QCOMPARE(cutTexts(window), QStringList());
     QCOMPARE(unreachableEdges(window), QStringList());
-}
-
-void TestFitTexts::windowIsFittedOnlyAtItsFirstShow()
-{
-    SmallWindow window;
-    window.show();
-    window.resize(1, 1);
-    const QSize chosen = window.size();
-    window.hide();
-    window.show();
-    QCOMPARE(window.size(), chosen);
 }
 
 // The window has grown beyond its screen, as if it had come from a larger one; there is only one
