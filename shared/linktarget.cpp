@@ -24,7 +24,8 @@ Link linkAt(const QByteArray& path)
         return link;
     // No QByteArray: the checked readlinkat takes its bytes for the few behind its header.
     std::array<char, PATH_MAX> target = {};
-    if (::fstat(descriptor, &link.status) == 0 && S_ISLNK(link.status.st_mode)) {
+    if (::fstat(descriptor, &link.status) == 0) {
+        // Fails for all that is not a link.
         const ssize_t size = ::readlinkat(descriptor, "", target.data(), target.size());
         link.target = QByteArray(target.data(), static_cast<int>(size < 0 ? 0 : size));
     }

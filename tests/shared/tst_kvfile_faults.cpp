@@ -147,10 +147,13 @@ private slots:
     void rightsThatCantBeSetAreThereFromBirth()
     {
         for (const int error : {EACCES, EPERM, EOPNOTSUPP, ENOSYS}) {
-            refuseForGood(SYS_fchmod, error);
+            const struct stat old = refuseForGood(SYS_fchmod, error);
             if (clean.calls.empty()) // nothing to set in this scene
                 return;
             QVERIFY2(test::contentOf(in(scene.target)) == newText, where());
+            // A new file can't be born as that of somebody else.
+            const bool isInPlace = test::statusOf(in(scene.target)).st_ino == old.st_ino;
+            QVERIFY2(isInPlace == (scene.isForeign && ::geteuid() == 0), where());
             checkText();
             checkNothingElse();
         }

@@ -9,6 +9,7 @@
 #include <sched.h>
 #include <string>
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace test {
@@ -65,6 +66,22 @@ SmallDisk::~SmallDisk()
 {
     if (::umount2(folder_.constData(), MNT_DETACH) != 0)
         giveUp("unmount a tmpfs");
+}
+
+FileInPlace::FileInPlace(const QString& file, const QByteArray& content)
+    : file_(QFile::encodeName(file))
+{
+    if (!content_.open() || content_.write(content) != content.size() || !content_.flush() ||
+        ::chmod(QFile::encodeName(content_.fileName()).constData(), 0644) != 0 ||
+        ::mount(QFile::encodeName(content_.fileName()).constData(), file_.constData(), nullptr,
+                MS_BIND, nullptr) != 0)
+        giveUp("mount a file");
+}
+
+FileInPlace::~FileInPlace()
+{
+    if (::umount2(file_.constData(), MNT_DETACH) != 0)
+        giveUp("unmount a file");
 }
 
 bool mountForReading(const QString& folder)

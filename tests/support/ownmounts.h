@@ -2,9 +2,11 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QTemporaryFile>
 
-// Small file systems in memory, for disks that run full. They are mounted in a mount namespace of
-// the test's own, so that they are gone when the test ends, in whatever way.
+// Small file systems in memory, for disks that run full, and files that tell something else. They
+// are mounted in a mount namespace of the test's own, so that they are gone when the test ends, in
+// whatever way.
 
 namespace test {
 
@@ -24,6 +26,19 @@ public:
 
 private:
     QByteArray folder_;
+};
+
+/// Another content of a file, for as long as the object lives. The file itself does not change.
+class FileInPlace
+{
+public:
+    FileInPlace(const QString& file, const QByteArray& content);
+    ~FileInPlace();
+    Q_DISABLE_COPY_MOVE(FileInPlace)
+
+private:
+    QByteArray file_;
+    QTemporaryFile content_;
 };
 
 /// Takes the right to write from a mounted disk.
