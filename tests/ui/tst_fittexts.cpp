@@ -23,6 +23,7 @@ private slots:
     void windowMovesIntoItsScreen();
     void windowThatFillsTheScreenStaysWhereItIs();
     void windowFitsWithAnotherFrame();
+    void windowOfAChosenSizeKeepsItWithAnotherFrame();
 };
 
 void TestFitTexts::windowNeverGrowsBeyondTheScreen()
@@ -251,6 +252,19 @@ void TestFitTexts::windowFitsWithAnotherFrame()
     QTRY_COMPARE(window.height(), before);
     const bool hasFrames = !handle->frameMargins().isNull(); // not without a window manager
     QVERIFY(!hasFrames || window.screen()->availableGeometry().contains(window.frameGeometry()));
+}
+
+void TestFitTexts::windowOfAChosenSizeKeepsItWithAnotherFrame()
+{
+    SmallWindow window;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    const QSize chosen = window.size() + QSize(30, 20);
+    window.resize(chosen);
+    QWindow* handle = window.windowHandle();
+    handle->setFlags(handle->flags() | Qt::FramelessWindowHint);
+    window.move(window.pos() + QPoint(1, 1));
+    QCOMPARE(window.size(), chosen);
 }
 
 QTEST_MAIN(TestFitTexts)
