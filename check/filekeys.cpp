@@ -61,7 +61,7 @@ bool isForeignRoot(const QByteArray& folded)
     if (!isSharePath(folded))
         return folded.size() == 2 && folded[1] == ':';
     const int share = folded.indexOf('/', 2) + 1;
-    return share == 0 || (folded.indexOf('/', share) < 0 && folded.indexOf('.', share) < 0);
+    return share == 0 || (folded.indexOf('/', share) == -1 && folded.indexOf('.', share) == -1);
 }
 
 /// Where the last name begins.

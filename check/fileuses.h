@@ -27,10 +27,10 @@ constexpr int allMachines = -1;
 /// One use of a name, by a task in one iteration. The path of the task tells the role of the file.
 struct FileUse
 {
-    int line = 0; ///< its place among the lines of the series
-    TaskPath role = SourcePath;
-    int iteration = 0; ///< from 0
-    int name = 0;      ///< its place among the names
+    int line; ///< its place among the lines of the series
+    TaskPath role;
+    int iteration; ///< from 0
+    int name;      ///< its place among the names
 };
 
 /// A name as a task has it, with the variables of the task replaced and those of a machine left in:
@@ -49,8 +49,8 @@ struct UsedName
 /// How a file is reached: by a name, on one machine or on all.
 struct FileWay
 {
-    int name = 0;
-    int machine = allMachines;
+    int name;
+    int machine;
 };
 
 /// A file that the series touches, under whatever names.

@@ -30,9 +30,9 @@ constexpr std::chrono::milliseconds betweenTries(20);
 
 struct Target
 {
-    struct stat status = {};
-    bool exists = false;
-    bool isReplaceable = false;
+    struct stat status;
+    bool exists;
+    bool isReplaceable;
 };
 
 struct Content
@@ -78,14 +78,10 @@ void syncAt(const QByteArray& path, int flags)
 /// written.
 Target lookAt(const QByteArray& path)
 {
-    Target target;
-    target.exists = ::lstat(path.constData(), &target.status) == 0;
-    if (target.exists)
-        target.isReplaceable =
-            S_ISREG(target.status.st_mode) && ::access(path.constData(), W_OK) == 0;
-    else
-        target.isReplaceable = errno == ENOENT;
-    return target;
+    struct stat status = {};
+    if (::lstat(path.constData(), &status) != 0)
+        return {status, false, errno == ENOENT};
+    return {status, true, S_ISREG(status.st_mode) && ::access(path.constData(), W_OK) == 0};
 }
 
 /// Opens a file that is there, and nothing that has come in its place.

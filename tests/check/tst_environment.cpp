@@ -133,6 +133,10 @@ private slots:
         QVERIFY(space && space->free > 0);
         QCOMPARE(space->fileSystem, m_real.space(m_root)->fileSystem);
         QVERIFY(!m_real.space("none at all"));
+        // Of several file systems above a name, the nearest.
+        struct stat process = {};
+        QCOMPARE(::stat("/proc/self", &process), 0);
+        QCOMPARE(m_real.space("/proc/self/none/none")->fileSystem, process.st_dev);
         QVERIFY(m_real.exists(m_root));
     }
 

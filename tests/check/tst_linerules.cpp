@@ -138,6 +138,9 @@ private slots:
         m_series->put("a1.dpc", halves.mid(halves.indexOf('\n') + 1));
         QCOMPARE(m_series->said({"split-line", "bad-line"}), QStringList{"a1.dpc:1:1 bad-line"});
         QVERIFY(QFile::remove(m_series->root() + "a1.dpc"));
+        // Lines that end before the task does are not its parts.
+        m_series->put("a.dpc", halves.left(halves.indexOf('\n') + 1) + "x;y\n");
+        QCOMPARE(m_series->said({"split-line", "bad-line"}), QStringList{"a.dpc:2:1 bad-line"});
         // In the _init file, in which the line may be a comment as well.
         m_series->put("a.dpc", goodLine());
         m_series->put("a_init.dpc", "# " + split("/d/x.dat", "/d/x.dat\n"));

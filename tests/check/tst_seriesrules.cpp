@@ -107,6 +107,14 @@ private slots:
                  QStringList{"720.dpc:1:1 number-limit"});
     }
 
+    void linkIsTakenForTheFileThatItLeadsTo()
+    {
+        m_series->put("a.dpc", goodLine());
+        QVERIFY(QFile::link(m_series->root() + "a.dpc", m_series->root() + "a20.dpc"));
+        QVERIFY(QFile::link(m_series->root(), m_series->root() + "a21.dpc"));
+        QCOMPARE(m_series->said({"number-limit"}), QStringList{"a20.dpc:1:1 number-limit"});
+    }
+
     void filesThatNoSeriesHas()
     {
         for (const char* name : {"a.dpc", "x.y20.dpc", "b.dpc.dpc", "_wait/A.DPC"})

@@ -108,6 +108,11 @@ private slots:
         QCOMPARE(test::contentOf(in("file")), test::textOf(page, 'A'));
         QVERIFY(test::runWithoutRights([this] { test::save(in("file"), test::textOf(page)); }));
         QCOMPARE(test::contentOf(in("file")), test::textOf(page));
+        // No more is asked for than the longer text needs.
+        QVERIFY(QFile::remove(in("filler")));
+        fill(1);
+        QVERIFY(test::runWithoutRights([this] { test::save(in("file"), test::textOf(5000)); }));
+        QCOMPARE(test::contentOf(in("file")), test::textOf(5000));
     }
 
     void aDiskWithoutInodesKeepsTheOldFile()

@@ -1,4 +1,5 @@
 #include "shared/kvfile.h"
+#include "tests/support/childprocess.h"
 #include "tests/support/files.h"
 #include "tests/support/leaveout.h"
 
@@ -11,6 +12,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <linux/magic.h>
+#include <memory>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/vfs.h>
@@ -101,9 +103,39 @@ private slots:
     void aFileThatNobodyHasOpenIsReplaced()
     {
         claimedType = 0xFE534D42U;
+        errno = EIO; // left by a call before
         test::save(file(), "newer");
         QCOMPARE(test::contentOf(file()), QByteArray("newer"));
         QVERIFY(numberOf(file()) != m_old);
+    }
+
+    void noFileStaysOpen()
+    {
+        claimedType = 0xFE534D42U;
+        const QStringList before = QDir("/proc/self/fd").entryList();
+        test::save(file(), "newer");
+        {
+            const OpenFile reader(file());
+            test::save(file(), "newest");
+        }
+        QCOMPARE(QDir("/proc/self/fd").entryList(), before);
+    }
+
+    /// Such a program gets the number 0 for the first file that it opens.
+    void aProgramWithoutStandardInputSaves()
+    {
+        claimedType = 0xFE534D42U;
+        for (const bool isOpen : {false, true}) {
+            std::unique_ptr<OpenFile> reader;
+            if (isOpen)
+                reader = std::make_unique<OpenFile>(file());
+            const QByteArray text(isOpen ? "newest" : "newer");
+            QVERIFY(test::runInChild([&] {
+                ::close(STDIN_FILENO);
+                test::save(file(), text);
+            }));
+            QCOMPARE(test::contentOf(file()), text);
+        }
     }
 
     void aNewFileIsMade()
