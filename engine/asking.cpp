@@ -97,9 +97,8 @@ std::vector<Question> Asking::ask(const std::vector<GuardCall>& calls)
 
 void Asking::askRound(const std::vector<const GuardCall*>& calls, std::vector<Question>& refused)
 {
-    FioMachines::Output output;
-    output.name = QStringLiteral("guard-%1").arg(m_rounds++);
-    output.timeoutMs = guardTimeoutMs;
+    const FioMachines::Output output = {
+        QStringLiteral("guard-%1").arg(m_rounds++), guardTimeoutMs, {}};
     std::vector<FioMachines::JobFile> files;
     files.reserve(calls.size());
     for (const GuardCall* call : calls)

@@ -1,14 +1,16 @@
 #include "engine/fiocall.h"
 
-#include <QElapsedTimer>
+#include <QDeadlineTimer>
 #include <QFile>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <memory>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -28,9 +30,6 @@ struct SignalGuard::State
 };
 
 namespace {
-
-/// fio ends its jobs at once; a guard that waits for the minute on another machine does not.
-constexpr int graceMs = 90000;
 
 StopReason reasonOf(int signal)
 {
@@ -66,7 +65,7 @@ bool redirect(int target, const char* file, int flags)
 {
     constexpr mode_t everyonesUmask = 0666;
     const int number = ::open(file, flags | O_CLOEXEC, everyonesUmask);
-    return number >= 0 && ::dup2(number, target) == target;
+    return number != -1 && ::dup2(number, target) == target;
 }
 
 // GCOVR_EXCL_START: a child that is about to be another program can't write what it reached.
@@ -86,20 +85,18 @@ bool redirect(int target, const char* file, int flags)
         ::execvp(call.pointers[0], call.pointers.data());
     }
     const int error = errno;
-    const ssize_t ignored = ::write(reportTo, &error, sizeof error);
-    ::_exit(ignored == ssize_t(sizeof error) ? 1 : 2);
+    [[maybe_unused]] const ssize_t written = ::write(reportTo, &error, sizeof error);
+    ::_exit(EXIT_FAILURE);
 }
 // GCOVR_EXCL_STOP
 
 /// Reads the error number of a child that could not become fio; 0 once it has.
 int errorOfChild(int from)
 {
-    int error = 0;
-    ssize_t got = 0;
-    do
-        got = ::read(from, &error, sizeof error);
-    while (got < 0 && errno == EINTR);
-    return got == ssize_t(sizeof error) ? error : 0;
+    int error{};
+    // All signals that have handlers are blocked: nothing interrupts it.
+    [[maybe_unused]] const ssize_t got = ::read(from, &error, sizeof error);
+    return error;
 }
 
 /// Starts fio; 0 and a problem if that fails.
@@ -114,26 +111,33 @@ pid_t start(const FioCall& call, const sigset_t& mask, QString& problem)
     const pid_t child = ::fork();
     if (child == 0)
         becomeFio(prepared, mask, report[1]);
-    const int forkError = child < 0 ? errno : 0;
+    int error = errno;
     ::close(report[1]);
-    const int error = child < 0 ? forkError : errorOfChild(report[0]);
+    if (child != -1)
+        error = errorOfChild(report[0]);
     ::close(report[0]);
     if (error == 0)
         return child;
-    if (child > 0)
+    if (child != -1)
         ::waitpid(child, nullptr, 0);
     problem = QString::fromLocal8Bit(std::strerror(error));
     return 0;
 }
 
-/// Waits for a signal of the set, at most so many ms; 0 if none came.
-int waitForSignal(const sigset_t& set, int ms)
+/// Waits for a signal of the set, at most for the time; 0 if none came. Of several it takes the one
+/// of the lowest number, so SIGCHLD after those that end a run.
+int waitForSignal(const sigset_t& set, std::chrono::milliseconds most)
 {
-    constexpr int msPerSecond = 1000;
-    constexpr long nsPerMs = 1000000;
-    const timespec time{ms / msPerSecond, long(ms % msPerSecond) * nsPerMs};
-    const int signal = ::sigtimedwait(&set, nullptr, &time);
-    return signal > 0 ? signal : 0;
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(most);
+    const std::chrono::nanoseconds rest = most - seconds;
+    const timespec time{seconds.count(), rest.count()};
+    return std::max(::sigtimedwait(&set, nullptr, &time), 0);
+}
+
+/// The same without waiting.
+int takeSignal(const sigset_t& set)
+{
+    return waitForSignal(set, std::chrono::milliseconds::zero());
 }
 
 /// Watches over fio until it ends.
@@ -144,15 +148,16 @@ public:
         : m_process(process)
         , m_call(call)
         , m_signals(watched)
-    {
-        m_time.start();
-    }
+        , m_deadline(call.timeoutMs != 0 ? QDeadlineTimer(call.timeoutMs)
+                                         : QDeadlineTimer(QDeadlineTimer::Forever))
+    {}
 
     FioExit untilEnd()
     {
         while (!hasEnded()) {
-            takeSignal(waitForSignal(m_signals, nextWaitMs()));
-            checkTime();
+            act(waitForSignal(m_signals, nextWait()));
+            if (m_deadline.hasExpired())
+                actOnTime();
         }
         return m_exit;
     }
@@ -160,7 +165,7 @@ public:
 private:
     bool hasEnded() const
     {
-        int status = 0;
+        int status{};
         if (::waitpid(m_process, &status, WNOHANG) == 0)
             return false;
         // Jobs of a fio that somebody killed would write on.
@@ -169,17 +174,14 @@ private:
         return true;
     }
 
-    int nextWaitMs() const
+    std::chrono::milliseconds nextWait() const
     {
-        qint64 wait = m_call.tickMs;
-        if (m_exit.stopped != StopReason::None)
-            wait = std::min<qint64>(wait, m_stoppedAt + graceMs - m_time.elapsed());
-        else if (m_call.timeoutMs > 0)
-            wait = std::min<qint64>(wait, m_call.timeoutMs - m_time.elapsed());
-        return int(std::max<qint64>(wait, 1));
+        const std::chrono::milliseconds tick(m_call.tickMs);
+        const std::chrono::milliseconds left(m_deadline.remainingTime());
+        return m_deadline.isForever() ? tick : std::min(tick, left);
     }
 
-    void takeSignal(int signal)
+    void act(int signal)
     {
         const StopReason reason = reasonOf(signal);
         if (reason != StopReason::None && m_exit.stopped != StopReason::None)
@@ -190,35 +192,38 @@ private:
             m_call.onTick(m_process);
     }
 
-    void checkTime()
+    void actOnTime()
     {
-        if (m_exit.stopped != StopReason::None && m_time.elapsed() > m_stoppedAt + graceMs)
-            kill();
-        else if (m_exit.stopped == StopReason::None && m_call.timeoutMs > 0 &&
-                 m_time.elapsed() >= m_call.timeoutMs)
+        if (m_exit.stopped == StopReason::None)
             stop(StopReason::Timeout);
+        else
+            kill();
     }
 
     void stop(StopReason reason)
     {
         m_exit.stopped = reason;
-        m_stoppedAt = m_time.elapsed();
-        // The jobs are processes of fio's; without a server they would read the signal as well, and
-        // a guard that waits for the minute has to.
-        ::kill(-m_process, SIGINT);
+        tell(SIGINT);
     }
 
     void kill()
     {
         m_exit.wasKilled = true;
-        ::kill(-m_process, SIGKILL);
+        tell(SIGKILL);
+    }
+
+    /// The jobs are processes of fio's; without a server they would read the signal as well, and a
+    /// guard that waits for the minute has to.
+    void tell(int signal)
+    {
+        m_deadline.setRemainingTime(m_call.graceMs);
+        ::kill(-m_process, signal);
     }
 
     pid_t m_process;
     const FioCall& m_call;
     const sigset_t& m_signals;
-    QElapsedTimer m_time;
-    qint64 m_stoppedAt = 0;
+    QDeadlineTimer m_deadline; ///< for the call; once it is stopped, for its end
     FioExit m_exit;
 };
 
@@ -237,10 +242,9 @@ SignalGuard::SignalGuard()
         ::sigaddset(&m_state->watched, SIGHUP);
     ::sigprocmask(SIG_BLOCK, &m_state->watched, &m_state->maskBefore);
     // Shells start what runs in the background with SIGINT ignored, and an ignored signal is lost
-    // even while it is blocked.
-    struct sigaction standard
+    // even while it is blocked. An action without a handler is the default one.
+    const struct sigaction standard
     {};
-    standard.sa_handler = SIG_DFL;
     ::sigaction(SIGINT, &standard, &m_state->interruptBefore);
     ::sigaction(SIGTERM, &standard, &m_state->terminateBefore);
     ::sigaction(SIGCHLD, &standard, &m_state->childBefore);
@@ -253,29 +257,23 @@ SignalGuard::~SignalGuard()
     ::sigaction(SIGCHLD, &m_state->childBefore, nullptr);
     // A signal that arrived too late for fio must not end the program before it has told its
     // results.
-    while (waitForSignal(m_state->watched, 0) != 0) {
+    while (takeSignal(m_state->watched) != 0) {
     }
     ::sigprocmask(SIG_SETMASK, &m_state->maskBefore, nullptr);
-    delete m_state;
 }
 
 StopReason SignalGuard::pending() const
 {
-    for (int signal = waitForSignal(m_state->watched, 0); signal != 0;
-         signal = waitForSignal(m_state->watched, 0)) {
-        if (reasonOf(signal) != StopReason::None)
-            return reasonOf(signal);
-    }
-    return StopReason::None;
+    return reasonOf(takeSignal(m_state->watched));
 }
 
 StopReason SignalGuard::sleep(int ms) const
 {
-    QElapsedTimer time;
-    time.start();
+    const QDeadlineTimer end(ms);
     StopReason reason = StopReason::None;
-    for (qint64 left = ms; left > 0 && reason == StopReason::None; left = ms - time.elapsed())
-        reason = reasonOf(waitForSignal(m_state->watched, int(left)));
+    while (reason == StopReason::None && !end.hasExpired())
+        reason = reasonOf(
+            waitForSignal(m_state->watched, std::chrono::milliseconds(end.remainingTime())));
     return reason;
 }
 
@@ -283,5 +281,5 @@ FioExit SignalGuard::run(const FioCall& call) const
 {
     FioExit exit;
     const pid_t process = start(call, m_state->maskBefore, exit.problem);
-    return process > 0 ? Watch(process, call, m_state->watched).untilEnd() : exit;
+    return process != 0 ? Watch(process, call, m_state->watched).untilEnd() : exit;
 }

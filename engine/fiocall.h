@@ -5,7 +5,7 @@
 #include <QStringList>
 
 #include <functional>
-#include <optional>
+#include <memory>
 #include <sys/types.h>
 
 /// One call of fio.
@@ -17,6 +17,7 @@ struct FioCall
     QString outputFile;    ///< receives standard output; must not exist
     QString errorFile;     ///< receives standard error; must not exist
     int timeoutMs = 0;     ///< 0: as long as it takes
+    int graceMs = 90000;   ///< from a stop to a kill: a guard that waits for the minute ends late
     int tickMs = 1000;     ///< how often `onTick` is called
     std::function<void(pid_t process)> onTick; ///< while fio runs; may be empty
 };
@@ -54,11 +55,11 @@ public:
     StopReason sleep(int ms) const;
 
     /// Runs fio to its end. A signal or the timeout is passed on as SIGINT, at which fio stops its
-    /// jobs on all machines and reports; a second signal, or a minute and a half without an end,
-    /// kills it. fio gets SIGINT as well if this process dies.
+    /// jobs on all machines and reports; a second signal, or the grace without an end, kills it.
+    /// fio gets SIGINT as well if this process dies.
     FioExit run(const FioCall& call) const;
 
 private:
     struct State;
-    State* m_state;
+    std::unique_ptr<State> m_state;
 };

@@ -28,7 +28,7 @@ public:
     struct Output
     {
         QString name;
-        int timeoutMs = 0; ///< 0: as long as it takes
+        int timeoutMs; ///< 0: as long as it takes
         std::function<void(pid_t process)> onTick;
     };
 

@@ -233,7 +233,6 @@ void JobPlanner::finish()
 {
     for (size_t stage = 0; stage < m_plan.stages.size(); ++stage) {
         for (PlanJobFile& file : m_plan.stages[stage].files) {
-            file.sections = 0;
             for (size_t i = file.firstJob; i < file.endJob; ++i) {
                 const PlanJob& job = m_plan.jobs[i];
                 file.sections += int(job.sections.size());

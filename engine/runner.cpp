@@ -239,9 +239,8 @@ void Runner::runStage(const FioMachines& machines, size_t stage)
         return;
     }
     StageProgress progress(m_plan, stage);
-    FioMachines::Output output;
-    output.name = QStringLiteral("stage-%1").arg(stage);
-    output.timeoutMs = m_options.stageTimeoutMs;
+    FioMachines::Output output = {
+        QStringLiteral("stage-%1").arg(stage), m_options.stageTimeoutMs, {}};
     if (m_options.onProgress)
         output.onTick = [&](pid_t process) { m_options.onProgress(progress.at(process)); };
     std::vector<FioMachines::JobFile> files;

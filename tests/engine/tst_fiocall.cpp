@@ -3,13 +3,17 @@
 #include "tests/support/childprocess.h"
 #include "tests/support/files.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <array>
+#include <cerrno>
 #include <csignal>
 #include <limits>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -44,14 +48,21 @@ private slots:
     void passesAnInterruptOn_data();
     void passesAnInterruptOn();
     void tellsEvenWhatIgnoresSignalsFromTheStart();
+    void holdsSignalsThatWereIgnored_data();
+    void holdsSignalsThatWereIgnored();
+    void knowsHowFioEndedEvenIfThatWasIgnored();
     void stopsAtTheTimeout();
+    void killsOnceTheGraceIsOver();
     void killsAtTheSecondSignal();
     void leavesNoJobOfAKilledFio();
     void endsWithItsParent();
+    void leavesNothingOpen();
+    void ticksWhileItWaits_data();
     void ticksWhileItWaits();
     void countsNoBytesOfAProcessThatIsGone();
     void sleepsUntilItIsTold();
     void givesSignalsBack();
+    void holdsLateSignalsBack();
 
 private:
     FioCall shell(const QString& script) const;
@@ -93,13 +104,22 @@ void TestFioCall::keepsBothOutputsAndTheFolder()
     QCOMPARE(exit.stopped, StopReason::None);
     QCOMPARE(output().trimmed(), m_folder->path().toUtf8());
     QCOMPARE(test::contentOf(m_folder->filePath("err")), QByteArray("no\n"));
+    constexpr mode_t everyones = 0666;
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    for (const char* name : {"out", "err"}) {
+        struct stat status
+        {};
+        QCOMPARE(::stat(QFile::encodeName(m_folder->filePath(name)).constData(), &status), 0);
+        QCOMPARE(status.st_mode, S_IFREG | (everyones & ~mask));
+    }
 }
 
 void TestFioCall::overwritesNoOutput()
 {
     test::put(m_folder->filePath("out"), "mine");
     const SignalGuard guard;
-    QVERIFY(!guard.run(shell("echo yours")).problem.isEmpty());
+    QCOMPARE(guard.run(shell("echo yours")).problem, QStringLiteral("File exists"));
     QCOMPARE(output(), QByteArray("mine"));
 }
 
@@ -110,8 +130,13 @@ void TestFioCall::saysWhyItCannotStart()
     const SignalGuard guard;
     QCOMPARE(guard.run(call).problem, QStringLiteral("No such file or directory"));
     call.program = QStringLiteral("sh");
+    QVERIFY(QFile::remove(m_folder->filePath("out")));
+    QVERIFY(QFile::remove(m_folder->filePath("err")));
     call.folder = m_folder->filePath("none");
-    QVERIFY(!guard.run(call).problem.isEmpty());
+    QCOMPARE(guard.run(call).problem, QStringLiteral("No such file or directory"));
+    // Nobody else would wait for what could not start.
+    QCOMPARE(::waitpid(-1, nullptr, 0), -1);
+    QCOMPARE(errno, ECHILD);
 }
 
 void TestFioCall::saysWhatTheSystemRefuses()
@@ -177,6 +202,41 @@ void TestFioCall::tellsEvenWhatIgnoresSignalsFromTheStart()
     ::signal(SIGINT, SIG_DFL);
 }
 
+void TestFioCall::holdsSignalsThatWereIgnored_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("SIGINT") << SIGINT;
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGCHLD") << SIGCHLD;
+}
+
+void TestFioCall::holdsSignalsThatWereIgnored()
+{
+    QFETCH(int, signal);
+    const auto actionOf = [&] {
+        struct sigaction action
+        {};
+        ::sigaction(signal, nullptr, &action);
+        return action.sa_handler;
+    };
+    ::signal(signal, SIG_IGN);
+    {
+        const SignalGuard guard;
+        QVERIFY(actionOf() == SIG_DFL);
+    }
+    const bool isGivenBack = actionOf() == SIG_IGN;
+    ::signal(signal, SIG_DFL);
+    QVERIFY(isGivenBack);
+}
+
+/// The system tells nobody of the end of a child who ignores it.
+void TestFioCall::knowsHowFioEndedEvenIfThatWasIgnored()
+{
+    ::signal(SIGCHLD, SIG_IGN);
+    leavesNoJobOfAKilledFio();
+    ::signal(SIGCHLD, SIG_DFL);
+}
+
 void TestFioCall::stopsAtTheTimeout()
 {
     FioCall call = shell("trap 'echo told; exit 0' INT; while :; do sleep 0.05; done");
@@ -184,8 +244,22 @@ void TestFioCall::stopsAtTheTimeout()
     const SignalGuard guard;
     const FioExit exit = guard.run(call);
     QCOMPARE(exit.stopped, StopReason::Timeout);
+    QVERIFY(!exit.wasKilled);
     // A shell that had not come to its trap yet ends without a word.
     QVERIFY(output().isEmpty() || output() == "told\n");
+}
+
+void TestFioCall::killsOnceTheGraceIsOver()
+{
+    FioCall call = shell("trap '' INT; kill -INT $PPID; while kill -0 $PPID; do sleep 0.05; done");
+    call.graceMs = 300;
+    const SignalGuard guard;
+    QElapsedTimer time;
+    time.start();
+    const FioExit exit = guard.run(call);
+    QVERIFY(time.elapsed() >= call.graceMs);
+    QCOMPARE(exit.stopped, StopReason::Interrupt);
+    QVERIFY(exit.wasKilled);
 }
 
 void TestFioCall::killsAtTheSecondSignal()
@@ -230,19 +304,45 @@ void TestFioCall::endsWithItsParent()
     QCOMPARE(test::contentOf(told), QByteArray("told\n"));
 }
 
+void TestFioCall::leavesNothingOpen()
+{
+    const SignalGuard guard;
+    const auto openFiles = [] { return QDir("/proc/self/fd").entryList(QDir::System).size(); };
+    const int before = openFiles();
+    QVERIFY(before > 0);
+    QVERIFY(guard.run(shell("exit 0")).problem.isEmpty());
+    QCOMPARE(openFiles(), before);
+    // Now the outputs are there.
+    QVERIFY(!guard.run(shell("exit 0")).problem.isEmpty());
+    QCOMPARE(openFiles(), before);
+}
+
+void TestFioCall::ticksWhileItWaits_data()
+{
+    QTest::addColumn<int>("tickMs");
+    QTest::addColumn<int>("count");
+    QTest::newRow("many times a second") << 20 << 3;
+    QTest::newRow("once a second") << 1000 << 1;
+}
+
 void TestFioCall::ticksWhileItWaits()
 {
+    QFETCH(int, tickMs);
+    QFETCH(int, count);
     FioCall call = shell("while ! test -e ticked; do sleep 0.02; done");
-    call.tickMs = 20;
+    call.tickMs = tickMs;
     int ticks = 0;
+    QElapsedTimer time;
+    time.start();
     call.onTick = [&](pid_t process) {
-        QVERIFY(process > 0);
-        if (++ticks == 3)
+        if (++ticks == count)
             test::put(m_folder->filePath("ticked"), "");
+        QVERIFY(process > 0);
+        QVERIFY(time.elapsed() >= qint64(ticks) * tickMs);
     };
     const SignalGuard guard;
     QCOMPARE(guard.run(call).stopped, StopReason::None);
-    QVERIFY(ticks >= 3);
+    QVERIFY(ticks >= count);
 }
 
 void TestFioCall::countsNoBytesOfAProcessThatIsGone()
@@ -289,6 +389,17 @@ void TestFioCall::givesSignalsBack()
     ::sigprocmask(SIG_SETMASK, nullptr, &mask);
     QVERIFY(!::sigismember(&mask, SIGTERM));
     QVERIFY(!::sigismember(&mask, SIGINT));
+}
+
+/// A signal after the last call must not end the program before it has told its results.
+void TestFioCall::holdsLateSignalsBack()
+{
+    const pid_t child = test::startChild([] {
+        const SignalGuard guard;
+        ::raise(SIGINT);
+        ::raise(SIGTERM);
+    });
+    QVERIFY(test::endedWell(child));
 }
 
 /// The watchdog of Qt Test is a thread, and a signal that no other thread takes would reach it: it
