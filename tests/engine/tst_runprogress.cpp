@@ -1,0 +1,115 @@
+#include "engine/exporter.h"
+#include "engine/planner.h"
+#include "engine/runner.h"
+#include "tests/engine/seriesrun.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTest>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+using test::SeriesRun;
+
+// How far a run is while fio works. A program stands in for fio, and moves as much as a test says.
+
+class TestRunProgress : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void tellsHowFarEachStageIs();
+    void fioIdlesForEachSection();
+};
+
+namespace {
+
+constexpr qint64 kib = 1024;
+
+/// Runs a series, in each stage of which 256 KiB are read and written, and tells the progress of
+/// each as it is then.
+std::vector<RunProgress> progressOf(const SeriesRun& series)
+{
+    const QByteArray gate = QFile::encodeName(series.file("gate"));
+    if (::mkfifo(gate.constData(), S_IRUSR | S_IWUSR) != 0)
+        qFatal("can't make a FIFO");
+    qputenv("STANDIN_NOW", "head -c 262144 /dev/zero > '" + QFile::encodeName(series.file("sink")) +
+                               "'; read line < '" + gate + '\'');
+    const SeriesFacts facts =
+        readSeries(seriesNameForLoading(series.file("mytest.dpc")), QString());
+    const PlanResult planned = planSeries(facts, {});
+    RunFolder folder;
+    std::string problem;
+    if (!folder.create(series.file("run"), problem) ||
+        !fillExport(folder.path(), planned.plan, {}, problem))
+        qFatal("can't export the plan: %s", problem.c_str());
+    std::vector<RunProgress> seen;
+    int number = -1;
+    RunOptions options;
+    options.program = QStringLiteral(TWDP_STANDIN);
+    options.onProgress = [&](const RunProgress& progress) {
+        // The shell opens the FIFO when it has moved its bytes, so the next progress knows them.
+        if (number < 0) {
+            number = ::open(gate.constData(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+            return;
+        }
+        seen.push_back(progress);
+        if (::write(number, "\n", 1) != 1)
+            qFatal("nobody reads the FIFO");
+        ::close(number);
+        number = -1;
+    };
+    Runner(planned.plan, folder, options).run(QStringLiteral("fio-3.33"));
+    return seen;
+}
+
+} // namespace
+
+void TestRunProgress::tellsHowFarEachStageIs()
+{
+    const SeriesRun series;
+    series.putSeries({{SeriesRun::line("", "[cfgPath]/a.dat", 1024, 64, 3)},
+                      {SeriesRun::line("[cfgPath]/a.dat", "[cfgPath]/b.dat", 1024, 128)},
+                      {SeriesRun::line("", "[cfgPath]/c.dat", 128, 128),
+                       SeriesRun::line("", "[cfgPath]/d.dat", 128, 128)}});
+    QElapsedTimer time;
+    time.start();
+    const std::vector<RunProgress> seen = progressOf(series);
+    const qint64 all = time.elapsed();
+    QCOMPARE(seen.size(), size_t(3));
+    for (size_t stage = 0; stage < seen.size(); ++stage) {
+        QCOMPARE(seen[stage].stage, stage);
+        QVERIFY(seen[stage].elapsedMs > 0);
+        QVERIFY(seen[stage].elapsedMs <= all);
+        QVERIFY(seen[stage].doneBytes.has_value());
+    }
+    // A shell and what it starts read a little for themselves.
+    constexpr qint64 little = 200 * kib;
+    QCOMPARE(seen[0].plannedBytes, 1024 * kib);
+    QVERIFY(*seen[0].doneBytes >= 512 * kib);
+    QVERIFY(*seen[0].doneBytes < 512 * kib + little);
+    QCOMPARE(seen[0].leastMs, qint64(16 * 3 + 300 + 300));
+    // A copy is done once it is read and written.
+    QCOMPARE(seen[1].plannedBytes, 1024 * kib);
+    QVERIFY(*seen[1].doneBytes >= 256 * kib);
+    QVERIFY(*seen[1].doneBytes < 256 * kib + little);
+    QCOMPARE(seen[1].leastMs, qint64(300 + 300));
+    // Nothing is more than done.
+    QCOMPARE(seen[2].plannedBytes, 256 * kib);
+    QCOMPARE(*seen[2].doneBytes, 256 * kib);
+    QCOMPARE(seen[2].leastMs, qint64(2 * 300 + 300));
+}
+
+void TestRunProgress::fioIdlesForEachSection()
+{
+    PlanJobFile file;
+    file.sections = 7;
+    QCOMPARE(fioIdleMs(file, true), qint64(7 * 300 + 300));
+    QCOMPARE(fioIdleMs(file, false), qint64(7 * 300 + 1400));
+}
+
+QTEST_APPLESS_MAIN(TestRunProgress)
+#include "tst_runprogress.moc"
