@@ -21,7 +21,7 @@ constexpr size_t maxSizesAsked = 16;
 /// A question to one machine.
 struct Question
 {
-    int machine = 0;
+    int machine;
     GuardTest test;
 };
 

@@ -14,10 +14,10 @@ public:
     /// By whom, and how large.
     struct Maker
     {
-        int stage = 0;
-        int machine = 0;
-        qint64 bytes = 0;
-        size_t firstJob = 0; ///< index in Plan::jobs of the first that wrote it on this machine
+        int stage;
+        int machine;
+        qint64 bytes;
+        size_t firstJob; ///< index in Plan::jobs of the first that wrote it on this machine
     };
 
     /// For so many machines; none has made a file yet.

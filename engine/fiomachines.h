@@ -12,7 +12,7 @@ public:
     /// A job file of one machine, relative to the folder.
     struct JobFile
     {
-        int machine = 0; ///< index in Plan::machines
+        int machine; ///< index in Plan::machines
         QByteArray file;
     };
 

@@ -21,6 +21,7 @@ public:
     DocumentScanner(const QByteArray& text, int begin)
         : m_text(text)
         , m_at(begin)
+        , m_sectionBegin(begin)
     {}
 
     FioOutput scan();
@@ -33,9 +34,9 @@ private:
 
     const QByteArray& m_text;
     int m_at;
+    int m_sectionBegin;
     int m_depth = 0;
     bool m_inSections = false;
-    int m_sectionBegin = 0;
     FioOutput m_output;
 };
 

@@ -15,7 +15,7 @@
 /// The result of one planned job.
 struct JobResult
 {
-    bool isGood = false;             ///< it ran, without an error, and did its bytes
+    bool isGood{};                   ///< it ran, without an error, and did its bytes
     std::string reason;              ///< why it is not good, in UTF-8
     std::optional<qint64> doneBytes; ///< of a copy, what was written
     std::optional<int> error;        ///< error number of the system, 0 for none
@@ -84,8 +84,8 @@ private:
 /// The jobs of one stage, as a range of Plan::jobs.
 struct JobRange
 {
-    size_t begin = 0;
-    size_t end = 0; ///< one after the last
+    size_t begin;
+    size_t end; ///< one after the last
 };
 
 /// Jobs of a stage.

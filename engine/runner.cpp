@@ -73,7 +73,7 @@ public:
         m_progress.elapsedMs = m_time.elapsed();
         const std::optional<long long> moved =
             m_isLocal ? bytesMovedBy(process) : std::optional<long long>();
-        if (moved.has_value() && m_movedPlanned > 0) {
+        if (moved.has_value()) {
             const double part = std::min(1.0, double(*moved) / double(m_movedPlanned));
             m_progress.doneBytes = qint64(part * double(m_progress.plannedBytes));
         }

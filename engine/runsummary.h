@@ -11,10 +11,10 @@
 /// Of the values of several iterations.
 struct Spread
 {
-    double min = 0;
-    double median = 0;
-    double max = 0;
-    int count = 0; ///< of values, at least 1
+    double min;
+    double median;
+    double max;
+    int count; ///< of values, at least 1
 };
 
 /// Nothing for no values.
