@@ -1,6 +1,6 @@
 #include "engine/fioaddress.h"
 
-#include <QElapsedTimer>
+#include <QDeadlineTimer>
 #include <QFile>
 
 #include <cerrno>
@@ -29,7 +29,6 @@ AddressList lookUp(const FioAddress& address, int& error)
 {
     addrinfo hints{};
     hints.ai_family = AF_INET;
-    hints.ai_socktype = SOCK_STREAM;
     addrinfo* found = nullptr;
     error = ::getaddrinfo(address.host.toLatin1().constData(),
                           QByteArray::number(address.port).constData(), &hints, &found);
@@ -49,7 +48,7 @@ public:
     }
     ~Attempt()
     {
-        if (m_number >= 0)
+        if (m_number != -1)
             ::close(m_number);
     }
     Q_DISABLE_COPY_MOVE(Attempt)
@@ -61,7 +60,7 @@ public:
     /// The system has decided.
     void finish()
     {
-        int error = 0;
+        int error{};
         socklen_t size = sizeof error;
         const bool isKnown = ::getsockopt(m_number, SOL_SOCKET, SO_ERROR, &error, &size) == 0;
         fail(isKnown ? error : errno);
@@ -77,7 +76,7 @@ public:
 private:
     void begin(const FioAddress& address)
     {
-        int error = 0;
+        int error{};
         const AddressList list = lookUp(address, error);
         // fio takes the first address, too.
         if (list == nullptr)
@@ -101,9 +100,9 @@ private:
     void connectTo(int family, const sockaddr* address, socklen_t length)
     {
         m_number = ::socket(family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-        if (m_number >= 0 && ::connect(m_number, address, length) == 0)
+        if (m_number != -1 && ::connect(m_number, address, length) == 0)
             return;
-        m_isOpen = m_number >= 0 && errno == EINPROGRESS;
+        m_isOpen = errno == EINPROGRESS;
         if (!m_isOpen)
             fail(errno);
     }
@@ -114,7 +113,7 @@ private:
 };
 
 /// Waits until something happens to one of them; false once the time is over.
-bool step(std::vector<std::unique_ptr<Attempt>>& attempts, qint64 msLeft)
+bool step(std::vector<std::unique_ptr<Attempt>>& attempts, const QDeadlineTimer& end)
 {
     std::vector<pollfd> waits;
     std::vector<Attempt*> waiting;
@@ -124,7 +123,7 @@ bool step(std::vector<std::unique_ptr<Attempt>>& attempts, qint64 msLeft)
         waits.push_back({attempt->number(), POLLOUT, 0});
         waiting.push_back(attempt.get());
     }
-    if (waits.empty() || msLeft <= 0 || ::poll(waits.data(), waits.size(), int(msLeft)) == 0)
+    if (waits.empty() || ::poll(waits.data(), waits.size(), int(end.remainingTime())) == 0)
         return false;
     for (size_t i = 0; i < waits.size(); ++i) {
         if (waits[i].revents != 0)
@@ -143,9 +142,9 @@ std::optional<FioAddress> FioAddress::parse(const QByteArray& text)
         return address.socket.isEmpty() ? std::nullopt : std::optional<FioAddress>(address);
     }
     const int comma = text.lastIndexOf(',');
-    if (!text.startsWith("ip:") || comma < 0)
+    if (!text.startsWith("ip:"))
         return std::nullopt;
-    bool isNumber = false;
+    bool isNumber{};
     address.host = QString::fromLatin1(text.mid(3, comma - 3));
     address.port = text.mid(comma + 1).toInt(&isNumber);
     if (address.host.isEmpty() || !isNumber || address.port < 1 || address.port > maxPort)
@@ -157,7 +156,7 @@ bool FioAddress::isPrivate() const
 {
     if (!socket.isEmpty())
         return true;
-    int error = 0;
+    int error{};
     const AddressList list = lookUp(*this, error);
     if (list == nullptr)
         return false;
@@ -172,13 +171,12 @@ bool FioAddress::isPrivate() const
 
 std::vector<QString> whyUnreachable(const std::vector<FioAddress>& addresses, int timeoutMs)
 {
-    QElapsedTimer time;
-    time.start();
+    const QDeadlineTimer end(timeoutMs);
     std::vector<std::unique_ptr<Attempt>> attempts;
     attempts.reserve(addresses.size());
     for (const FioAddress& address : addresses)
         attempts.push_back(std::make_unique<Attempt>(address));
-    while (step(attempts, timeoutMs - time.elapsed())) {
+    while (step(attempts, end)) {
     }
     std::vector<QString> reasons;
     for (const std::unique_ptr<Attempt>& attempt : attempts) {

@@ -1,5 +1,6 @@
 #include "engine/fioaddress.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
@@ -9,9 +10,11 @@
 #include <arpa/inet.h>
 #include <memory>
 #include <netinet/in.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
+#include <utility>
 
 /// Addresses of fio's servers: how they are written, who reaches them, and whether they answer.
 class TestFioAddress : public QObject
@@ -25,6 +28,8 @@ private slots:
     void onlyLoopbackIsPrivate();
     void allAreTriedAtTheSameTime();
     void silenceIsGivenUp();
+    void nothingStaysOpen();
+    void tellsThatTooMuchIsOpen();
 
 private:
     QTemporaryDir m_folder;
@@ -58,6 +63,7 @@ private:
 };
 
 constexpr int someBacklog = 16;
+constexpr int someMs = 60000;
 
 std::unique_ptr<Listener> listenAtLoopback(int backlog)
 {
@@ -158,9 +164,9 @@ void TestFioAddress::allAreTriedAtTheSameTime()
         parsed("sock:/" + QString(106, 'x')),
         parsed("ip:pc01.invalid,1"),
         loopback(server->port()),
+        parsed("ip:::1,1"),
     };
-    constexpr int longMs = 60000;
-    const std::vector<QString> reasons = whyUnreachable(addresses, longMs);
+    const std::vector<QString> reasons = whyUnreachable(addresses, someMs);
     QCOMPARE(reasons.size(), addresses.size());
     QCOMPARE(reasons[0], QString());
     QCOMPARE(reasons[1], QStringLiteral("Connection refused"));
@@ -170,6 +176,8 @@ void TestFioAddress::allAreTriedAtTheSameTime()
     QCOMPARE(reasons[5], QStringLiteral("No such file or directory"));
     QVERIFY(!reasons[6].isEmpty());
     QCOMPARE(reasons[7], QString());
+    // fio would not connect to it, either.
+    QCOMPARE(reasons[8], QStringLiteral("Address family for hostname not supported"));
 }
 
 /// The system answers nobody once the queue of those who wait for an answer is full.
@@ -197,6 +205,32 @@ void TestFioAddress::silenceIsGivenUp()
     QCOMPARE(reasons[1], QString());
     for (const int number : waiting)
         ::close(number);
+}
+
+void TestFioAddress::nothingStaysOpen()
+{
+    const auto server = listenAtLoopback(someBacklog);
+    const auto openFiles = [] { return QDir("/proc/self/fd").entryList(QDir::System); };
+    const QStringList before = openFiles();
+    QVERIFY(!before.isEmpty());
+    const std::vector<QString> reasons = whyUnreachable(
+        {loopback(server->port()), parsed("ip:pc01.invalid,1"), parsed("sock:none")}, someMs);
+    QCOMPARE(reasons.size(), size_t(3));
+    QCOMPARE(openFiles(), before);
+}
+
+void TestFioAddress::tellsThatTooMuchIsOpen()
+{
+    const int firstFree = ::dup(STDIN_FILENO);
+    ::close(firstFree);
+    rlimit limit{};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    const rlim_t before = std::exchange(limit.rlim_cur, rlim_t(firstFree));
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+    const std::vector<QString> reasons = whyUnreachable({parsed("sock:none")}, someMs);
+    limit.rlim_cur = before;
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+    QCOMPARE(reasons.front(), QStringLiteral("Too many open files"));
 }
 
 QTEST_APPLESS_MAIN(TestFioAddress)

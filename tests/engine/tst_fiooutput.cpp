@@ -24,6 +24,8 @@ private slots:
     void takesNamesInAnyEncoding();
     void takesBracesInMessages();
     void takesTheStartOfNewerVersions();
+    void takesSectionsFromTheirListsOnly();
+    void endsWithTheDocument();
 };
 
 namespace {
@@ -223,6 +225,22 @@ void TestFioOutput::takesTheStartOfNewerVersions()
     const FioOutput output = readFioOutput(documentOf(section));
     QCOMPARE(output.sections.size(), size_t(1));
     QCOMPARE(output.sections.front().startMs, std::optional<qint64>(1795301642763));
+}
+
+void TestFioOutput::takesSectionsFromTheirListsOnly()
+{
+    const QByteArray section = sectionWith("\"error\" : 0");
+    const QByteArray others = "\"others\" : [ " + section + " ]";
+    const QByteArray jobs = "\"jobs\" : [ " + section + " ]";
+    for (const QByteArray& text : {others, others + ", " + jobs, jobs + ", " + others})
+        QCOMPARE(readFioOutput("{ " + text + " }\n").sections.size(),
+                 size_t(text == others ? 0 : 1));
+}
+
+void TestFioOutput::endsWithTheDocument()
+{
+    const QByteArray document = documentOf(sectionWith("\"error\" : 0"));
+    QCOMPARE(readFioOutput(document + document).sections.size(), size_t(1));
 }
 
 QTEST_APPLESS_MAIN(TestFioOutput)
