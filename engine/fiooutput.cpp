@@ -191,7 +191,7 @@ int documentBegin(const QByteArray& text)
     if (text.startsWith('{'))
         return 0;
     const int line = text.indexOf("\n{");
-    return line < 0 ? text.indexOf('{') : line + 1;
+    return line == -1 ? text.indexOf('{') : line;
 }
 
 } // namespace

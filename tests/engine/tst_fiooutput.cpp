@@ -24,6 +24,7 @@ private slots:
     void takesNamesInAnyEncoding();
     void takesBracesInMessages();
     void takesTheStartOfNewerVersions();
+    void takesNumbersThatAreExact();
     void takesSectionsFromTheirListsOnly();
     void endsWithTheDocument();
 };
@@ -217,6 +218,8 @@ void TestFioOutput::takesBracesInMessages()
     QCOMPARE(output.sections.size(), size_t(1));
     QCOMPARE(output.sections.front().error, 2);
     QVERIFY(output.isWhole);
+    const QByteArray document = documentOf(sectionWith("\"error\" : 2"));
+    QCOMPARE(readFioOutput("fio: " + document.simplified()).sections.size(), size_t(1));
 }
 
 void TestFioOutput::takesTheStartOfNewerVersions()
@@ -225,6 +228,18 @@ void TestFioOutput::takesTheStartOfNewerVersions()
     const FioOutput output = readFioOutput(documentOf(section));
     QCOMPARE(output.sections.size(), size_t(1));
     QCOMPARE(output.sections.front().startMs, std::optional<qint64>(1795301642763));
+}
+
+void TestFioOutput::takesNumbersThatAreExact()
+{
+    const auto startOf = [](const QByteArray& number) {
+        const QByteArray section = sectionWith("\"error\" : 0, \"job_start\" : " + number);
+        return readFioOutput(documentOf(section)).sections.front().startMs;
+    };
+    QCOMPARE(startOf("0"), std::optional<qint64>(0));
+    QCOMPARE(startOf("9007199254740992"), std::optional<qint64>(9007199254740992));
+    QCOMPARE(startOf("9007199254740994"), std::optional<qint64>());
+    QCOMPARE(startOf("-1"), std::optional<qint64>());
 }
 
 void TestFioOutput::takesSectionsFromTheirListsOnly()
