@@ -36,20 +36,12 @@ void add(std::optional<IoFigures>& sum, const IoFigures& part)
     sum->ios += part.ios;
     sum->ioNs += part.ioNs;
     if (part.maxNs.has_value())
-        sum->maxNs = std::max(sum->maxNs.value_or(0), *part.maxNs);
-}
-
-/// Of both directions, one that has nothing to do counts as done.
-qint64 bytesOf(const PlanJob& job, const JobResult& result)
-{
-    const qint64 read = result.read.has_value() ? result.read->bytes : 0;
-    const qint64 written = result.write.has_value() ? result.write->bytes : 0;
-    return writes(job.kind) ? written : read;
+        sum->maxNs = std::max(sum->maxNs.value_or(*part.maxNs), *part.maxNs);
 }
 
 std::string reasonOf(const PlanJob& job, const JobResult& result)
 {
-    if (result.error.value_or(0) != 0)
+    if (*result.error != 0)
         return fmt::format("error {}: {}", *result.error, std::strerror(*result.error));
     if (!result.hasBegun())
         return "did not begin: its file was not as planned, or fio ended before";
@@ -82,13 +74,15 @@ void addLogs(const PlanJob& job, const FioHost& host, const FioLogs& logs, JobRe
         for (const QString& file : logs.bandwidth(logNameOf(job, section), host.name))
             result.bandwidthLogs.push_back(file);
     }
-    if (result.startMs.has_value() || !result.runtimeMs.has_value())
+    if (result.startMs.has_value())
         return;
     const std::optional<qint64> last =
         logs.lastMoment(logNameOf(job, job.sections.back()), host.name);
     // A wait follows the last chunk as well, unless a flush is the last that happens.
-    const qint64 end = last.value_or(0) + (job.flush ? 0 : job.waitMs);
-    if (last.has_value() && end >= *result.runtimeMs)
+    if (!last.has_value())
+        return;
+    const qint64 end = *last + (job.flush ? 0 : job.waitMs);
+    if (end >= *result.runtimeMs)
         result.startMs = end - *result.runtimeMs;
 }
 
@@ -104,7 +98,7 @@ JobResult resultOf(const PlanJob& job, const SectionIndex& reports, const FioHos
         if (&section == &job.sections.front())
             result.startMs = found.front()->startMs;
     }
-    result.doneBytes = bytesOf(job, result);
+    result.doneBytes = writes(job.kind) ? result.write->bytes : result.read->bytes;
     const double latencies = (result.read.has_value() ? result.read->ioNs : 0) +
                              (result.write.has_value() ? result.write->ioNs : 0);
     result.ioNs = qint64(latencies) + result.syncNs.value_or(0);
@@ -202,9 +196,9 @@ std::optional<qint64> FioLogs::lastMoment(const QByteArray& begin, const QString
         return std::nullopt;
     file.seek(std::max<qint64>(0, file.size() - maxLogTail));
     const QList<QByteArray> lines = file.readAll().trimmed().split('\n');
-    bool isNumber = false;
+    bool isNumber{};
     const qint64 moment = lines.last().split(',').first().toLongLong(&isNumber);
-    return isNumber && moment > 0 ? std::optional<qint64>(moment) : std::nullopt;
+    return isNumber ? std::optional<qint64>(moment) : std::nullopt;
 }
 
 JobRange jobsOf(const Plan& plan, size_t stage)

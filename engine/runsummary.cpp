@@ -57,7 +57,7 @@ TaskSummary taskOf(const std::vector<const RecordedJob*>& jobs)
         addTo(p50, job->p50Ns);
         addTo(p99, job->p99Ns);
         if (job->maxNs)
-            task.maxNs = std::max(task.maxNs.value_or(0), *job->maxNs);
+            task.maxNs = std::max(task.maxNs.value_or(*job->maxNs), *job->maxNs);
         task.isShort = task.isShort || (job->runtimeMs && *job->runtimeMs < shortMs);
     }
     task.rate = spreadOf(std::move(rates));

@@ -7,6 +7,7 @@
 #include "engine/names.h"
 #include "model/methods.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 
 namespace {
@@ -46,7 +47,7 @@ void judgeBuffer(const LineFact& line, const LossSink& lose)
              "this setting");
         return;
     }
-    const bool isWhole = used.chunkSize <= 0 || used.chunkSize >= used.fileSize;
+    const bool isWhole = used.chunkSize == 0 || used.chunkSize >= used.fileSize;
     if (buffer == LibraryBuffer::CutsChunks)
         lose(fioBufferSizes, MethodField,
              fmt::format("the buffer of {} cuts chunks into calls of other sizes; fio makes one "
@@ -186,8 +187,7 @@ PlanJob jobOfTask(const LineFact& line)
 bool chooseSections(PlanJob& job, const QByteArray& name, const QByteArray& logFile,
                     bool isBehindServer, const LossSink& lose)
 {
-    if (job.chunk <= 0 || job.chunk > job.bytes)
-        job.chunk = job.bytes;
+    job.chunk = job.chunk != 0 ? std::min(job.chunk, job.bytes) : job.bytes;
     if (job.chunk > maxChunk) {
         lose(fioSize, ChunkSizeField,
              fmt::format("fio reads and writes at most 1 GiB in one call, and a chunk has {} bytes",
