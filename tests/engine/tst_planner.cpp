@@ -371,20 +371,20 @@ void TestPlanner::tempOfAnotherMachineMustBeKnown()
     PlannedSeries series;
     series.options().machines = twoMachines;
     series.options().machines[0].tempFolder = "/scratch";
-    const QByteArray line = writing("[temp]/a.dat").text();
-    const PlanResult result = series.planOf(line);
+    const QByteArray lines = writing("[temp]/a.dat").text() + writing("[temp]/b.dat").text();
+    const PlanResult result = series.planOf(lines);
     QCOMPARE(result.misuse.size(), size_t(1));
     QVERIFY(result.misuse.front().find("'pc2'") != std::string::npos);
     series.options().machines[1].tempFolder = "/other";
-    const Plan plan = series.planOf(line).plan;
+    const Plan plan = series.planOf(lines).plan;
     QCOMPARE(plan.jobs[0].destination.path, QString("/scratch/a.dat"));
-    QCOMPARE(plan.jobs[1].destination.path, QString("/other/a.dat"));
+    QCOMPARE(plan.jobs[2].destination.path, QString("/other/a.dat"));
     // A series that does not name it needs none.
     series.options().machines = twoMachines;
     QVERIFY(series.planOf(writing("/d/a.dat").text()).misuse.empty());
     // This machine knows its own.
     series.options().machines.clear();
-    QVERIFY(series.planOf(line).misuse.empty());
+    QVERIFY(series.planOf(lines).misuse.empty());
     series.options().localTempFolder = "/mine";
     QCOMPARE(series.plan().plan.jobs[0].destination.path, QString("/mine/a.dat"));
 }
