@@ -6,7 +6,6 @@
 #include "engine/jobfile.h"
 
 #include <QDateTime>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
@@ -175,7 +174,6 @@ RunResults Runner::run(const QString& fioVersion)
     m_results.fioVersion = fioVersion;
     m_results.status.startedMs = now();
     m_folder.writeState(m_results.status);
-    QDir(m_folder.path()).mkdir(QLatin1String(outputFolderName));
     const FioMachines machines(m_plan, m_folder, m_signals, m_options.program);
     if (isAsPlanned(machines) && !m_options.dryRun)
         runStages(machines);

@@ -1,13 +1,16 @@
 #include "tests/engine/seriesrun.h"
 #include "tests/support/files.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <algorithm>
 #include <random>
 #include <sys/resource.h>
+#include <vector>
 
 using test::SeriesRun;
 
@@ -29,6 +32,8 @@ private slots:
     void isNeverGoodAboutBrokenOutput();
     void survivesAnyOutput();
     void keepsWhatFioPrinted();
+    void tellsThatItRunsBeforeItAsks();
+    void tellsWhenItRan();
     void costsLittle();
 
 private:
@@ -209,6 +214,43 @@ void TestRunStandIn::keepsWhatFioPrinted()
     qputenv("STANDIN_OUTPUT", series.file("output").toUtf8());
     QCOMPARE(series.run({"--to", series.file("run")}).status, 0);
     QCOMPARE(test::contentOf(series.file("run/output/stage-0.txt")), output);
+}
+
+void TestRunStandIn::tellsThatItRunsBeforeItAsks()
+{
+    const SeriesRun series;
+    putTwoJobs(series);
+    // Programs of fio work in the folder of the run.
+    const QTemporaryDir tools;
+    const QString program = tools.filePath("fio");
+    test::put(program, "#!/bin/sh\ncase \"$*\" in *guard-0*) cp state.json ../asked.json;; esac\n"
+                       "exec " TWDP_STANDIN " \"$@\"\n");
+    QVERIFY(QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner));
+    qputenv("PATH", tools.path().toUtf8() + ':' + m_path);
+    QCOMPARE(series.run({"--to", series.file("run")}).status, 0);
+    const QJsonObject asked = series.json(".", "asked.json");
+    QCOMPARE(asked["state"].toString(), QStringLiteral("running"));
+    QVERIFY(asked["stage"].isNull());
+    QCOMPARE(asked["startedMs"], series.json("run", "state.json")["startedMs"]);
+}
+
+void TestRunStandIn::tellsWhenItRan()
+{
+    const SeriesRun series;
+    putTwoJobs(series);
+    const auto now = [] { return double(QDateTime::currentMSecsSinceEpoch()); };
+    const double before = now();
+    QCOMPARE(series.run({"--to", series.file("run")}).status, 0);
+    const QJsonObject results = series.json("run", "results.json");
+    const QJsonObject stage = results["stages"].toArray()[0].toObject();
+    const std::vector<double> moments = {before,
+                                         results["startedMs"].toDouble(),
+                                         stage["startedMs"].toDouble(),
+                                         stage["endedMs"].toDouble(),
+                                         results["endedMs"].toDouble(),
+                                         now()};
+    QVERIFY(std::is_sorted(moments.begin(), moments.end()));
+    QCOMPARE(series.json("run", "state.json")["endedMs"], results["endedMs"]);
 }
 
 /// Processor time of dpc itself for few jobs and for many: the difference is what a job costs.
