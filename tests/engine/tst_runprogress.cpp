@@ -2,11 +2,14 @@
 #include "engine/planner.h"
 #include "engine/runner.h"
 #include "tests/engine/seriesrun.h"
+#include "tests/support/childprocess.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTest>
 
+#include <csignal>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,7 +17,8 @@
 
 using test::SeriesRun;
 
-// How far a run is while fio works. A program stands in for fio, and moves as much as a test says.
+// Runs as a program that shows their progress starts them. A program stands in for fio, and moves
+// as much as a test says.
 
 class TestRunProgress : public QObject
 {
@@ -23,11 +27,32 @@ class TestRunProgress : public QObject
 private slots:
     void tellsHowFarEachStageIs();
     void fioIdlesForEachSection();
+    void asksNothingIfItIsStoppedBefore();
 };
 
 namespace {
 
 constexpr qint64 kib = 1024;
+
+/// Plans a series, and exports it into the folder of its run.
+Plan planInto(RunFolder& folder, const SeriesRun& series)
+{
+    const SeriesFacts facts =
+        readSeries(seriesNameForLoading(series.file("mytest.dpc")), QString());
+    Plan plan = planSeries(facts, {}).plan;
+    std::string problem;
+    if (!folder.create(series.file("run"), problem) ||
+        !fillExport(folder.path(), plan, {}, problem))
+        qFatal("can't export the plan: %s", problem.c_str());
+    return plan;
+}
+
+RunOptions withStandIn()
+{
+    RunOptions options;
+    options.program = QStringLiteral(TWDP_STANDIN);
+    return options;
+}
 
 /// Runs a series, in each stage of which 256 KiB are read and written, and tells the progress of
 /// each as it is then.
@@ -38,18 +63,11 @@ std::vector<RunProgress> progressOf(const SeriesRun& series)
         qFatal("can't make a FIFO");
     qputenv("STANDIN_NOW", "head -c 262144 /dev/zero > '" + QFile::encodeName(series.file("sink")) +
                                "'; read line < '" + gate + '\'');
-    const SeriesFacts facts =
-        readSeries(seriesNameForLoading(series.file("mytest.dpc")), QString());
-    const PlanResult planned = planSeries(facts, {});
     RunFolder folder;
-    std::string problem;
-    if (!folder.create(series.file("run"), problem) ||
-        !fillExport(folder.path(), planned.plan, {}, problem))
-        qFatal("can't export the plan: %s", problem.c_str());
+    const Plan plan = planInto(folder, series);
     std::vector<RunProgress> seen;
     int number = -1;
-    RunOptions options;
-    options.program = QStringLiteral(TWDP_STANDIN);
+    RunOptions options = withStandIn();
     options.onProgress = [&](const RunProgress& progress) {
         // The shell opens the FIFO when it has moved its bytes, so the next progress knows them.
         if (number < 0) {
@@ -62,7 +80,7 @@ std::vector<RunProgress> progressOf(const SeriesRun& series)
         ::close(number);
         number = -1;
     };
-    Runner(planned.plan, folder, options).run(QStringLiteral("fio-3.33"));
+    Runner(plan, folder, options).run(QStringLiteral("fio-3.33"));
     return seen;
 }
 
@@ -109,6 +127,24 @@ void TestRunProgress::fioIdlesForEachSection()
     file.sections = 7;
     QCOMPARE(fioIdleMs(file, true), qint64(7 * 300 + 300));
     QCOMPARE(fioIdleMs(file, false), qint64(7 * 300 + 1400));
+}
+
+void TestRunProgress::asksNothingIfItIsStoppedBefore()
+{
+    const SeriesRun series;
+    series.putSeries({{SeriesRun::line("", "[cfgPath]/a.dat", 128)}});
+    const pid_t child = test::startChild([&] {
+        RunFolder folder;
+        const Plan plan = planInto(folder, series);
+        const RunOptions options = withStandIn();
+        Runner runner(plan, folder, options);
+        ::raise(SIGTERM);
+        runner.run(QStringLiteral("fio-3.33"));
+    });
+    QVERIFY(test::endedWell(child));
+    QCOMPARE(series.state("run"), QStringLiteral("interrupted"));
+    QVERIFY(series.json("run", "results.json")["endedMs"].isDouble());
+    QVERIFY(QDir(series.file("run/output")).isEmpty());
 }
 
 QTEST_APPLESS_MAIN(TestRunProgress)
