@@ -131,9 +131,15 @@ private:
 
     int machineNamed(const QJsonValue& name)
     {
-        const int machine = m_machines.value(name.toString(), -1);
-        expect(machine >= 0);
-        return std::max(machine, 0);
+        expect(m_machines.contains(name.toString()));
+        return m_machines.value(name.toString());
+    }
+
+    qint64 wholeNumber(const QJsonValue& value)
+    {
+        const std::optional<qint64> number = wholeNumberOf(value);
+        expect(number.has_value());
+        return number.value_or(qint64());
     }
 
     void readStage(const QJsonObject& object)
@@ -162,8 +168,7 @@ private:
 
     void readJobs(const PlanJobFile& file, int count)
     {
-        expect(count > 0 &&
-               m_plan.jobs.size() + size_t(std::max(count, 0)) <= size_t(m_jobs.size()));
+        expect(count > 0 && m_plan.jobs.size() + size_t(count) <= size_t(m_jobs.size()));
         for (int i = 0; m_isGood && i < count; ++i) {
             const QJsonObject object = m_jobs[int(m_plan.jobs.size())].toObject();
             PlanJob job = jobOf(object);
@@ -184,8 +189,8 @@ private:
         job.iteration = object["iteration"].toInt();
         job.source = fileOf(object["source"]);
         job.destination = fileOf(object["destination"]);
-        job.bytes = wholeNumberOf(object["bytes"]).value_or(-1);
-        job.chunk = wholeNumberOf(object["chunkBytes"]).value_or(-1);
+        job.bytes = wholeNumber(object["bytes"]);
+        job.chunk = wholeNumber(object["chunkBytes"]);
         job.waitMs = object["waitMs"].toInt();
         job.flush = object["flush"].toBool();
         job.preallocate = object["preallocate"].toBool();
@@ -203,9 +208,9 @@ private:
     {
         PlanSection section;
         section.name = object["name"].toString().toLatin1();
-        section.bytes = wholeNumberOf(object["bytes"]).value_or(-1);
-        section.offset = wholeNumberOf(object["offset"]).value_or(-1);
-        section.chunk = wholeNumberOf(object["chunkBytes"]).value_or(-1);
+        section.bytes = wholeNumber(object["bytes"]);
+        section.offset = wholeNumber(object["offset"]);
+        section.chunk = wholeNumber(object["chunkBytes"]);
         return section;
     }
 

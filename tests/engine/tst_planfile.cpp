@@ -67,6 +67,7 @@ void TestPlanFile::changedPlansAreRefused()
         {"\"bytes\": 262144", "\"bytes\": -1"},
         {"\"bytes\": 262144", "\"bytes\": 9007199254740994"},
         {"\"bytes\": 262144", "\"bytes\": \"x\""},
+        {"\"offset\": 0", "\"offset\": \"\""},
         {"\"atJob\": \"absent\"", "\"atJob\": \"\""}};
     for (const auto& [from, to] : changes) {
         QByteArray changed = json;
@@ -83,6 +84,10 @@ void TestPlanFile::changedPlansAreRefused()
         changed.insert(place, 'x');
         QVERIFY(place > 12 && !planFromJson(changed, problem));
     }
+    QByteArray nothing = json;
+    nothing.replace("\"jobs\": [", "\"jobs\": [], \"others\": [");
+    nothing.replace("\"stages\": [", "\"stages\": [], \"more\": [");
+    QVERIFY(!planFromJson(nothing, problem));
     for (int length = 0; length < json.size() - 2; length += 7)
         QVERIFY(!planFromJson(json.left(length), problem));
 }
