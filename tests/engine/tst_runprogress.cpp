@@ -2,7 +2,6 @@
 #include "engine/planner.h"
 #include "engine/runner.h"
 #include "tests/engine/seriesrun.h"
-#include "tests/support/childprocess.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -133,15 +132,13 @@ void TestRunProgress::asksNothingIfItIsStoppedBefore()
 {
     const SeriesRun series;
     series.putSeries({{SeriesRun::line("", "[cfgPath]/a.dat", 128)}});
-    const pid_t child = test::startChild([&] {
-        RunFolder folder;
-        const Plan plan = planInto(folder, series);
-        const RunOptions options = withStandIn();
-        Runner runner(plan, folder, options);
-        ::raise(SIGTERM);
-        runner.run(QStringLiteral("fio-3.33"));
-    });
-    QVERIFY(test::endedWell(child));
+    RunFolder folder;
+    const Plan plan = planInto(folder, series);
+    const RunOptions options = withStandIn();
+    Runner runner(plan, folder, options);
+    ::raise(SIGTERM);
+    const RunResults results = runner.run(QStringLiteral("fio-3.33"));
+    QCOMPARE(results.status.state, RunState::Interrupted);
     QCOMPARE(series.state("run"), QStringLiteral("interrupted"));
     QVERIFY(series.json("run", "results.json")["endedMs"].isDouble());
     QVERIFY(QDir(series.file("run/output")).isEmpty());
