@@ -60,7 +60,7 @@ public:
     /// The system has decided.
     void finish()
     {
-        int error{};
+        int error = 0;
         socklen_t size = sizeof error;
         const bool isKnown = ::getsockopt(m_number, SOL_SOCKET, SO_ERROR, &error, &size) == 0;
         fail(isKnown ? error : errno);
@@ -76,7 +76,7 @@ public:
 private:
     void begin(const FioAddress& address)
     {
-        int error{};
+        int error = 0;
         const AddressList list = lookUp(address, error);
         // fio takes the first address, too.
         if (list == nullptr)
@@ -144,7 +144,7 @@ std::optional<FioAddress> FioAddress::parse(const QByteArray& text)
     const int comma = text.lastIndexOf(',');
     if (!text.startsWith("ip:"))
         return std::nullopt;
-    bool isNumber{};
+    bool isNumber = false;
     address.host = QString::fromLatin1(text.mid(3, comma - 3));
     address.port = text.mid(comma + 1).toInt(&isNumber);
     if (address.host.isEmpty() || !isNumber || address.port < 1 || address.port > maxPort)
@@ -156,7 +156,7 @@ bool FioAddress::isPrivate() const
 {
     if (!socket.isEmpty())
         return true;
-    int error{};
+    int error = 0;
     const AddressList list = lookUp(*this, error);
     if (list == nullptr)
         return false;

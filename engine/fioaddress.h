@@ -11,7 +11,7 @@
 struct FioAddress
 {
     QString host; ///< name or number of the machine; empty for a socket
-    int port{};
+    int port = 0;
     QString socket; ///< path of the socket; empty for a machine
 
     /// Nothing for a text that is neither.

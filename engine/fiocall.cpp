@@ -93,7 +93,7 @@ bool redirect(int target, const char* file, int flags)
 /// Reads the error number of a child that could not become fio; 0 once it has.
 int errorOfChild(int from)
 {
-    int error{};
+    int error = 0;
     // All signals that have handlers are blocked: nothing interrupts it.
     [[maybe_unused]] const ssize_t got = ::read(from, &error, sizeof error);
     return error;
@@ -165,7 +165,7 @@ public:
 private:
     bool hasEnded() const
     {
-        int status{};
+        int status = 0;
         if (::waitpid(m_process, &status, WNOHANG) == 0)
             return false;
         // Jobs of a fio that somebody killed would write on.

@@ -12,9 +12,9 @@
 /// Figures of one direction of a section, reads or writes.
 struct IoFigures
 {
-    qint64 bytes{};
-    qint64 ios{};
-    double ioNs{};               ///< sum of the latencies, ns
+    qint64 bytes = 0;
+    qint64 ios = 0;
+    double ioNs = 0;             ///< sum of the latencies, ns
     std::optional<qint64> p50Ns; ///< completion latency, ns
     std::optional<qint64> p99Ns;
     std::optional<qint64> maxNs;
@@ -23,15 +23,15 @@ struct IoFigures
 /// The report of fio about one section on one machine.
 struct SectionReport
 {
-    QByteArray name;    ///< of the section
-    QString host;       ///< as given to `--client`; empty for a run without a server
-    int port{};         ///< means nothing if the host is a socket's path
-    int error{};        ///< error number of the system, 0 for none
-    qint64 runtimeMs{}; ///< waits included
+    QByteArray name;      ///< of the section
+    QString host;         ///< as given to `--client`; empty for a run without a server
+    int port = 0;         ///< means nothing if the host is a socket's path
+    int error = 0;        ///< error number of the system, 0 for none
+    qint64 runtimeMs = 0; ///< waits included
     IoFigures read;
     IoFigures write;
-    qint64 syncs{};
-    double syncNs{};               ///< sum of the latencies, ns
+    qint64 syncs = 0;
+    double syncNs = 0;             ///< sum of the latencies, ns
     std::optional<qint64> startMs; ///< ms since 1970; older versions of fio do not say it
 
     /// In both directions.

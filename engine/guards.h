@@ -31,7 +31,7 @@ struct GuardTest
     Kind kind = Kind::File;
     QString path;                        ///< of the file or the new folder
     FileState state = FileState::Absent; ///< of a file
-    qint64 bytes{};                      ///< size of a source, or number of a bit
+    qint64 bytes = 0;                    ///< size of a source, or number of a bit
     std::vector<SpaceNeed> needs;        ///< for Space
 };
 
@@ -51,7 +51,7 @@ struct GuardSection
 /// One call of fio for one machine.
 struct GuardCall
 {
-    int machine{};
+    int machine = 0;
     QByteArray file; ///< relative to the folder of the export
     std::vector<GuardSection> sections;
 

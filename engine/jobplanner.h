@@ -61,6 +61,6 @@ private:
     FilesMade m_made;
     PlanJobFile m_file;                ///< that is being filled
     QHash<QString, QByteArray> m_logs; ///< of this file, by what they say
-    int m_sections{};                  ///< of its jobs, and of the commands that write logs
-    int m_lineSize{};                  ///< of the last of these commands
+    int m_sections = 0;                ///< of its jobs, and of the commands that write logs
+    int m_lineSize = 0;                ///< of the last of these commands
 };

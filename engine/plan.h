@@ -65,9 +65,9 @@ struct PlanFile
 struct PlanSection
 {
     QByteArray name;   ///< [a-z0-9-]+, unique on its machine in the whole plan
-    qint64 bytes{};    ///< that it reads, or writes; a copy does both
+    qint64 bytes = 0;  ///< that it reads, or writes; a copy does both
     qint64 offset = 0; ///< of its first byte in the file
-    qint64 chunk{};    ///< bytes of one call
+    qint64 chunk = 0;  ///< bytes of one call
 };
 
 /// The calls of one job, one by one, in the notation of fio: what plain sections can't say.
@@ -80,21 +80,21 @@ struct PlanLog
 /// One task, iteration and machine.
 struct PlanJob
 {
-    int stage{};   ///< index in Plan::stages
-    int machine{}; ///< index in Plan::machines
+    int stage = 0;   ///< index in Plan::stages
+    int machine = 0; ///< index in Plan::machines
     JobKind kind = JobKind::Write;
-    int line{};      ///< of the config file, from 1
-    int task{};      ///< "[cfgTaskID]"
-    int iteration{}; ///< "[iter]", from 0
+    int line = 0;      ///< of the config file, from 1
+    int task = 0;      ///< "[cfgTaskID]"
+    int iteration = 0; ///< "[iter]", from 0
     PlanFile source;
     PlanFile destination;
-    qint64 bytes{}; ///< planned: size of the file
-    qint64 chunk{}; ///< the last one may be shorter
-    int waitMs{};   ///< between chunks
-    bool flush{};
-    bool preallocate{};
-    bool adviseSequential{};
-    bool dropCaches{};
+    qint64 bytes = 0; ///< planned: size of the file
+    qint64 chunk = 0; ///< the last one may be shorter
+    int waitMs = 0;   ///< between chunks
+    bool flush = false;
+    bool preallocate = false;
+    bool adviseSequential = false;
+    bool dropCaches = false;
     std::optional<PlanLog> log;        ///< if it has one, it has one section
     std::vector<PlanSection> sections; ///< never empty
 
@@ -109,13 +109,13 @@ struct PlanJob
 /// The jobs of one machine in one stage.
 struct PlanJobFile
 {
-    int machine{};     ///< index in Plan::machines
-    QByteArray file;   ///< relative to the folder of the export
-    size_t firstJob{}; ///< index in Plan::jobs
-    size_t endJob{};   ///< one after its last
-    QString logFolder; ///< new, made by the job file on a machine behind a server for logs and
-                       ///< proofs; empty: not needed
-    int sections = 0;  ///< that fio runs, those that only prepare included
+    int machine = 0;     ///< index in Plan::machines
+    QByteArray file;     ///< relative to the folder of the export
+    size_t firstJob = 0; ///< index in Plan::jobs
+    size_t endJob = 0;   ///< one after its last
+    QString logFolder;   ///< new, made by the job file on a machine behind a server for logs and
+                         ///< proofs; empty: not needed
+    int sections = 0;    ///< that fio runs, those that only prepare included
 };
 
 /// One config file. A marker ends it, and is a barrier.
@@ -123,7 +123,7 @@ struct PlanStage
 {
     QString configFile;             ///< its path when it runs: outside "_wait"
     QString shownFile;              ///< as the user spells its folder
-    bool isInit{};                  ///< makes the sources of the _init file
+    bool isInit = false;            ///< makes the sources of the _init file
     std::vector<PlanJobFile> files; ///< of those machines that have jobs; never empty
 };
 
@@ -135,7 +135,7 @@ struct Plan
     QString date;   ///< "[date]", one moment for all
     QString id;     ///< of this plan, 12 hexadecimal digits: names the folders on other machines
     std::vector<std::string> info; ///< lines of the info text
-    bool startAtMinute{};          ///< each stage begins at the next full minute of the clock
+    bool startAtMinute = false;    ///< each stage begins at the next full minute of the clock
     std::vector<PlanMachine> machines;
     std::vector<PlanStage> stages;
     std::vector<PlanJob> jobs;

@@ -196,7 +196,7 @@ std::optional<qint64> FioLogs::lastMoment(const QByteArray& begin, const QString
         return std::nullopt;
     file.seek(std::max<qint64>(0, file.size() - maxLogTail));
     const QList<QByteArray> lines = file.readAll().trimmed().split('\n');
-    bool isNumber{};
+    bool isNumber = false;
     const qint64 moment = lines.last().split(',').first().toLongLong(&isNumber);
     return isNumber ? std::optional<qint64>(moment) : std::nullopt;
 }

@@ -15,7 +15,7 @@
 /// The result of one planned job.
 struct JobResult
 {
-    bool isGood{};                   ///< it ran, without an error, and did its bytes
+    bool isGood = false;             ///< it ran, without an error, and did its bytes
     std::string reason;              ///< why it is not good, in UTF-8
     std::optional<qint64> doneBytes; ///< of a copy, what was written
     std::optional<int> error;        ///< error number of the system, 0 for none

@@ -9,8 +9,8 @@
 /// The present work of a run.
 struct RunProgress
 {
-    size_t stage{};
-    qint64 elapsedMs{};              ///< since the stage began
+    size_t stage = 0;
+    qint64 elapsedMs = 0;            ///< since the stage began
     qint64 leastMs = 0;              ///< what its waits and fio's idling take at least
     qint64 plannedBytes = 0;         ///< of the stage
     std::optional<qint64> doneBytes; ///< of the stage; unknown with servers
