@@ -232,7 +232,7 @@ std::string Asking::actualSize(const Question& question)
     for (const Question& no : ask(callsFor(bits)))
         size &= ~(qint64(1) << no.test.bytes);
     const bool isKnown =
-        size > 0 && m_answers.reasons.size() == reasons && m_answers.stopped == StopReason::None;
+        size != 0 && m_answers.reasons.size() == reasons && m_answers.stopped == StopReason::None;
     m_answers.reasons.resize(reasons);
     return isKnown ? fmt::format("; it has {} bytes", size) : std::string();
 }
