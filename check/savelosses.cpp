@@ -96,7 +96,7 @@ QByteArray sourceMadeAnew(const SeriesFacts& facts, const FileUses& uses)
             continue;
         const FileUse& use = uses.uses()[size_t(first)];
         const FileFact& file = facts.fileOf(facts.lines[size_t(use.line)]);
-        const bool waits = file.path.indexOf('/', facts.runFolder.size()) >= 0;
+        const bool waits = file.path.indexOf('/', facts.runFolder.size()) != -1;
         if (waits && uses.file(use, 0).isFile())
             return name.text;
     }
