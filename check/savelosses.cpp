@@ -71,11 +71,22 @@ int savedLength(const SeriesFacts& facts, const LineFact& line)
     return writeTaskLine(text, task).length + 1;
 }
 
+/// How many characters a save writes for the comments at the head of the first file, with the empty
+/// line below them. Without any it writes an empty one.
+int savedHeadLength(const SeriesFacts& facts)
+{
+    int length = facts.info.empty() ? 4 : 1;
+    for (const std::string& info : facts.info)
+        length += QString::fromStdString(info).size() + 3;
+    return length;
+}
+
 std::string lossOfLength(const SeriesFacts& facts)
 {
+    if (facts.files.empty())
+        return {};
     std::vector<int> lengths(facts.files.size());
-    for (const std::string& info : facts.info)
-        lengths.front() += int(info.size()) + 3;
+    lengths.front() = savedHeadLength(facts);
     for (const LineFact& line : facts.lines) {
         int& length = lengths[size_t(line.file)];
         length += savedLength(facts, line);
