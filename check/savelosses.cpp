@@ -1,7 +1,8 @@
 #include "check/savelosses.h"
 
 #include "check/text.h"
-#include "model/tasklinewriter.h"
+#include "configset/seriesrenderer.h"
+#include "model/tasklinereader.h"
 #include "shared/kvtext.h"
 
 #include <fmt/format.h>
@@ -11,9 +12,14 @@
 
 namespace {
 
+std::string nameOf(const QString& path)
+{
+    return printable(path.mid(path.lastIndexOf('/') + 1));
+}
+
 std::string nameOf(const FileFact& file)
 {
-    return printable(file.path.mid(file.path.lastIndexOf('/') + 1));
+    return nameOf(file.path);
 }
 
 bool isCutPath(const LineFact& line)
@@ -58,40 +64,35 @@ std::string lossOfFiles(const SeriesFacts& facts)
     return {};
 }
 
-/// How many characters a save writes for a line, its line end included.
-int savedLength(const SeriesFacts& facts, const LineFact& line)
+/// The tasks and markers as a load gives them to a save.
+TaskList loadedTasks(const SeriesFacts& facts)
 {
-    if (isMarker(line))
-        return line.text.size() + 1;
-    TestTask task;
-    _kvString<maxLine> text;
-    text.addSignExtended(line.text.constData(), line.text.size());
-    if (!readTaskLine(task, text, kvToString8<maxPath>(facts.fileOf(line).path)))
-        return 0;
-    return writeTaskLine(text, task).length + 1;
-}
-
-/// How many characters a save writes for the comments at the head of the first file, with the empty
-/// line below them. Without any it writes an empty one.
-int savedHeadLength(const SeriesFacts& facts)
-{
-    int length = facts.info.empty() ? 4 : 1;
-    for (const std::string& info : facts.info)
-        length += QString::fromStdString(info).size() + 3;
-    return length;
+    TaskList tasks;
+    for (const LineFact& line : facts.lines) {
+        const FileFact& file = facts.fileOf(line);
+        if (!file.isRead() || (!isTask(line) && !isMarker(line)))
+            continue;
+        TestTask task;
+        _kvString<maxLine> text;
+        text.addSignExtended(line.text.constData(), line.text.size());
+        if (readTaskLine(task, text, kvToString8<maxPath>(file.path)))
+            tasks.append(task);
+    }
+    prepareTasks(tasks);
+    return tasks;
 }
 
 std::string lossOfLength(const SeriesFacts& facts)
 {
-    if (facts.files.empty())
-        return {};
-    std::vector<int> lengths(facts.files.size());
-    lengths.front() = savedHeadLength(facts);
-    for (const LineFact& line : facts.lines) {
-        int& length = lengths[size_t(line.file)];
-        length += savedLength(facts, line);
-        if (length > maxConfigFile)
-            return fmt::format("{} would be cut at {} characters", nameOf(facts.fileOf(line)),
+    QStringList info;
+    for (const std::string& line : facts.info)
+        info += QString::fromStdString(line);
+    const RenderedSeries saved =
+        renderSeries(loadedTasks(facts), info.join('\n'), {facts.runFolder, facts.name.baseName},
+                     FollowUpFiles::InWaitFolder);
+    for (const ConfigFile& file : saved.files) {
+        if (file.content.size() > maxConfigFile)
+            return fmt::format("{} would be cut at {} characters", nameOf(file.path),
                                maxConfigFile);
     }
     return {};

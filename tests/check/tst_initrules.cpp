@@ -230,30 +230,6 @@ private slots:
         QVERIFY(m_series->text("init-outdated").contains("load and save the series again"));
     }
 
-    /// A file that ends with a marker has as many characters as a save writes, or one more.
-    void saveIsNotAdvisedForAFileOfOneCharacterTooMany()
-    {
-        m_series->put("a_init.dpc", "");
-        m_series->put("a1.dpc", goodLine());
-        const QByteArray marker = "[cfgPath]/a1.dpc\n";
-        const auto taskOf = [](int length) {
-            TestTask task = taskTo("[cfgPath]/o/");
-            task.logPath = path("[cfgPath]/l.txt");
-            task.csvPath = path("[cfgPath]/c.csv");
-            const int rest = length - lineOf(task).size();
-            task.destPath.add(QByteArray(rest, 'x').constData(), rest);
-            return lineOf(task).toLatin1();
-        };
-        const QByteArray tasks = taskOf(300).repeated(15);
-        for (const bool isTooLong : {false, true}) {
-            const int rest = maxConfigFile - tasks.size() - marker.size() + (isTooLong ? 1 : 0);
-            m_series->put("a.dpc", tasks + taskOf(rest) + marker);
-            const QString text = m_series->text("init-outdated");
-            QCOMPARE(text.contains("load and save the series again"), !isTooLong);
-            QCOMPARE(text.contains("a.dpc would be cut at 5000 characters"), isTooLong);
-        }
-    }
-
     /// Each path looks for the folder that a save without a name made another one for.
     void folderIsMadeUnderTheNameOfNoSeries_data()
     {

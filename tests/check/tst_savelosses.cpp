@@ -33,12 +33,25 @@ private slots:
     /// A save begins the file with an empty comment then.
     void seriesWithoutCommentsGetsOne()
     {
+        const int space = maxConfigFile - int(qstrlen("# \n\n"));
+        QCOMPARE(loss(tasksOf(space)), QString());
+        QCOMPARE(loss(tasksOf(space + 1)),
+                 QString("a.dpc would be cut at %1 characters").arg(maxConfigFile));
+    }
+
+    /// A save names the next file by its whole path, and parts a file behind each marker.
+    void markerIsCountedAsItIsSaved()
+    {
         const QByteArray marker = "[cfgPath]/a1.dpc\n";
-        const int most = (maxConfigFile - 4) / marker.size() - 1;
-        const QByteArray all = marker.repeated(most);
-        const QByteArray padding(maxConfigFile - 4 - all.size() - marker.size(), 'x');
-        QCOMPARE(loss(all + "[cfgPath]/" + padding + "a1.dpc\n"), QString());
-        QVERIFY(loss(all + "[cfgPath]/" + padding + "xa1.dpc\n").startsWith("a.dpc would be cut"));
+        const int inFile = m_series->root().size() + int(qstrlen("_wait/a1.dpc\n"));
+        const int rest = maxConfigFile - int(qstrlen("# \n\n")) - inFile;
+        const QByteArray tasks = tasksOf(rest);
+        m_series->put("a1.dpc", goodLine());
+        QCOMPARE(loss(tasks + marker), QString());
+        QCOMPARE(loss(tasksOf(rest + 1) + marker),
+                 QString("a.dpc would be cut at %1 characters").arg(maxConfigFile));
+        QVERIFY(QFile::remove(m_series->root() + "a1.dpc"));
+        QCOMPARE(loss(tasks + marker + tasks), QString());
     }
 
     void fileThatIsLeftOverIsALoss()
@@ -70,6 +83,17 @@ private slots:
     }
 
 private:
+    /// Tasks whose lines are as long together, and are saved as they are.
+    static QByteArray tasksOf(int length)
+    {
+        TestTask task = readingTask("/s");
+        const int least = lineOf(task).size();
+        QByteArray lines = lineOf(task).toLatin1().repeated(length / least - 1);
+        const int rest = length - lines.size() - least;
+        task.sourcePath = path(qPrintable("/s" + QString(rest, 's')));
+        return lines + lineOf(task).toLatin1();
+    }
+
     QString loss(const QByteArray& content)
     {
         m_series->put("a.dpc", content);
