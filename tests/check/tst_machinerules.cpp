@@ -40,15 +40,6 @@ private slots:
         QCOMPARE(m_series->hits(rule, bad), 0);
     }
 
-    void onlySeveralMachinesNeedDoneFiles()
-    {
-        m_series->put("a.dpc", goodLine({{14, "false"}}) + "[cfgPath]/a1.dpc\n");
-        m_series->put("a1.dpc", goodLine());
-        QCOMPARE(m_series->said({"no-done-files"}).size(), 1);
-        m_series->options().hosts = QStringList{"pc1"};
-        QCOMPARE(m_series->said({"no-done-files"}), QStringList());
-    }
-
     void machinesWithTheSameShortName()
     {
         const QByteArray line = goodLine({{11, "[cfgPath]/[host]"}});

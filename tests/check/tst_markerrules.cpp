@@ -107,6 +107,21 @@ private slots:
         QCOMPARE(m_series->said({"after-marker"}), QStringList{"a.dpc:2:1 after-marker"});
     }
 
+    /// One machine knows by itself when it is done.
+    void doneFilesAreNeededBySeveralMachines()
+    {
+        const QByteArray marker = "[cfgPath]/a1.dpc\n";
+        const QByteArray without = goodLine({{14, "false"}}) + marker;
+        m_series->put("a1.dpc", goodLine());
+        QCOMPARE(m_series->hits("no-done-files", without), 0);
+        m_series->options().hosts = QStringList{"pc1"};
+        QCOMPARE(m_series->hits("no-done-files", without), 0);
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+        QCOMPARE(m_series->hits("no-done-files", without), 1);
+        QCOMPARE(m_series->hits("no-done-files", goodLine() + marker), 0);
+        QCOMPARE(m_series->hits("no-done-files", goodLine({{14, "false"}})), 0);
+    }
+
 private:
     QScopedPointer<SeriesFolder> m_series;
 };

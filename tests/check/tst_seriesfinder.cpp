@@ -1,3 +1,4 @@
+#include "check/foldernames.h"
 #include "check/seriesfinder.h"
 #include "tests/support/files.h"
 
@@ -45,6 +46,27 @@ private slots:
                  "there are 2 series in '" + m_root + "': name a file of the one that is meant");
         QVERIFY(findOneSeries(m_root).series.empty());
         QCOMPARE(findOneSeries(m_root + "b.dpc").series.front().name.baseName, QString("b"));
+    }
+
+    void foldersNamedAsConfigFilesAreLeftOut()
+    {
+        QVERIFY(QDir(m_root).mkdir("a.dpc"));
+        QVERIFY(QDir(m_root).mkdir("b.dpc.dpc"));
+        QCOMPARE(problemOf(m_root), "no config files in '" + m_root + '\'');
+        QVERIFY(findSeries(m_root).notLoaded.isEmpty());
+    }
+
+    void linkToAConfigFileIsOne()
+    {
+        QVERIFY(QDir(m_root).mkdir("folder"));
+        put("x.txt");
+        QVERIFY(QFile::link("x.txt", m_root + "file.dpc"));
+        QVERIFY(QFile::link("folder", m_root + "link.dpc"));
+        QVERIFY(QFile::link("none", m_root + "dead.dpc"));
+        QStringList listed;
+        for (const FolderEntry& entry : configFilesIn(m_root))
+            listed += entry.name + (entry.isRegular ? " is a file" : " is none");
+        QCOMPARE(listed, (QStringList{"dead.dpc is none", "file.dpc is a file"}));
     }
 
     void folderWithoutASeriesIsAProblem()
