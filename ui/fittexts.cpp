@@ -35,8 +35,9 @@ public:
 private:
     void open();
     void resizeToOpen();
-    int openingWidth(int least, QSize most) const;
-    void watchScreen(QScreen* screen);
+    int widerWidth(int least, QSize most) const;
+    void followScreen(QScreen* screen);
+    void changeScreen(QScreen* screen);
     void noticeFrame();
     void shrinkIntoScreen();
     void moveIntoScreen();
@@ -102,33 +103,38 @@ void TextFitter::open()
 {
     m_open = true;
     const QWindow* handle = m_window.windowHandle();
-    connect(handle, &QWindow::screenChanged, this, &TextFitter::watchScreen);
+    connect(handle, &QWindow::screenChanged, this, &TextFitter::changeScreen);
     m_firstSize = m_window.size();
     m_frame = handle->frameMargins(); // what is known of it so far
     resizeToOpen();
-    watchScreen(handle->screen());
+    followScreen(handle->screen());
 }
 
 void TextFitter::resizeToOpen()
 {
-    if (fillsScreen())
+    if (fillsScreen()) {
+        follow();
         return;
+    }
     const QSize most = available();
     const int preferred = std::min(m_columns.preferredWidth(), most.width());
-    const int width = openingWidth(std::max(m_firstSize.width(), preferred), most);
-    const int height = std::max(m_firstSize.height(), leastWindowHeight(width));
-    m_openingSize = QSize(width, height).boundedTo(most);
+    int width = std::max(m_firstSize.width(), preferred);
+    int height = leastWindowHeight(width);
+    if (width < most.width() && height > most.height()) {
+        width = widerWidth(width, most);
+        height = leastWindowHeight(width);
+    }
+    m_openingSize = QSize(width, std::max(m_firstSize.height(), height)).boundedTo(most);
     // First what it will show: the form is laid out once, and not for the window's size as well.
     arrange(m_openingSize);
     m_window.resize(m_openingSize);
+    m_window.setMinimumHeight(std::min(height, most.height()));
 }
 
 // As narrow as the texts allow in the height that there is. If no width is enough for that, as
 // narrow as the least height allows that any width gives.
-int TextFitter::openingWidth(int least, QSize most) const
+int TextFitter::widerWidth(int least, QSize most) const
 {
-    if (least >= most.width() || leastWindowHeight(least) <= most.height())
-        return least;
     const bool scrolls = leastWindowHeight(most.width()) > most.height();
     const int bar = scrolls ? scrollBarExtent() : 0;
     int enough = std::max(least, most.width() - bar);
@@ -143,7 +149,7 @@ int TextFitter::openingWidth(int least, QSize most) const
     return enough + bar;
 }
 
-void TextFitter::watchScreen(QScreen* screen)
+void TextFitter::followScreen(QScreen* screen)
 {
     disconnect(m_screenChanges);
     if (screen != nullptr)
@@ -151,7 +157,12 @@ void TextFitter::watchScreen(QScreen* screen)
             shrinkIntoScreen();
             moveIntoScreen();
         });
-    // A caller that moves the window to another screen also places it.
+}
+
+// A caller that moves the window to another screen also places it.
+void TextFitter::changeScreen(QScreen* screen)
+{
+    followScreen(screen);
     shrinkIntoScreen();
 }
 
