@@ -56,7 +56,8 @@ std::string lossOfFiles(const SeriesFacts& facts)
             return nameOf(file) + " can't be read";
         if (!file.isRead())
             continue;
-        if (i > 0 && facts.files[i - 1].isRead() && facts.files[i - 1].number == file.number)
+        // Those that a load reads come first, by their numbers.
+        if (i > 0 && facts.files[i - 1].number == file.number)
             return nameOf(file) + " is there twice";
         if (file.number > 0 && !hasMarker[size_t(file.number - 1)])
             return nameOf(file) + " is left over";

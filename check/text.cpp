@@ -64,8 +64,9 @@ int editDistance(const std::string& a, const std::string& b)
 bool isAscii(const QByteArray& text)
 {
     constexpr std::uint64_t highBits = 0x8080808080808080;
+    constexpr int step = sizeof highBits;
     int i = 0;
-    for (; i + 8 <= text.size(); i += 8) {
+    for (; i + step <= text.size(); i += step) {
         std::uint64_t eight = 0;
         std::memcpy(&eight, text.constData() + i, sizeof eight);
         if ((eight & highBits) != 0)
