@@ -42,6 +42,7 @@ private:
     void shrinkIntoScreen();
     void moveIntoScreen();
     void follow();
+    void setLeastHeight(int height);
     void arrange(QSize window);
 
     int leastWindowHeight(int width) const;
@@ -128,7 +129,7 @@ void TextFitter::resizeToOpen()
     // First what it will show: the form is laid out once, and not for the window's size as well.
     arrange(m_openingSize);
     m_window.resize(m_openingSize);
-    m_window.setMinimumHeight(std::min(height, most.height()));
+    setLeastHeight(height);
 }
 
 // As narrow as the texts allow in the height that there is. If no width is enough for that, as
@@ -197,12 +198,17 @@ void TextFitter::moveIntoScreen()
                   std::max(screen.top(), std::min(frame.top(), last.y())));
 }
 
-// Growing the least height also resizes a window
-// that is smaller, and so comes back here at once, to find nothing more to grow.
+// Growing the least height also resizes a window that is smaller, and so comes back here at once, to
+// find nothing more to grow.
 void TextFitter::follow()
 {
-    m_window.setMinimumHeight(std::min(leastWindowHeight(m_window.width()), available().height()));
+    setLeastHeight(leastWindowHeight(m_window.width()));
     arrange(m_window.size());
+}
+
+void TextFitter::setLeastHeight(int height)
+{
+    m_window.setMinimumHeight(std::min(height, available().height()));
 }
 
 // The scroll bar of one direction takes from the other, which may then need one as well.
