@@ -93,13 +93,20 @@ void Needs::add(const FileUse& use, const QByteArray& text, qint64 size, bool is
     if (m_known.contains(text))
         return;
     m_known.insert(text);
+    m_needs.push_back({&m_facts.lines[size_t(use.line)],
+                       use.role,
+                       {QString::fromLatin1(text), resolved(use, text), size, isDummy},
+                       !isDummy && m_uses.isWrittenBefore(m_uses.file(use, 0), use)});
+}
+
+/// Where the file lies that a line of the "_init" file makes by this name.
+QString Needs::resolved(const FileUse& use, const QByteArray& text)
+{
+    if (m_uses.nameOf(use).mustExpandAnew)
+        return m_names.resolve(m_facts.lines[size_t(use.line)], text, use.iteration);
     QByteArray path = text;
     replaceConfigPath(path, m_runFolder);
-    m_needs.push_back(
-        {&m_facts.lines[size_t(use.line)],
-         use.role,
-         {QString::fromLatin1(text), QString::fromLatin1(resolvedPath(path)), size, isDummy},
-         !isDummy && m_uses.isWrittenBefore(m_uses.file(use, 0), use)});
+    return QString::fromLatin1(resolvedPath(path));
 }
 
 InitFile::InitFile(const SeriesFacts& facts, const FileUses& uses)

@@ -41,6 +41,7 @@ private:
     void addUse(const FileUse& use);
     QByteArray folderName(const LineFact& line, const FileUse& use);
     void add(const FileUse& use, const QByteArray& text, qint64 size, bool isDummy);
+    QString resolved(const FileUse& use, const QByteArray& text);
 
     const SeriesFacts& m_facts;
     const FileUses& m_uses;

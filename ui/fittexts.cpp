@@ -198,8 +198,8 @@ void TextFitter::moveIntoScreen()
                   std::max(screen.top(), std::min(frame.top(), last.y())));
 }
 
-// Growing the least height also resizes a window that is smaller, and so comes back here at once, to
-// find nothing more to grow.
+// Growing the least height also resizes a window that is smaller, and so comes back here at once,
+// to find nothing more to grow.
 void TextFitter::follow()
 {
     setLeastHeight(leastWindowHeight(m_window.width()));

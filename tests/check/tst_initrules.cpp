@@ -183,6 +183,27 @@ private slots:
         }
     }
 
+    /// The editor has just made the _init file for them.
+    void noFolderLacksAfterASave_data()
+    {
+        QTest::addColumn<QByteArray>("folder");
+        for (const char* parent : {"[cfgPath]/", "", "/d/", "../", "[cfgPath]/../", "x/../"}) {
+            QTest::addRow("%s", parent) << parent + QByteArray("o");
+            for (const int cut : {481, 490, 499})
+                QTest::addRow("%s, %d", parent, cut)
+                    << (parent + QByteArray("123456789/").repeated(50)).left(cut) + 'x';
+        }
+    }
+
+    void noFolderLacksAfterASave()
+    {
+        QFETCH(QByteArray, folder);
+        TestTask task = readingTask("[cfgPath]/s.dat");
+        task.logPath = path((folder + "/l").constData());
+        m_series->save({task});
+        QCOMPARE(m_series->said({"init-missing", "init-outdated", "init-unneeded"}), QStringList());
+    }
+
     /// A save takes a source for missing that lies beside the config files in "_wait".
     void saveIsNotAdvisedWhereASourceWouldBeMadeAnew()
     {
