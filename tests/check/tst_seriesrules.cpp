@@ -250,6 +250,11 @@ private slots:
         QCOMPARE(m_series->hits("too-much", most + goodLine()), 0);
         m_series->put("a.dpc", most + "# d\n# e\n" + goodLine());
         QCOMPARE(m_series->said({"too-much"}), QStringList{"a.dpc:5001:1 too-much"});
+        // The text goes on in the next file as long as it is empty.
+        m_series->put("a.dpc", QByteArray("#\n").repeated(maxSeriesComments) + goodLine() +
+                                   "[cfgPath]/a1.dpc\n");
+        m_series->put("a1.dpc", "# c\n" + goodLine());
+        QCOMPARE(m_series->said({"too-much"}), QStringList{"a1.dpc:1:1 too-much"});
     }
 
     void longNameOfAConfigFile()

@@ -314,6 +314,21 @@ private slots:
         QCOMPARE(entriesOf(in(".")), QStringList("link"));
     }
 
+    /// The kernel follows 40.
+    void aChainOfLinksIsFollowedAsTheKernelDoes()
+    {
+        put(in("file"), "old");
+        link("file", in("1"));
+        for (int i = 2; i <= 41; ++i)
+            link(QString::number(i - 1), in(QString::number(i)));
+        for (const auto& [name, text] : {std::pair("41", "old"), std::pair("40", "new")}) {
+            save(in(name), "new");
+            QCOMPARE(contentOf(in("file")), QByteArray(text));
+            QCOMPARE(QFile(in(name)).open(QIODevice::ReadOnly), text == QByteArray("new"));
+        }
+        QCOMPARE(linkOf(in("41")), QByteArray("40"));
+    }
+
     void aLoopOfLinksIsLeftAlone()
     {
         link("one", in("two"));

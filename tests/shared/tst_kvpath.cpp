@@ -19,6 +19,16 @@ private slots:
             QVERIFY2(!isRelativePath(_kvString8_allSize<500>(path)), path);
     }
 
+    void aDriveIsOneLetterOfTheAlphabet()
+    {
+        const QByteArray letters("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz");
+        for (int c = 1; c < 256; ++c) {
+            const char path[] = {static_cast<char>(c), ':', '\0'};
+            const bool isAbsolute = letters.contains(path[0]) || c == '/' || c == '\\';
+            QCOMPARE(isRelativePath(_kvString8_allSize<500>(path)), !isAbsolute);
+        }
+    }
+
     void onlyWindowsHasASeparatorOfItsOwn()
     {
         const QString path = QStringLiteral("/a\\b/c");
