@@ -35,6 +35,15 @@ public:
         return isFollowedBy([this] { save(QFile::decodeName(link()), "new"); });
     }
 
+    /// By a program whose first file gets the number 0.
+    bool isFollowedByASaveWithoutInput() const
+    {
+        return isFollowedBy([this] {
+            ::close(STDIN_FILENO);
+            save(QFile::decodeName(link()), "new");
+        });
+    }
+
     bool isFollowedByAWrite() const
     {
         return isFollowedBy([this] {

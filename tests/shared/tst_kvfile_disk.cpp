@@ -10,6 +10,7 @@
 #include <memory>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <unistd.h>
 
 // Full disks, at every level around the size of a file and around 16,384 bytes, at which the
 // buffers of Qt's files end. The file system is a tmpfs; it counts in pages.
@@ -113,6 +114,21 @@ private slots:
         fill(1);
         QVERIFY(test::runWithoutRights([this] { test::save(in("file"), test::textOf(5000)); }));
         QCOMPARE(test::contentOf(in("file")), test::textOf(5000));
+    }
+
+    /// The new text is beside it and may not take its place, and in place space lacks.
+    void aFullDiskKeepsTheOldFileOfSomebodyElse()
+    {
+        if (::geteuid() != 0) {
+            qInfo("only root can be another user; nothing is checked here");
+            return;
+        }
+        const test::SmallDisk disk(root.path(), size() + ",mode=01777");
+        test::put(in("file"), "old", 0666);
+        fill(2);
+        QVERIFY(test::runWithoutRights([this] { test::save(in("file"), test::textOf(5000)); }));
+        QCOMPARE(test::contentOf(in("file")), QByteArray("old"));
+        QCOMPARE(test::entriesOf(root.path()), QStringList({"file", "filler"}));
     }
 
     void aDiskWithoutInodesKeepsTheOldFile()

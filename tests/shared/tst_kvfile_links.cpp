@@ -43,6 +43,14 @@ private slots:
             }
         }
     }
+
+    void aLinkThatTheKernelFollowsIsFollowed()
+    {
+        const test::FileInPlace told(QStringLiteral("/proc/sys/fs/protected_symlinks"), "0\n");
+        const test::SomebodysLink link(01777, 0, somebody);
+        QVERIFY(link.isFollowedByASave());
+        QVERIFY(link.isFollowedByASaveWithoutInput());
+    }
 };
 
 int main(int argc, char** argv)

@@ -221,21 +221,42 @@ private slots:
         QCOMPARE(test::modeOf(in("file")), mode_t(06755));
     }
 
-    /// People who share files through a group go on sharing them.
+    /// People who share files through a group go on sharing them. It must not run programs with the
+    /// rights of him who saved.
     void aGroupOfTheUserStays()
     {
         if (!canChangeUsers())
             return;
-        test::put(in("file"), "old");
-        QCOMPARE(::chown(QFile::encodeName(in("file")).constData(), owner, group), 0);
-        setMode(in("file"), 0660);
-        QVERIFY(test::runWithoutRights([&] { test::save(in("file"), "new"); }, group));
+        for (const mode_t mode : {0660U, 06770U}) {
+            putFor(owner, mode);
+            QVERIFY(test::runWithoutRights([&] { test::save(in("file"), "new"); }, group));
+            QCOMPARE(test::contentOf(in("file")), QByteArray("new"));
+            QCOMPARE(test::statusOf(in("file")).st_gid, group);
+            QCOMPARE(test::modeOf(in("file")), mode & 0777U);
+        }
+    }
+
+    /// Only members give a file to a group.
+    void aGroupThatIsNotOfTheUserGivesAwayNoRights()
+    {
+        if (!canChangeUsers())
+            return;
+        putFor(test::nobody, 06770);
+        QVERIFY(test::runWithoutRights([&] { test::save(in("file"), "new"); }));
         QCOMPARE(test::contentOf(in("file")), QByteArray("new"));
-        QCOMPARE(test::statusOf(in("file")).st_gid, group);
-        QCOMPARE(test::modeOf(in("file")), mode_t(0660));
+        QCOMPARE(test::statusOf(in("file")).st_gid, test::nobody);
+        QCOMPARE(test::modeOf(in("file")), mode_t(0770));
     }
 
 private:
+    /// Of the group.
+    void putFor(uid_t user, mode_t mode)
+    {
+        test::put(in("file"), "old");
+        QCOMPARE(::chown(QFile::encodeName(in("file")).constData(), user, group), 0);
+        setMode(in("file"), mode);
+    }
+
     QString folder() const { return root.filePath("folder"); }
     QString in(const QString& name) const { return folder() + '/' + name; }
     QTemporaryDir root;

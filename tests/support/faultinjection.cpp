@@ -11,6 +11,7 @@
 #include <sys/syscall.h>
 #include <sys/user.h>
 #include <sys/wait.h>
+#include <unistd.h>
 #include <utility>
 
 #ifndef __x86_64__
@@ -163,6 +164,8 @@ TracedRun runWithFault(const std::function<void()>& work, const Injection& injec
     const pid_t child = startChild([&] {
         if (::ptrace(PTRACE_TRACEME, 0, 0, 0) != 0)
             ::abort();
+        // The first file that the work opens gets the number 0, which is not a failure.
+        ::close(STDIN_FILENO);
         ::raise(SIGSTOP);
         work();
         ::raise(endOfWork);
