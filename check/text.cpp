@@ -3,8 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstdint>
-#include <cstring>
 #include <vector>
 
 namespace {
@@ -60,20 +58,9 @@ int editDistance(const std::string& a, const std::string& b)
     return row[b.size()];
 }
 
-/// Looks at eight characters at a time: most lines have no others.
-bool isAscii(const QByteArray& text)
+bool isAscii(char c)
 {
-    constexpr std::uint64_t highBits = 0x8080808080808080;
-    constexpr int step = sizeof highBits;
-    int i = 0;
-    for (; i + step <= text.size(); i += step) {
-        std::uint64_t eight = 0;
-        std::memcpy(&eight, text.constData() + i, sizeof eight);
-        if ((eight & highBits) != 0)
-            return false;
-    }
-    return std::all_of(text.begin() + i, text.end(),
-                       [](char c) { return static_cast<unsigned char>(c) < 128; });
+    return static_cast<unsigned char>(c) < 128;
 }
 
 } // namespace
@@ -119,7 +106,8 @@ std::string quoted(const QByteArray& latin1)
 
 bool looksLikeUtf8(const QByteArray& text)
 {
-    if (isAscii(text))
+    // Most lines have no others.
+    if (std::all_of(text.begin(), text.end(), isAscii))
         return false;
     const auto isContinuation = [](char c) {
         return (static_cast<unsigned char>(c) & 0xC0U) == 0x80;
