@@ -38,6 +38,18 @@ private slots:
         QCOMPARE(reader.lineLength(), qint64(1));
     }
 
+    /// However much of the file is read at a time.
+    void lineEndsAtItsFirstZeroByte()
+    {
+        const QByteArray rest(100000, 'y');
+        test::put(m_file, QByteArray("x\0", 2) + rest + "\nz");
+        ConfigFileReader reader(kvToString8<maxPath>(m_file));
+        QCOMPARE(nextOf(reader), QStringLiteral("x"));
+        QCOMPARE(reader.lineLength(), qint64(2 + rest.size()));
+        QCOMPARE(nextOf(reader), QStringLiteral("z"));
+        QCOMPARE(reader.lineNumber(), 2);
+    }
+
     void endOfTheFileIsNotAnError()
     {
         test::put(m_file, "one");
