@@ -22,13 +22,14 @@ void setLocale()
     keepForeignBytesInFileNames();
 }
 
-/// A file that is opened must not get the place of a standard stream that is closed.
-void occupyClosedStreams()
+/// A file that is opened must not get the place of a standard stream that is closed. False if
+/// nothing else can take it.
+bool occupyClosedStreams()
 {
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (::fcntl(stream, F_GETFD) < 0 && ::open("/dev/null", O_RDONLY) != stream)
-            std::_Exit(exitUsage);
-    }
+    const auto isOccupied = [](int stream) {
+        return ::fcntl(stream, F_GETFD) >= 0 || ::open("/dev/null", O_RDONLY) == stream;
+    };
+    return isOccupied(STDIN_FILENO) && isOccupied(STDOUT_FILENO) && isOccupied(STDERR_FILENO);
 }
 
 bool wantsColour()
@@ -82,7 +83,8 @@ private:
 
 int main(int count, char** arguments)
 {
-    occupyClosedStreams();
+    if (!occupyClosedStreams())
+        return exitUsage;
     setLocale();
     OutputBuffer buffer;
     std::ostream out(&buffer);

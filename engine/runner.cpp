@@ -194,8 +194,6 @@ bool Runner::isAsPlanned(const FioMachines& machines)
             return false;
         reasons = std::move(answers.reasons);
     }
-    if (reasons.empty() && !m_folder.problem().empty())
-        reasons.push_back(m_folder.problem());
     if (!reasons.empty())
         refuse(std::move(reasons));
     return m_results.status.state == RunState::Running;
@@ -203,9 +201,7 @@ bool Runner::isAsPlanned(const FioMachines& machines)
 
 void Runner::runStages(const FioMachines& machines)
 {
-    for (size_t stage = 0; stage < m_plan.stages.size(); ++stage) {
-        if (isStopped(m_signals.pending()) || !isEarlyInMinute())
-            return;
+    for (size_t stage = 0; stage < m_plan.stages.size() && mayStart(); ++stage) {
         runStage(machines, stage);
         const bool hasFailed = m_results.stages[stage].state != StageState::Complete;
         if (m_results.status.state != RunState::Running || (hasFailed && !m_options.keepGoing))
@@ -213,16 +209,15 @@ void Runner::runStages(const FioMachines& machines)
     }
 }
 
-/// The machines read their clocks one after the other, and all must see the same minute. Waits for
-/// the next one if this is nearly over; false if that was interrupted.
-bool Runner::isEarlyInMinute()
+/// The machines read their clocks one after the other, and all must see the same minute: waits for
+/// the next one if this is nearly over. False if a signal came.
+bool Runner::mayStart()
 {
     constexpr qint64 msPerMinute = 60000;
     constexpr qint64 lateMs = 40000;
     const qint64 passed = now() % msPerMinute;
-    if (!m_plan.startAtMinute || passed < lateMs)
-        return true;
-    return !isStopped(m_signals.sleep(int(msPerMinute - passed)));
+    const bool isLate = m_plan.startAtMinute && passed >= lateMs;
+    return !isStopped(isLate ? m_signals.sleep(int(msPerMinute - passed)) : m_signals.pending());
 }
 
 void Runner::runStage(const FioMachines& machines, size_t stage)

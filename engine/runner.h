@@ -52,7 +52,7 @@ public:
 private:
     bool isAsPlanned(const FioMachines& machines);
     void runStages(const FioMachines& machines);
-    bool isEarlyInMinute();
+    bool mayStart();
     void runStage(const FioMachines& machines, size_t stage);
     void account(const FioMachines& machines, size_t stage, const QString& output);
     void addToManifest(size_t stage);

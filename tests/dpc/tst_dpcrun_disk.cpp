@@ -8,12 +8,13 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <cstdlib>
 #include <sstream>
 
 using test::SeriesRun;
 
-// Runs, exports and reports that are written onto a disk that is full, or gets full. A program
-// stands in for fio.
+// Runs, exports and reports that are written onto a disk that is full, or gets full, and a system
+// that lacks a device. A program stands in for fio.
 
 class TestDpcRunDisk : public QObject
 {
@@ -30,6 +31,7 @@ private slots:
     void tellsThatTheResultsDoNotFit();
     void startsNoStageWithoutAManifest();
     void tellsThatAReportDoesNotFit();
+    void endsIfNothingCanTakeThePlaceOfAClosedStream();
 
 private:
     QString onDisk(const QString& name) const { return m_series->file("disk/" + name); }
@@ -145,6 +147,16 @@ void TestDpcRunDisk::tellsThatAReportDoesNotFit()
     QCOMPARE(printed.status, 2);
     QVERIFY2(printed.err.contains("report.html' can't be written: No space left"), printed.err);
     QVERIFY(QDir(m_series->file("disk")).isEmpty());
+}
+
+/// A file that it writes could get that place, and what is meant for people.
+void TestDpcRunDisk::endsIfNothingCanTakeThePlaceOfAClosedStream()
+{
+    const QByteArray command = "'" TWDP_DPC "' --version";
+    QCOMPARE(std::system(command + " <&-"), 0);
+    const test::SmallDisk noDevices("/dev", "size=4k");
+    QCOMPARE(WEXITSTATUS(std::system(command + " <&-")), 2);
+    QCOMPARE(std::system(command), 0);
 }
 
 int main(int argc, char* argv[])
