@@ -95,6 +95,8 @@ void TestLosses::everyRuleIsComplete()
         QVERIFY2(QRegularExpression("^fio-[a-z0-9]+(-[a-z0-9]+)*$").match(rule->name).hasMatch(),
                  rule->name);
         QCOMPARE(lossRuleNamed(rule->name), rule);
+        QVERIFY2(QByteArrayList({"lines", "paths", "series", "machines"}).contains(rule->category),
+                 rule->name);
         for (const char* text : {rule->meaning, rule->advice})
             QVERIFY2(QByteArray(text).endsWith('.') && !QByteArray(text).contains('|'), rule->name);
     }

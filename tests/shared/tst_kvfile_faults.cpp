@@ -173,14 +173,20 @@ private slots:
 
         for (const int error : {EACCES, EIO}) {
             refuseForGood(SYS_rename, error);
-            if (scene.isNew)
-                continue;
-            const QStringList left =
-                test::entriesOf(root.path()).filter(QRegularExpression("\\.tmp$"));
-            QVERIFY2(left.size() == 1, where());
-            QVERIFY2(test::contentOf(in(left.first())) == newText, where());
+            if (!scene.isNew)
+                checkThatTheNewTextIsBeside();
         }
         meanwhile = nullptr;
+    }
+
+    /// Nobody knows then what the old file holds.
+    void aFileThatBreaksInPlaceLeavesTheNewTextBeside_data() { addScenes(); }
+
+    void aFileThatBreaksInPlaceLeavesTheNewTextBeside()
+    {
+        refuseForGood(SYS_rename, EACCES, test::Fault::RefuseAndBreak);
+        if (!scene.isNew)
+            checkThatTheNewTextIsBeside();
     }
 
     /// The space of the longer text is asked for before the old one is touched.
@@ -320,7 +326,7 @@ private:
 
     /// The last call of this number, and all that come after it, return the error. Returns what the
     /// file was before. Without such a call nothing is done, and `clean` is left empty.
-    struct stat refuseForGood(long call, int error)
+    struct stat refuseForGood(long call, int error, test::Fault fault = test::Fault::Refuse)
     {
         prepareAndCount();
         const auto last = std::find(clean.calls.rbegin(), clean.calls.rend(), call);
@@ -328,7 +334,7 @@ private:
             clean.calls.clear();
             return {};
         }
-        injection = {test::Fault::Refuse, int(clean.calls.rend() - last) - 1, error};
+        injection = {fault, int(clean.calls.rend() - last) - 1, error};
         prepare();
         const struct stat old = test::statusOf(in(scene.target));
         [this] { QVERIFY2(run(injection).endedWell, where()); }();
@@ -410,6 +416,13 @@ private:
                          scene.target.startsWith(entry + '/'),
                      where() + (" left " + entry.toLocal8Bit()));
         }
+    }
+
+    void checkThatTheNewTextIsBeside()
+    {
+        const QStringList left = test::entriesOf(root.path()).filter(QRegularExpression("\\.tmp$"));
+        QVERIFY2(left.size() == 1, where());
+        QVERIFY2(test::contentOf(in(left.first())) == newText, where());
     }
 
     void checkLaterSave()

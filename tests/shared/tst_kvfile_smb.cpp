@@ -4,11 +4,13 @@
 #include "tests/support/leaveout.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <linux/magic.h>
@@ -17,6 +19,7 @@
 #include <sys/syscall.h>
 #include <sys/vfs.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 // Saving on an SMB share, where a rename over an open file loses both. The share is a folder that
@@ -135,7 +138,32 @@ private slots:
                 test::save(file(), text);
             }));
             QCOMPARE(test::contentOf(file()), text);
+            const ino_t now = numberOf(file());
+            QCOMPARE(now == m_old, isOpen);
+            m_old = now;
         }
+    }
+
+    /// A machine that polls has it open for some milliseconds.
+    void aFileThatIsClosedSoonIsReplaced()
+    {
+        claimedType = 0xFE534D42U;
+        constexpr qint64 leastMs = 150; // the ten tries take longer
+        qint64 closedMs = leastMs;
+        while (closedMs >= leastMs) {
+            m_old = numberOf(file());
+            QElapsedTimer sinceStart;
+            sinceStart.start();
+            std::thread polling([&, reader = std::make_unique<OpenFile>(file())]() mutable {
+                std::this_thread::sleep_for(std::chrono::milliseconds(40));
+                reader.reset();
+                closedMs = sinceStart.elapsed();
+            });
+            test::save(file(), "newer");
+            polling.join();
+        }
+        QCOMPARE(test::contentOf(file()), QByteArray("newer"));
+        QVERIFY(numberOf(file()) != m_old);
     }
 
     void aNewFileIsMade()

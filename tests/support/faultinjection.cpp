@@ -136,15 +136,17 @@ private:
 
     [[nodiscard]] bool strikesAgain(long call) const
     {
+        const bool isSame = call == run_.calls[static_cast<size_t>(injection_.at)];
+        const bool isChange = call == SYS_write || call == SYS_ftruncate;
         return injection_.fault == Fault::FailOnwards ||
-               (injection_.fault == Fault::Refuse &&
-                call == run_.calls[static_cast<size_t>(injection_.at)]);
+               (injection_.fault == Fault::Refuse && isSame) ||
+               (injection_.fault == Fault::RefuseAndBreak && (isSame || isChange));
     }
 
     [[nodiscard]] bool failsBefore() const
     {
         return injection_.fault == Fault::Fail || injection_.fault == Fault::FailOnwards ||
-               injection_.fault == Fault::Refuse;
+               injection_.fault == Fault::Refuse || injection_.fault == Fault::RefuseAndBreak;
     }
 
     static constexpr unsigned long long noCall = ~0ULL;

@@ -14,12 +14,13 @@ namespace test {
 enum class Fault
 {
     None,
-    Fail,        ///< the call isn't carried out and returns the error
-    FailAfter,   ///< the call is carried out and returns the error all the same, as on a network
-    FailOnwards, ///< this call and all that follow return the error: the disk is gone
-    Refuse,      ///< this call and all later ones of its kind return the error
-    Short,       ///< a write takes only half of its bytes
-    Kill         ///< the process ends just before the call
+    Fail,           ///< the call isn't carried out and returns the error
+    FailAfter,      ///< the call is carried out and returns the error all the same, as on a network
+    FailOnwards,    ///< this call and all that follow return the error: the disk is gone
+    Refuse,         ///< this call and all later ones of its kind return the error
+    RefuseAndBreak, ///< Refuse, and nothing can be changed afterwards in what is open
+    Short,          ///< a write takes only half of its bytes
+    Kill            ///< the process ends just before the call
 };
 
 struct Injection
