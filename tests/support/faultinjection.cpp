@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
 #include <map>
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
@@ -158,19 +159,33 @@ private:
     bool hit_ = false;
 };
 
+int openFiles()
+{
+    constexpr int most = 256;
+    int count = 0;
+    for (int number = 0; number < most; ++number)
+        count += ::fcntl(number, F_GETFD) >= 0 ? 1 : 0;
+    return count;
+}
+
 } // namespace
 
 TracedRun runWithFault(const std::function<void()>& work, const Injection& injection,
                        const std::function<void()>& meanwhile)
 {
+    // A close that is not carried out leaves a file open.
+    const bool canClose = injection.fault != Fault::Fail && injection.fault != Fault::FailOnwards;
     const pid_t child = startChild([&] {
         if (::ptrace(PTRACE_TRACEME, 0, 0, 0) != 0)
             ::abort();
         // The first file that the work opens gets the number 0, which is not a failure.
         ::close(STDIN_FILENO);
+        const int before = openFiles();
         ::raise(SIGSTOP);
         work();
         ::raise(endOfWork);
+        if (canClose && openFiles() != before)
+            endChild(EXIT_FAILURE);
     });
     return Tracer(child, injection, meanwhile).run();
 }

@@ -33,7 +33,7 @@ struct Injection
 struct TracedRun
 {
     std::vector<long> calls; ///< the numbers of the system calls on files, in order
-    bool endedWell = false;  ///< the work returned
+    bool endedWell = false;  ///< the work returned, and left no file open
 };
 
 /// Does the work in a child process with one fault. Each time that it strikes, `meanwhile` is done
