@@ -2,6 +2,17 @@
 
 #include <QTest>
 
+namespace {
+
+/// With too much text for the screen's height, in a column that is as wide as the label prefers.
+void fillScreen(QLabel& label)
+{
+    while (label.heightForWidth(label.sizeHint().width()) < screenSize().height())
+        label.setText(label.text() + ' ' + SmallWindow::words(10));
+}
+
+} // namespace
+
 class TestOpeningSize : public QObject
 {
     Q_OBJECT
@@ -13,6 +24,7 @@ private slots:
     void windowThatIsLargeEnoughKeepsItsSize();
     void windowLargerThanTheScreenOpensWithinIt();
     void windowOnALowScreenOpensWider();
+    void windowOnALowScreenOpensNoHigherThanItsTextsNeed();
     void windowThatFitsExactlyInItsGreatestWidthOpensNoWiderThanItNeeds();
     void windowOnAScreenThatIsFarTooLowOpensNoWiderThanItHelps();
     void windowOnAScreenThatIsTooLowOpensNoWiderThanTheScreensWidthHelps();
@@ -60,10 +72,7 @@ void TestOpeningSize::windowLargerThanTheScreenOpensWithinIt()
 void TestOpeningSize::windowOnALowScreenOpensWider()
 {
     SmallWindow window;
-    // Too much for the screen's height in a column that is as wide as the label prefers.
-    QLabel& label = window.left();
-    while (label.heightForWidth(label.sizeHint().width()) < screenSize().height())
-        label.setText(label.text() + ' ' + SmallWindow::words(10));
+    fillScreen(window.left());
     const int preferred = window.centralWidget()->sizeHint().width();
     window.show();
     QVERIFY(window.width() > preferred);
@@ -76,6 +85,21 @@ void TestOpeningSize::windowOnALowScreenOpensWider()
     QVERIFY(scrollBar(window, Qt::Vertical) != nullptr);
 }
 
+void TestOpeningSize::windowOnALowScreenOpensNoHigherThanItsTextsNeed()
+{
+    // In one of them, lines of text leave a rest of the height.
+    for (const int top : {0, 1}) {
+        SmallWindow window;
+        fillScreen(window.left());
+        window.centralWidget()->layout()->setContentsMargins(0, top, 0, 0);
+        window.show();
+        const int opened = window.height();
+        window.setMinimumHeight(0);
+        window.resize(window.width(), opened - 1);
+        QCOMPARE(window.height(), opened);
+    }
+}
+
 // One column is as high as the screen in any width, the other one only if it is narrow.
 void TestOpeningSize::windowThatFitsExactlyInItsGreatestWidthOpensNoWiderThanItNeeds()
 {
@@ -85,9 +109,7 @@ void TestOpeningSize::windowThatFitsExactlyInItsGreatestWidthOpensNoWiderThanItN
     sample.show();
     SmallWindow window;
     window.right().setFixedHeight(low + available(sample).height() - sample.minimumHeight());
-    QLabel& label = window.left();
-    while (label.heightForWidth(label.sizeHint().width()) < screenSize().height())
-        label.setText(label.text() + ' ' + SmallWindow::words(10));
+    fillScreen(window.left());
     window.show();
     QCOMPARE(window.minimumHeight(), available(window).height());
     QCOMPARE(scrollBar(window, Qt::Vertical), nullptr);
