@@ -32,7 +32,7 @@ public:
     /// True if the text of a user without rights arrives in the file.
     bool isFollowedByASave() const
     {
-        return isFollowedBy([this] { save(QFile::decodeName(link()), "new"); });
+        return isFollowedBy([this] { saveAndClose(); });
     }
 
     /// By a program whose first file gets the number 0.
@@ -40,7 +40,7 @@ public:
     {
         return isFollowedBy([this] {
             ::close(STDIN_FILENO);
-            save(QFile::decodeName(link()), "new");
+            saveAndClose();
         });
     }
 
@@ -54,6 +54,14 @@ public:
     }
 
 private:
+    void saveAndClose() const
+    {
+        const int before = openFiles();
+        save(QFile::decodeName(link()), "new");
+        if (openFiles() != before)
+            endChild(EXIT_FAILURE);
+    }
+
     bool isFollowedBy(const std::function<void()>& work) const
     {
         put(target(), "old", 0666);

@@ -26,6 +26,9 @@ bool endedWell(pid_t child);
 /// Both in one.
 bool runInChild(const std::function<void()>& work);
 
+/// How many files this process has open.
+int openFiles();
+
 constexpr gid_t nobody = 65534;
 
 /// Makes root "nobody" with the given group, for the rest of this process. Other users stay.

@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <fcntl.h>
 #include <map>
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
@@ -158,15 +157,6 @@ private:
     TracedRun run_;
     bool hit_ = false;
 };
-
-int openFiles()
-{
-    constexpr int most = 256;
-    int count = 0;
-    for (int number = 0; number < most; ++number)
-        count += ::fcntl(number, F_GETFD) >= 0 ? 1 : 0;
-    return count;
-}
 
 } // namespace
 
