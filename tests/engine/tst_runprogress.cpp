@@ -31,7 +31,7 @@ private slots:
 
 namespace {
 
-constexpr qint64 kib = 1024;
+constexpr qint64 mib = 1024 * 1024;
 
 /// Plans a series, and exports it into the folder of its run.
 Plan planInto(RunFolder& folder, const SeriesRun& series)
@@ -53,15 +53,16 @@ RunOptions withStandIn()
     return options;
 }
 
-/// Runs a series, in each stage of which 256 KiB are read and written, and tells the progress of
+/// Runs a series, in each stage of which 16 MiB are read and written, and tells the progress of
 /// each as it is then.
 std::vector<RunProgress> progressOf(const SeriesRun& series)
 {
     const QByteArray gate = QFile::encodeName(series.file("gate"));
     if (::mkfifo(gate.constData(), S_IRUSR | S_IWUSR) != 0)
         qFatal("can't make a FIFO");
-    qputenv("STANDIN_NOW", "head -c 262144 /dev/zero > '" + QFile::encodeName(series.file("sink")) +
-                               "'; read line < '" + gate + '\'');
+    qputenv("STANDIN_NOW", "head -c 16777216 /dev/zero > '" +
+                               QFile::encodeName(series.file("sink")) + "'; read line < '" + gate +
+                               '\'');
     RunFolder folder;
     const Plan plan = planInto(folder, series);
     std::vector<RunProgress> seen;
@@ -88,10 +89,10 @@ std::vector<RunProgress> progressOf(const SeriesRun& series)
 void TestRunProgress::tellsHowFarEachStageIs()
 {
     const SeriesRun series;
-    series.putSeries({{SeriesRun::line("", "[cfgPath]/a.dat", 1024, 64, 3)},
-                      {SeriesRun::line("[cfgPath]/a.dat", "[cfgPath]/b.dat", 1024, 128)},
-                      {SeriesRun::line("", "[cfgPath]/c.dat", 128, 128),
-                       SeriesRun::line("", "[cfgPath]/d.dat", 128, 128)}});
+    series.putSeries({{SeriesRun::line("", "[cfgPath]/a.dat", 65536, 4096, 3)},
+                      {SeriesRun::line("[cfgPath]/a.dat", "[cfgPath]/b.dat", 65536, 8192)},
+                      {SeriesRun::line("", "[cfgPath]/c.dat", 8192, 8192),
+                       SeriesRun::line("", "[cfgPath]/d.dat", 8192, 8192)}});
     QElapsedTimer time;
     time.start();
     const std::vector<RunProgress> seen = progressOf(series);
@@ -103,20 +104,20 @@ void TestRunProgress::tellsHowFarEachStageIs()
         QVERIFY(seen[stage].elapsedMs <= all);
         QVERIFY(seen[stage].doneBytes.has_value());
     }
-    // A shell and what it starts read a little for themselves.
-    constexpr qint64 little = 200 * kib;
-    QCOMPARE(seen[0].plannedBytes, 1024 * kib);
-    QVERIFY(*seen[0].doneBytes >= 512 * kib);
-    QVERIFY(*seen[0].doneBytes < 512 * kib + little);
+    // A shell and what it starts read a little for themselves, and write counters of coverage.
+    constexpr qint64 little = 8 * mib;
+    QCOMPARE(seen[0].plannedBytes, 64 * mib);
+    QVERIFY(*seen[0].doneBytes >= 32 * mib);
+    QVERIFY(*seen[0].doneBytes < 32 * mib + little);
     QCOMPARE(seen[0].leastMs, qint64(16 * 3 + 300 + 300));
     // A copy is done once it is read and written.
-    QCOMPARE(seen[1].plannedBytes, 1024 * kib);
-    QVERIFY(*seen[1].doneBytes >= 256 * kib);
-    QVERIFY(*seen[1].doneBytes < 256 * kib + little);
+    QCOMPARE(seen[1].plannedBytes, 64 * mib);
+    QVERIFY(*seen[1].doneBytes >= 16 * mib);
+    QVERIFY(*seen[1].doneBytes < 16 * mib + little);
     QCOMPARE(seen[1].leastMs, qint64(300 + 300));
     // Nothing is more than done.
-    QCOMPARE(seen[2].plannedBytes, 256 * kib);
-    QCOMPARE(*seen[2].doneBytes, 256 * kib);
+    QCOMPARE(seen[2].plannedBytes, 16 * mib);
+    QCOMPARE(*seen[2].doneBytes, 16 * mib);
     QCOMPARE(seen[2].leastMs, qint64(2 * 300 + 300));
 }
 

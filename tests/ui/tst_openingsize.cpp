@@ -57,6 +57,8 @@ void TestOpeningSize::windowThatIsLargeEnoughKeepsItsSize()
     QCoreApplication::processEvents();
     QCOMPARE(window.size(), QSize(700, 500));
     QCOMPARE(cutTexts(window), QStringList());
+    // And can't be made smaller than its texts are.
+    QVERIFY(window.minimumHeight() > SmallWindow::firstSize().height());
 }
 
 void TestOpeningSize::windowLargerThanTheScreenOpensWithinIt()
