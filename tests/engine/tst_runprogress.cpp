@@ -31,7 +31,7 @@ private slots:
 
 namespace {
 
-constexpr qint64 mib = 1024 * 1024;
+constexpr qint64 mib = 1024LL * 1024;
 
 /// Plans a series, and exports it into the folder of its run.
 Plan planInto(RunFolder& folder, const SeriesRun& series)
