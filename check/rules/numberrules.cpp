@@ -281,7 +281,7 @@ Systems systemsOf(const LineFact& line)
     Systems systems;
     for (const TaskPath which : {SourcePath, DestPath, LogPath, CsvPath}) {
         const QByteArray& path = line.path(which);
-        if (path.startsWith('\\') || (path.size() > 1 && path[1] == ':'))
+        if (path.startsWith('\\') || path.indexOf(':') == 1)
             systems.maybeOther = false;
         else if (path.startsWith('/') && !path.startsWith("//"))
             systems.maybeWindows = false;

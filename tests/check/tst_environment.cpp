@@ -71,6 +71,8 @@ private slots:
         QCOMPARE(look("file").fileSystem, look("other").fileSystem);
         put("third", "123");
         QVERIFY(look("third").node != look("file").node);
+        // A number of a node says something within one file system only.
+        QVERIFY(look("third").fileSystem != m_real.look("/proc/self").fileSystem);
     }
 
     void pipesAreNotOpened()

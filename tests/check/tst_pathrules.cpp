@@ -69,6 +69,14 @@ private slots:
         row("folder inside of a path", "folder-variable", writing("/d/[cfgPath]/x"),
             writing("[cfgPath]x"));
         row("control character", "control-character", writing("/d/a\tb"), writing("/d/a b"));
+        row("last control character before the blank", "control-character",
+            writing("/d/a\x1F"
+                    "b"),
+            writing("/d/a b"));
+        row("first character after the visible ones", "control-character",
+            writing("/d/a\x7F"
+                    "b"),
+            writing("/d/a~b"));
         row("C1 control character", "control-character",
             writing("/d/a\x85"
                     "b"),
