@@ -108,7 +108,7 @@ void FileScanner::scanComment(LineFact& fact, const _kvString<maxLine>& line)
     const bool isFirstUtf8 = !m_hasUtf8Comment && looksLikeUtf8(fact.text);
     m_hasUtf8Comment = m_hasUtf8Comment || isFirstUtf8;
     const bool isWhole =
-        fact.length < maxLine && !fact.hasZero && !isPartOfTask(fact.text) && !isFirstUtf8;
+        fact.length <= maxLine && !fact.hasZero && !isPartOfTask(fact.text) && !isFirstUtf8;
     if (isWhole || ++m_facts.brokenComments > maxSeriesComments)
         return;
     m_lines.push_back(std::move(fact));

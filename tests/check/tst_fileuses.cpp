@@ -324,6 +324,16 @@ private slots:
             QVERIFY2(!isShared(path), path);
     }
 
+    void pathsOfOtherSystems()
+    {
+        for (const QByteArray path : {"//nas", "\\\\nas", "\\x", "\\", "c:", "Z:/x"})
+            QVERIFY2(isForeignPath(path), path);
+        for (const QByteArray path : {"", "/", "//", "///x", "/x", "c", "1:", "cc:"})
+            QVERIFY2(!isForeignPath(path), path);
+        QVERIFY(isSharePath("//nas") && isSharePath("\\\\nas"));
+        QVERIFY(!isSharePath("\\x") && !isSharePath("c:"));
+    }
+
     void filesOfTheSeriesItself()
     {
         const auto isOwn = [&](const QByteArray& path) {

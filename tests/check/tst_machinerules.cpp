@@ -105,6 +105,10 @@ private slots:
                  0);
         QCOMPARE(m_series->hits("disk-space", goodLine({{11, "/a/x"}}) + goodLine({{11, "/a/y"}})),
                  1);
+        m_series->put("a.dpc", goodLine({{11, "/a/x"}}) + goodLine({{11, "/b/x"}}) +
+                                   goodLine({{11, "/b/y"}}));
+        QCOMPARE(m_series->said({"disk-space"}), QStringList{"a.dpc:2:1 disk-space"});
+        QVERIFY(m_series->text("disk-space").contains("'/b/'"));
     }
 
 private:

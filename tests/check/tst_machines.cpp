@@ -66,6 +66,9 @@ private slots:
         QTest::newRow("ranges that overlap")
             << "p[1-9],p[7-12]"
             << "p7 is named twice, and counts once (and so on for 2 more)" << 3;
+        QTest::newRow("ranges that overlap in two")
+            << "p[1-9],p[8-12]"
+            << "p8 is named twice, and counts once (and so on for 1 more)" << 2;
         QTest::newRow("capitals") << "PC1,x,pc1"
                                   << "PC1 and pc1 differ in capitals only, and may be one machine"
                                   << 1;

@@ -50,6 +50,17 @@ private slots:
                  0);
     }
 
+    void folderOfEachMachineThatIsAFile()
+    {
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+        m_series->put("a_init.dpc", dummy);
+        m_series->setExisting(m_series->root() + "o", 1);
+        m_series->put("a.dpc", writing("[cfgPath]/[host]") + writing("[cfgPath]/o/[host]"));
+        QCOMPARE(m_series->said({"folder-is-file"}), QStringList{"a.dpc:2:62 folder-is-file"});
+        m_series->put("a.dpc", writing("[cfgPath]/o/x") + writing("[cfgPath]/o/[host]"));
+        QCOMPARE(m_series->said({"folder-is-file"}), QStringList{"a.dpc:1:62 folder-is-file"});
+    }
+
     void machinesThatMeetInOneName()
     {
         m_series->options().hosts = QStringList{"pc1", "pc11"};

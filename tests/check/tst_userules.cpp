@@ -148,6 +148,9 @@ private slots:
         row("log is a destination in an iteration", "results-over-data",
             task("MEMORY", "[cfgPath]/[iter].dat", 1024, 3, "[cfgPath]/2.dat"),
             task("MEMORY", "[cfgPath]/[iter].dat", 1024, 3, "[cfgPath]/3.dat"));
+        row("log is the destination in each iteration", "results-over-data",
+            task("MEMORY", "[cfgPath]/[iter].dat", 1024, 3, "[cfgPath]/[iter].dat"),
+            task("MEMORY", "[cfgPath]/[iter].dat", 1024, 3, "[cfgPath]/[iter].log"));
         row("csv is the source", "results-over-data",
             task("[cfgPath]/s.dat", "MEMORY", 1024, 1, "[cfgPath]/l.txt", "[cfgPath]/s.dat"),
             task("[cfgPath]/s.dat", "MEMORY", 1024, 1, "[cfgPath]/l.txt", "[cfgPath]/s.csv"),
