@@ -195,6 +195,11 @@ private slots:
         QCOMPARE(m_series->hits("long-path", byHost), 0);
         m_series->options().hosts = QStringList{"pc1", "pc123"};
         QCOMPARE(m_series->hits("long-path", byHost), 1);
+        const QString chosen = QString(240, 'n') + ".dpc";
+        m_series->put(chosen, writing("/d/" + name.left(15) + "[cfgName]"));
+        QCOMPARE(m_series->said({"long-path"}, chosen), QStringList());
+        m_series->put(chosen, writing("/d/" + name.left(16) + "[cfgName]"));
+        QCOMPARE(m_series->said({"long-path"}, chosen).size(), 1);
     }
 
     void wrongVariableGetsTheOneThatIsMeant()
