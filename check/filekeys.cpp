@@ -5,6 +5,7 @@
 #include "shared/kvpath.h"
 #include "shared/kvtext.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -48,10 +49,16 @@ QString toQString(const QByteArray& path)
     return QString::fromLatin1(path);
 }
 
+bool isAscii(const QByteArray& text)
+{
+    return std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
+}
+
 /// Keys are UTF-8: a link may lead to a name outside Latin-1.
 QByteArray toKey(const QByteArray& latin1)
 {
-    return toQString(latin1).toUtf8();
+    // Most names are the same in both, and share their memory.
+    return isAscii(latin1) ? latin1 : toQString(latin1).toUtf8();
 }
 
 /// True for a drive, a server or a share by itself, which is not a file: "c:", "//server",
@@ -79,7 +86,12 @@ QByteArray folderOf(const QByteArray& path)
 
 QByteArray joined(const QByteArray& folder, const QByteArray& name)
 {
-    return folder.endsWith('/') ? folder + name : folder + '/' + name;
+    QByteArray path;
+    path.reserve(folder.size() + 1 + name.size()); // appending takes twice of that
+    path += folder;
+    if (!folder.endsWith('/'))
+        path += '/';
+    return path += name;
 }
 
 } // namespace
@@ -190,7 +202,9 @@ KeyedFolder FileKeys::lookAtFolder(const QByteArray& path, bool isSeen)
                            m_folderCharacters <= maxFolderCharacters;
     if (hasParent) {
         folder.parent = folderAt(path.left(start - 1), isSeen);
-        folder.key = joined(m_folders[size_t(folder.parent)].key, toKey(path.mid(start)));
+        const QByteArray key = joined(m_folders[size_t(folder.parent)].key, toKey(path.mid(start)));
+        if (key != folder.key)
+            folder.key = key;
     }
     return folder;
 }

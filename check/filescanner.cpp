@@ -13,7 +13,7 @@ namespace {
 
 QByteArray latin1(const _kvString<maxLine>& line)
 {
-    return kvToQString(line).toLatin1();
+    return toLatin1(kvToQString(line));
 }
 
 int leadingBlanks(const _kvString<maxLine>& line)

@@ -14,7 +14,7 @@ constexpr long long maxNamesByHost = 300000;
 
 QByteArray latin1(const _kvString<maxPath>& text)
 {
-    return kvToQString(text).toLatin1();
+    return toLatin1(kvToQString(text));
 }
 
 /// An "_init" file that was chosen itself belongs to the series of its name.
@@ -144,9 +144,8 @@ QByteArray FileUses::pathOn(const FileUse& use, int machine) const
         values.date = dateVariable;
         values.tempFolder = _kvString8_allSize<maxPath>(m_temp.constData());
         const LineFact& line = m_facts.lines[size_t(use.line)];
-        return NameExpander(m_facts, values)
-            .resolve(line, line.path(use.role), use.iteration)
-            .toLatin1();
+        return toLatin1(
+            NameExpander(m_facts, values).resolve(line, line.path(use.role), use.iteration));
     }
     QByteArray path = name.text;
     if (name.byHost)

@@ -10,11 +10,6 @@
 
 namespace {
 
-QString folderOf(const QString& path)
-{
-    return kvGetDirName(path, '/');
-}
-
 /// With only the path that needs a folder; a source needs a file.
 TestTask withPath(const TestTask& all, TaskPath which)
 {
@@ -39,6 +34,7 @@ Needs::Needs(const SeriesFacts& facts, const FileUses& uses)
 {
     for (const FileUse& use : uses.uses())
         addUse(use);
+    m_known.clear();
 }
 
 QString Needs::namelessText(const Need& need)
@@ -47,7 +43,7 @@ QString Needs::namelessText(const Need& need)
     const QStringList names = textsOf(task, need.line->taskNumber);
     task.configPath.clear();
     const QStringList nameless = textsOf(task, need.line->taskNumber);
-    const int place = names.indexOf(need.file.text);
+    const int place = names.indexOf(QString::fromLatin1(need.text));
     const bool differs = place >= 0 && place < nameless.size() && nameless[place] != names[place];
     return differs ? nameless[place] : QString();
 }
@@ -85,7 +81,7 @@ QByteArray Needs::folderName(const LineFact& line, const FileUse& use)
         return name.text.left(name.text.lastIndexOf('/') + 1) + dummyFileName;
     const QByteArray& path = line.path(use.role);
     const QByteArray dummy = path.left(path.lastIndexOf('/') + 1) + dummyFileName;
-    return m_names.initName(line, dummy, use.iteration).toLatin1();
+    return toLatin1(m_names.initName(line, dummy, use.iteration));
 }
 
 void Needs::add(const FileUse& use, const QByteArray& text, qint64 size, bool isDummy)
@@ -93,20 +89,18 @@ void Needs::add(const FileUse& use, const QByteArray& text, qint64 size, bool is
     if (m_known.contains(text))
         return;
     m_known.insert(text);
-    m_needs.push_back({&m_facts.lines[size_t(use.line)],
-                       use.role,
-                       {QString::fromLatin1(text), resolved(use, text), size, isDummy},
-                       !isDummy && m_uses.isWrittenBefore(m_uses.file(use, 0), use)});
+    m_needs.push_back({&m_facts.lines[size_t(use.line)], use.role, text, resolved(use, text), size,
+                       isDummy, !isDummy && m_uses.isWrittenBefore(m_uses.file(use, 0), use)});
 }
 
 /// Where the file lies that a line of the "_init" file makes by this name.
-QString Needs::resolved(const FileUse& use, const QByteArray& text)
+QByteArray Needs::resolved(const FileUse& use, const QByteArray& text)
 {
     if (m_uses.nameOf(use).mustExpandAnew)
-        return m_names.resolve(m_facts.lines[size_t(use.line)], text, use.iteration);
+        return toLatin1(m_names.resolve(m_facts.lines[size_t(use.line)], text, use.iteration));
     QByteArray path = text;
     replaceConfigPath(path, m_runFolder);
-    return QString::fromLatin1(resolvedPath(path));
+    return resolvedPath(path);
 }
 
 InitFile::InitFile(const SeriesFacts& facts, const FileUses& uses)
@@ -126,7 +120,7 @@ InitFile::InitFile(const SeriesFacts& facts, const FileUses& uses)
         m_sizes.insert({path, made.entry.size / bytesPerKib});
         if (made.entry.otherLine > 0)
             m_sizes.insert({path, made.entry.otherSize / bytesPerKib});
-        addFolders(path);
+        m_folders.add(path);
     }
 }
 
@@ -134,17 +128,6 @@ const InitEntry* InitFile::entryOf(const QString& path) const
 {
     const auto found = m_entries.constFind(path);
     return found == m_entries.cend() ? nullptr : &*found;
-}
-
-void InitFile::addFolders(const QString& path)
-{
-    for (QString folder = folderOf(path); !folder.isEmpty() && !m_folders.contains(folder);
-         folder = folderOf(folder.chopped(1))) {
-        m_folderCharacters += folder.size();
-        if (m_folderCharacters > maxFolderCharacters)
-            return;
-        m_folders.insert(folder);
-    }
 }
 
 QSet<QString> namesAfterSave(const SeriesFacts& facts)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "check/fileuses.h"
+#include "check/foldersabove.h"
 #include "check/nameexpander.h"
 #include "configset/filestocreate.h"
 
@@ -17,8 +18,14 @@ struct Need
 {
     const LineFact* line;
     TaskPath which;
-    FileToCreate file;
-    bool isWritten; ///< a source that an earlier task writes
+    QByteArray text; ///< as a line of the "_init" file names it, Latin-1
+    QByteArray path; ///< where it lies, Latin-1
+    qint64 size;     ///< bytes
+    bool isDummy;    ///< only there to make its folder
+    bool isWritten;  ///< a source that an earlier task writes
+
+    /// The same for comparisons with other names.
+    QString fullName() const { return QString::fromLatin1(path); }
 };
 
 /// The files and folders that a series needs, as its paths name them, each once, as a save collects
@@ -41,7 +48,7 @@ private:
     void addUse(const FileUse& use);
     QByteArray folderName(const LineFact& line, const FileUse& use);
     void add(const FileUse& use, const QByteArray& text, qint64 size, bool isDummy);
-    QString resolved(const FileUse& use, const QByteArray& text);
+    QByteArray resolved(const FileUse& use, const QByteArray& text);
 
     const SeriesFacts& m_facts;
     const FileUses& m_uses;
@@ -76,22 +83,16 @@ public:
     bool makesSize(const QString& path, qint64 kib) const { return m_sizes.contains({path, kib}); }
 
     /// True if a line makes a file in the folder or below it, or if there are too many to tell.
-    bool makesFolder(const QString& folder) const
-    {
-        return m_folderCharacters > maxFolderCharacters || m_folders.contains(folder);
-    }
+    bool makesFolder(const QString& folder) const { return m_folders.contains(folder); }
 
     /// All lines, in their order.
     const std::vector<InitTarget>& files() const { return m_files; }
 
 private:
-    void addFolders(const QString& path);
-
     std::vector<InitTarget> m_files;
     QHash<QString, InitEntry> m_entries;
     QSet<QPair<QString, qint64>> m_sizes; ///< KiB
-    QSet<QString> m_folders;
-    long long m_folderCharacters = 0;
+    FoldersAbove m_folders;
 };
 
 /// The names that a save of the series as it is loaded puts into the "_init" file, on this machine.

@@ -1,4 +1,5 @@
 #include "check/nametemplates.h"
+#include "check/text.h"
 
 #include <algorithm>
 
@@ -47,12 +48,12 @@ QByteArray filled(const QByteArray& text, int iteration, int taskNumber)
 QByteArray NameTemplates::expand(const LineFact& line, const QByteArray& path, int iteration)
 {
     if (holdsMark(path))
-        return m_expander.initName(line, path, iteration).toLatin1();
+        return toLatin1(m_expander.initName(line, path, iteration));
     if (line.file != m_file)
         m_templates.clear();
     m_file = line.file;
     auto known = m_templates.constFind(path);
     if (known == m_templates.cend())
-        known = m_templates.insert(path, m_expander.initName(line, withMarks(path), 0).toLatin1());
+        known = m_templates.insert(path, toLatin1(m_expander.initName(line, withMarks(path), 0)));
     return filled(*known, iteration, line.taskNumber);
 }

@@ -65,10 +65,24 @@ std::string lossOfFiles(const SeriesFacts& facts)
     return {};
 }
 
-/// The tasks and markers as a load gives them to a save.
-TaskList loadedTasks(const SeriesFacts& facts)
+/// Of the content that a save writes.
+std::string lossOf(const ConfigFile& saved)
 {
-    TaskList tasks;
+    if (saved.content.size() <= maxConfigFile)
+        return {};
+    return fmt::format("{} would be cut at {} characters", nameOf(saved.path), maxConfigFile);
+}
+
+/// Renders the tasks and markers as a load gives them to a save, one by one: all their records
+/// together would take too much memory.
+std::string lossOfLength(const SeriesFacts& facts)
+{
+    QStringList info;
+    for (const std::string& line : facts.info)
+        info += QString::fromStdString(line);
+    ConfigFilesRenderer renderer(info.join('\n'), {facts.runFolder, facts.name.baseName},
+                                 FollowUpFiles::InWaitFolder);
+    std::string loss = lossOf(renderer.files().last());
     for (const LineFact& line : facts.lines) {
         const FileFact& file = facts.fileOf(line);
         if (!file.isRead() || (!isTask(line) && !isMarker(line)))
@@ -76,27 +90,16 @@ TaskList loadedTasks(const SeriesFacts& facts)
         TestTask task;
         _kvString<maxLine> text;
         text.addSignExtended(line.text.constData(), line.text.size());
-        if (readTaskLine(task, text, kvToString8<maxPath>(file.path)))
-            tasks.append(task);
+        if (!readTaskLine(task, text, kvToString8<maxPath>(file.path)))
+            continue;
+        const int number = renderer.files().size() - 1;
+        prepareTask(task, number);
+        renderer.add(task);
+        loss = lossOf(renderer.files()[number]);
+        if (!loss.empty())
+            break;
     }
-    prepareTasks(tasks);
-    return tasks;
-}
-
-std::string lossOfLength(const SeriesFacts& facts)
-{
-    QStringList info;
-    for (const std::string& line : facts.info)
-        info += QString::fromStdString(line);
-    const RenderedSeries saved =
-        renderSeries(loadedTasks(facts), info.join('\n'), {facts.runFolder, facts.name.baseName},
-                     FollowUpFiles::InWaitFolder);
-    for (const ConfigFile& file : saved.files) {
-        if (file.content.size() > maxConfigFile)
-            return fmt::format("{} would be cut at {} characters", nameOf(file.path),
-                               maxConfigFile);
-    }
-    return {};
+    return loss;
 }
 
 /// A source that exists, and that a save takes for missing: out of "_wait" it looks for the file

@@ -22,6 +22,13 @@ inline std::string utf8(const QByteArray& latin1)
     return QString::fromLatin1(latin1).toStdString();
 }
 
+/// The text in Latin-1, in as much memory as it needs: of a temporary the toolkit keeps the buffer,
+/// which is twice as large.
+inline QByteArray toLatin1(const QString& text)
+{
+    return text.toLatin1();
+}
+
 /// With control characters, invisible ones, and those that change the direction of writing, as
 /// "\x1B": a config file must not steer the terminal, and no text may break the line. A byte of a
 /// file name that is not UTF-8 is shown in the same way.

@@ -1,8 +1,9 @@
 #pragma once
 
 #include "check/fileuses.h"
+#include "check/foldersabove.h"
 
-#include <QRegularExpression>
+#include <QByteArray>
 #include <QSet>
 #include <QString>
 
@@ -16,14 +17,16 @@ public:
     /// Of all tasks. Nothing refers to the arguments afterwards.
     UsedPaths(const SeriesFacts& facts, const FileUses& uses);
 
-    /// True if a task uses the file, or a file below it. A file that is only there to make its
-    /// folder counts if the folder does.
-    bool contains(const QString& path) const;
+    /// True if a task uses the file, or a file below it, or if there is too much to tell. A file
+    /// that is only there to make its folder counts if the folder does.
+    bool contains(const QString& path);
 
 private:
-    void addPath(const QString& path);
+    void addPath(const QByteArray& path);
+    bool matchesPattern(QByteArray path);
 
-    QSet<QString> m_paths;
-    QSet<QString> m_folders;
-    std::vector<QRegularExpression> m_patterns;
+    QSet<QByteArray> m_paths; ///< Latin-1
+    FoldersAbove m_folders;
+    std::vector<QByteArray> m_patterns; ///< Latin-1
+    long long m_comparisons = 0;
 };

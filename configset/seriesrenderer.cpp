@@ -21,43 +21,60 @@ QString taskLine(const TestTask& task)
 
 } // namespace
 
+void prepareTask(TestTask& task, int fileNumber)
+{
+    if (task.waitForNextConfig)
+        return;
+    task.configId = fileNumber;
+    task.normalise();
+}
+
 void prepareTasks(TaskList& tasks)
 {
-    int configId = 0;
+    int fileNumber = 0;
     for (TestTask& task : tasks) {
-        if (task.waitForNextConfig) {
-            ++configId;
-            continue;
-        }
-        task.configId = configId;
-        task.normalise();
+        prepareTask(task, fileNumber);
+        if (task.waitForNextConfig)
+            ++fileNumber;
     }
+}
+
+ConfigFilesRenderer::ConfigFilesRenderer(const QString& infoText, const SeriesName& name,
+                                         FollowUpFiles place)
+    : m_name(name)
+    , m_followUpFolder(name.folder +
+                       (place == FollowUpFiles::InWaitFolder ? waitFolder() : QString()))
+    , m_files{{seriesFile(name.folder + waitFolder(), name.baseName, 0), header(infoText)}}
+{}
+
+void ConfigFilesRenderer::add(const TestTask& task)
+{
+    QString& content = m_files.last().content;
+    if (!task.waitForNextConfig) {
+        content += taskLine(task);
+        return;
+    }
+    const QString next = seriesFile(m_followUpFolder, m_name.baseName, m_files.size());
+    content += next + QLatin1Char('\n');
+    m_files.append({next, QString()});
 }
 
 RenderedSeries renderSeries(const TaskList& tasks, const QString& infoText, const SeriesName& name,
                             FollowUpFiles place, const MachineValues& machine)
 {
-    const QString followUpFolder =
-        name.folder + (place == FollowUpFiles::InWaitFolder ? waitFolder() : QString());
-    RenderedSeries series;
-    series.filesToCreate = FileToCreateList(maxConfigFile);
+    ConfigFilesRenderer renderer(infoText, name, place);
+    FileToCreateList filesToCreate(maxConfigFile);
     int taskNumber = 0;
-    ConfigFile current{seriesFile(name.folder + waitFolder(), name.baseName, 0), header(infoText)};
     for (const TestTask& task : tasks) {
-        if (!task.waitForNextConfig) {
-            current.content += taskLine(task);
-            collectFilesOfTask(series.filesToCreate, task, taskNumber, machine);
-            ++taskNumber;
+        renderer.add(task);
+        if (task.waitForNextConfig) {
+            taskNumber = 0;
             continue;
         }
-        taskNumber = 0;
-        const QString next = seriesFile(followUpFolder, name.baseName, series.files.size() + 1);
-        current.content += next + QLatin1Char('\n');
-        series.files.append(current);
-        current = {next, QString()};
+        collectFilesOfTask(filesToCreate, task, taskNumber, machine);
+        ++taskNumber;
     }
-    series.files.append(current);
-    return series;
+    return {renderer.files(), filesToCreate};
 }
 
 ConfigFile renderInitFile(const FileToCreateList& list, const SeriesName& name,

@@ -29,9 +29,31 @@ enum class FollowUpFiles
     InSeriesFolder
 };
 
-/// Prepares tasks for a save: gives each the `configId` of the file that it belongs to, and
-/// normalises it. Markers stay as they are.
+/// Prepares a task of a file for a save: gives it the number of the file as its `configId`, and
+/// normalises it. A marker stays as it is.
+void prepareTask(TestTask& task, int fileNumber);
+
+/// Prepares all tasks of a series.
 void prepareTasks(TaskList& tasks);
+
+/// Renders the config files of a series, task by task. The first file lies in "_wait" in any case.
+class ConfigFilesRenderer
+{
+public:
+    /// Begins the first file with the info text as comments.
+    ConfigFilesRenderer(const QString& infoText, const SeriesName& name, FollowUpFiles place);
+
+    /// Adds a task, which is prepared, or a marker: it ends a file and begins the next.
+    void add(const TestTask& task);
+
+    /// The files so far. Tasks go to the last.
+    const QVector<ConfigFile>& files() const { return m_files; }
+
+private:
+    SeriesName m_name;
+    QString m_followUpFolder;
+    QVector<ConfigFile> m_files;
+};
 
 /// Renders the files of a series, whose tasks are prepared: one for each stretch of tasks that a
 /// marker ends, the info text as comments at the head of the first. The first file lies in "_wait"

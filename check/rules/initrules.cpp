@@ -47,7 +47,7 @@ QString fixedFolder(const QString& folder)
 /// The folder as the task names it.
 std::string shownFolder(const Lack& lack)
 {
-    return quoted(fixedFolder(folderOf(lack.need->file.text)));
+    return quoted(fixedFolder(folderOf(QString::fromLatin1(lack.need->text))));
 }
 
 /// Compares what a series needs with what the "_init" file makes and with what is on the disk.
@@ -106,10 +106,10 @@ private:
 /// findings of their own.
 bool InitComparison::makesOtherSize(const Need& need, const InitEntry& entry) const
 {
-    const qint64 wanted = std::min<qint64>(need.file.size, maxFileSize);
-    if (!entry.isActive || m_init.makesSize(need.file.resolved, wanted / bytesPerKib))
+    const qint64 wanted = std::min<qint64>(need.size, maxFileSize);
+    if (!entry.isActive || m_init.makesSize(need.fullName(), wanted / bytesPerKib))
         return false;
-    const PathStatus status = m_environment.look(need.file.resolved);
+    const PathStatus status = m_environment.look(need.fullName());
     return !status.exists() || status.size == entry.size;
 }
 
@@ -117,13 +117,13 @@ void InitComparison::compare(const Need& need)
 {
     if (need.isWritten || m_uses.isForeign(need.line->path(need.which)))
         return;
-    const InitEntry* entry = m_init.entryOf(need.file.resolved);
-    if (need.file.isDummy) {
+    const InitEntry* entry = m_init.entryOf(need.fullName());
+    if (need.isDummy) {
         // With the names of the machines, the folders of all of them are looked at.
-        const QString folder = folderOf(need.file.resolved);
+        const QString folder = folderOf(need.fullName());
         if (!dependsOnMachine(folder) || m_uses.givenMachines() == 0)
             compareFolder(need, fixedFolder(folder), entry);
-    } else if (!dependsOnMachine(need.file.resolved) && entry != nullptr &&
+    } else if (!dependsOnMachine(need.fullName()) && entry != nullptr &&
                makesOtherSize(need, *entry)) {
         m_otherSizes.push_back(need);
     }
@@ -176,7 +176,7 @@ void InitComparison::reportMissing()
 {
     std::vector<std::string> names;
     for (const Lack& lack : m_lacks)
-        names.push_back(utf8(lack.need->file.text));
+        names.push_back(utf8(lack.need->text));
     const Lack& first = m_lacks.front();
     m_findings.add(
         initMissing, *first.need->line, first.need->line->columnOf(first.need->which),
@@ -241,7 +241,7 @@ void InitComparison::reportLacks()
         for (; i < m_lacks.size() && m_lacks[i].need->line == lack.need->line &&
                m_lacks[i].need->which == lack.need->which;
              ++i)
-            names.push_back(utf8(m_lacks[i].need->file.text));
+            names.push_back(utf8(m_lacks[i].need->text));
         reportLack(lack, names);
     }
 }
@@ -257,7 +257,7 @@ void InitComparison::reportLack(const Lack& lack, const std::vector<std::string>
                        Message(fmt::format("the task looks for {}, but line {} of the _init file "
                                            "makes {}: the task had no config file yet when it was "
                                            "saved",
-                                           quoted(need.file.text), made->line, quoted(nameless)),
+                                           quoted(need.text), made->line, quoted(nameless)),
                                advice())
                            .about(names));
         return;
@@ -278,13 +278,13 @@ void InitComparison::reportLack(const Lack& lack, const std::vector<std::string>
 void InitComparison::reportSizes()
 {
     for (const Need& need : m_otherSizes) {
-        const InitEntry* entry = m_init.entryOf(need.file.resolved);
+        const InitEntry* entry = m_init.entryOf(need.fullName());
         m_findings.add(
             initOutdated, *need.line, need.line->columnOf(need.which),
             Message(fmt::format("line {} of the _init file makes {} with {} KiB, but the task has "
                                 "{} KiB",
-                                entry->line, quoted(need.file.text), entry->size / bytesPerKib,
-                                need.file.size / bytesPerKib),
+                                entry->line, quoted(need.text), entry->size / bytesPerKib,
+                                need.size / bytesPerKib),
                     advice()));
     }
 }
@@ -328,13 +328,13 @@ void InitComparison::reportUnneeded()
 {
     if (!isWhole(m_facts))
         return;
-    QSet<QString> needed;
+    QSet<QByteArray> needed;
     for (const Need& need : m_needs.all())
-        needed.insert(need.file.resolved);
+        needed.insert(need.path);
     std::optional<UsedPaths> used;
     std::optional<QSet<QString>> saved;
     for (const InitTarget& made : m_init.files()) {
-        if (!made.entry.isActive || made.isOwn || needed.contains(made.path))
+        if (!made.entry.isActive || made.isOwn || needed.contains(made.path.toLatin1()))
             continue;
         if (!used)
             used.emplace(m_facts, m_uses);
