@@ -10,7 +10,7 @@
 namespace {
 
 /// Names that hold "[host]" are looked at for as many machines as this allows, at least two.
-constexpr long long maxNamesByHost = 300000;
+constexpr long long maxNamesByHost = 150000;
 
 QByteArray latin1(const _kvString<maxPath>& text)
 {
@@ -60,9 +60,13 @@ FileUses::FileUses(const SeriesFacts& facts, const QStringList& hosts,
         }
         uses[taskPathCount] = int(m_uses.size());
     }
+    // Of many long names each copy counts.
+    m_templates.clear();
+    m_nameOfText.clear();
     limitMachines();
     placeNames();
     addInit();
+    m_fileOfKey.clear();
 }
 
 void FileUses::takeMachines(const QStringList& hosts)

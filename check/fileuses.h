@@ -93,7 +93,7 @@ public:
     FileUses(const SeriesFacts& facts, const QStringList& hosts, const Environment& environment,
              const MachineValues& here = thisMachine());
 
-    /// The machines that are looked at: those of the user (of more than 300,000 names that hold
+    /// The machines that are looked at: those of the user (of more than 150,000 names that hold
     /// [host] only the first machines), or this one.
     const std::vector<MachineName>& machines() const { return m_machines; }
     /// How many machines the user named, 0 if none.

@@ -18,6 +18,9 @@ public:
     /// The name that a path stands for, in Latin-1. Fastest if lines come in their order.
     QByteArray expand(const LineFact& line, const QByteArray& path, int iteration);
 
+    /// Gives the memory back.
+    void clear() { m_templates.clear(); }
+
 private:
     NameExpander m_expander;
     int m_file = -1;

@@ -200,8 +200,8 @@ struct ReadLimits
     int entries = maxSeriesEntries;
     /// If paths stand for more names, or for names with more characters in all iterations, those of
     /// one iteration are looked at.
-    long long names = 300000;
-    long long nameCharacters = 30000000;
+    long long names = 150000;
+    long long nameCharacters = 15000000;
 };
 
 /// Reads all files of a series that exist. Never fails: what can't be read is a fact as well.
