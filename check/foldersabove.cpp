@@ -10,6 +10,7 @@ void FoldersAbove::add(const QString& path)
          folder = kvGetDirName(folder.chopped(1), '/')) {
         m_characters += folder.size();
         m_isFull = m_characters > maxFolderCharacters;
+        folder.squeeze();
         m_folders.insert(folder);
     }
 }

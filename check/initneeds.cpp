@@ -130,9 +130,9 @@ const InitEntry* InitFile::entryOf(const QString& path) const
     return found == m_entries.cend() ? nullptr : &*found;
 }
 
-QSet<QString> namesAfterSave(const SeriesFacts& facts)
+QSet<QByteArray> namesAfterSave(const SeriesFacts& facts)
 {
-    FileToCreateList list;
+    QSet<QByteArray> names;
     const MachineValues machine = thisMachine();
     for (const LineFact& line : facts.lines) {
         TestTask task;
@@ -143,10 +143,10 @@ QSet<QString> namesAfterSave(const SeriesFacts& facts)
             continue;
         task.configId = file.number;
         task.iterations = std::min(task.iterations, facts.iterationLimit);
+        FileToCreateList list; // of one task: all together take too much memory
         collectFilesOfTask(list, task, line.taskNumber, machine);
+        for (const FileToCreate& created : list.files())
+            names.insert(toLatin1(created.text));
     }
-    QSet<QString> names;
-    for (const FileToCreate& file : list.files())
-        names.insert(file.text);
     return names;
 }

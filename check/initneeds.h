@@ -95,5 +95,6 @@ private:
     FoldersAbove m_folders;
 };
 
-/// The names that a save of the series as it is loaded puts into the "_init" file, on this machine.
-QSet<QString> namesAfterSave(const SeriesFacts& facts);
+/// The names that a save of the series as it is loaded puts into the "_init" file, on this machine,
+/// Latin-1.
+QSet<QByteArray> namesAfterSave(const SeriesFacts& facts);

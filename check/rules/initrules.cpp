@@ -75,6 +75,7 @@ private:
     void compare(const Need& need);
     void compareFolder(const Need& need, const QString& folder, const InitEntry* entry);
     bool isThere(const QString& folder);
+    bool isBelowFile(const QString& folder);
     bool makesOtherSize(const Need& need, const InitEntry& entry) const;
     void reportMissing();
     void reportLacks();
@@ -98,7 +99,8 @@ private:
     InitFile m_init;
     std::vector<Lack> m_lacks;
     std::vector<Need> m_otherSizes;
-    QHash<QString, bool> m_folderIsThere;
+    QHash<QByteArray, bool> m_folderIsThere; ///< Latin-1
+    QSet<QString> m_existingFolders;         ///< above those that do not exist
     std::string m_advice;
 };
 
@@ -138,24 +140,31 @@ void InitComparison::compareFolder(const Need& need, const QString& folder, cons
 /// True also for a folder below a file, which has a finding of its own.
 bool InitComparison::isThere(const QString& folder)
 {
-    const auto known = m_folderIsThere.constFind(folder);
+    const QByteArray key = toLatin1(folder);
+    const auto known = m_folderIsThere.constFind(key);
     if (known != m_folderIsThere.cend())
         return *known;
     const InitEntry* entry = m_init.entryOf(folder.chopped(1));
     if (entry != nullptr && entry->isActive)
-        return *m_folderIsThere.insert(folder, true);
-    PathStatus status = m_environment.look(folder);
-    bool isThere = status.isFolder();
-    if (!status.exists()) {
-        // From the top: of a deep folder that does not exist most of those above do not either.
-        int end = 0;
-        do {
-            end = folder.indexOf('/', end + 1);
-            status = m_environment.look(folder.left(end));
-        } while (end >= 0 && status.isFolder());
-        isThere = status.exists();
+        return *m_folderIsThere.insert(key, true);
+    const PathStatus status = m_environment.look(folder);
+    const bool isThere = status.exists() ? status.isFolder() : isBelowFile(folder);
+    return *m_folderIsThere.insert(key, isThere);
+}
+
+/// From the top: of a deep folder that does not exist most of those above do not either.
+bool InitComparison::isBelowFile(const QString& folder)
+{
+    for (int end = folder.indexOf('/', 1); end >= 0; end = folder.indexOf('/', end + 1)) {
+        const QString above = folder.left(end);
+        if (m_existingFolders.contains(above))
+            continue;
+        const PathStatus status = m_environment.look(above);
+        if (!status.isFolder())
+            return status.exists();
+        m_existingFolders.insert(above);
     }
-    return *m_folderIsThere.insert(folder, isThere);
+    return false;
 }
 
 constexpr Rule initMissing = {
@@ -332,7 +341,7 @@ void InitComparison::reportUnneeded()
     for (const Need& need : m_needs.all())
         needed.insert(need.path);
     std::optional<UsedPaths> used;
-    std::optional<QSet<QString>> saved;
+    std::optional<QSet<QByteArray>> saved;
     for (const InitTarget& made : m_init.files()) {
         if (!made.entry.isActive || made.isOwn || needed.contains(made.path.toLatin1()))
             continue;
@@ -342,7 +351,7 @@ void InitComparison::reportUnneeded()
             continue;
         if (!saved)
             saved = namesAfterSave(m_facts);
-        if (!saved->contains(QString::fromLatin1(made.name)))
+        if (!saved->contains(made.name))
             m_findings.add(initUnneeded, made.entry.file, made.entry.line, 1,
                            fmt::format("the line makes {}, which no task of the series uses",
                                        quoted(made.path)));

@@ -293,7 +293,7 @@ private slots:
             hosts += QStringLiteral("m%1").arg(i);
         const QByteArray lines = copying("MEMORY", "/d/[host]_[iter]", 100);
         const FileUses& uses = m_fixture->uses(lines, hosts);
-        QCOMPARE(uses.machines().size(), size_t(3000));
+        QCOMPARE(uses.machines().size(), size_t(1500));
         QCOMPARE(uses.givenMachines(), 3001);
         QCOMPARE(m_fixture->uses(copying("MEMORY", "/d/x"), hosts).machines().size(), size_t(3001));
     }

@@ -169,6 +169,47 @@ private slots:
         QCOMPARE(m_series->hits("init-unneeded", goodLine() + "[cfgPath]/a1.dpc\n"), 1);
     }
 
+    void linesForNamesOfAnyMachineAreNotUnneeded_data()
+    {
+        QTest::addColumn<QByteArray>("made");
+        QTest::addColumn<QByteArray>("used");
+        QTest::addColumn<int>("unneeded");
+        const auto row = [](const char* made, const char* used, int unneeded) {
+            QTest::addRow("%s for %s", made, used)
+                << "[cfgPath]/" + QByteArray(made) << "[cfgPath]/" + QByteArray(used) << unneeded;
+        };
+        row("a_1.dat", "a_[host].dat", 0);
+        row("a_.dat", "a_[host].dat", 0);
+        row("b_1.dat", "a_[host].dat", 1);
+        row("a_1.dax", "a_[host].dat", 1);
+        row("a_1.dat2", "a_[host].dat", 1);
+        row("a_1.da", "a_[host].dat", 1);
+        row("p_q_x", "[host]_[date]_x", 0);
+        row("p_qx", "[host]_[date]_x", 1);
+        row("xabyab.dat", "[host]ab.dat", 0);
+        row("xaby.dat", "[host]ab.dat", 1);
+        row("aab", "[host]ab[date]", 0);
+        row("o_p/dummyFile", "o_[host]/x", 0);
+        row("q_p/dummyFile", "o_[host]/x", 1);
+        row("o_p.d/dummyFile", "o_[host].d/x/y", 0);
+        row("o_p.d/x/dummyFile", "o_[host].d/x/y", 0);
+        row("o_p.e/dummyFile", "o_[host].d/x/y", 1);
+        row("o_p.d/y", "o_[host].d/x/y", 1);
+        row("o_p.d/x/y/z", "o_[host].d/x/y", 1);
+        row("dummyFile", "a_[host].dat", 0);
+    }
+
+    /// A file that a machine may use, or the folder of one.
+    void linesForNamesOfAnyMachineAreNotUnneeded()
+    {
+        QFETCH(QByteArray, made);
+        QFETCH(QByteArray, used);
+        m_series->put("a_init.dpc", lineTo(made).toLatin1());
+        QFETCH(int, unneeded);
+        QCOMPARE(m_series->hits("init-unneeded", goodLine({{11, used}, {12, used}, {13, used}})),
+                 unneeded);
+    }
+
     /// The editor puts them there: the folder of an empty field, a path of another system.
     void whatASaveWritesIntoTheInitFileIsNotUnneeded()
     {
