@@ -42,7 +42,7 @@ public:
     {
         PathStatus status;
         status.kind = PathStatus::Kind::Folder;
-        status.canonical = path.endsWith('/') ? path.chopped(1) : path;
+        status.canonical = path.size() > 1 && path.endsWith('/') ? path.chopped(1) : path;
         m_disk.insert(status.canonical, status);
     }
 
@@ -322,6 +322,19 @@ private slots:
         QVERIFY(isShared(m_fixture->root() + "e/x"));
         for (const QByteArray path : {"/d/x", "[temp]/x", "C:\\x"})
             QVERIFY2(!isShared(path), path);
+    }
+
+    void theRootIsAFolder()
+    {
+        m_fixture->setFolder("/");
+        for (const QByteArray path : {"/", "//", "\\"}) {
+            const FileUses& uses = m_fixture->uses(copying("MEMORY", path));
+            QVERIFY2(uses.file(uses.use(0, DestPath, 0), 0).isNoFile(), path);
+        }
+        const FileUses& uses = m_fixture->uses(copying("MEMORY", "/"));
+        const UsedFile& root = uses.file(uses.use(0, DestPath, 0), 0);
+        QCOMPARE(root.path.kind, PathStatus::Kind::Folder);
+        QCOMPARE(root.path.key, QByteArray("/"));
     }
 
     void pathsOfOtherSystems()

@@ -113,6 +113,13 @@ private slots:
         QCOMPARE(m_series->hits(rule, good), 0);
     }
 
+    void utf8IsToldAtItsFirstByte()
+    {
+        m_series->put("a.dpc", goodLine({{11, "/d/\x7F"
+                                              "f\xC3\xBCr"}}));
+        QCOMPARE(m_series->said({"utf8-text"}), QStringList{"a.dpc:1:51 utf8-text"});
+    }
+
     /// It does no harm to the tests, and one finding tells of the whole file.
     void firstCommentInUtf8IsANote()
     {

@@ -157,6 +157,10 @@ private slots:
         QCOMPARE(text("//nas/e/[host].dat"), QString());
         const QByteArray both = writing("[temp]/s.dat") + reading("[temp]/s.dat");
         QCOMPARE(m_series->hits("source-local", both), 0);
+        m_series->options().hosts = QStringList{"a", "b", "c"};
+        QVERIFY(text("[temp]/s.dat").contains("not there on a, b, c: "));
+        m_series->options().hosts += QStringList{"d", "e"};
+        QVERIFY(text("[temp]/s.dat").contains("not there on a, b, c and 2 more: "));
         m_series->options().hosts.clear();
         QCOMPARE(m_series->hits("source-local", both), 0);
         QVERIFY(text("[temp]/s.dat").contains("is another file on each machine: "));
