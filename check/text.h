@@ -50,6 +50,17 @@ inline bool holds(const QByteArray& path, std::string_view part)
     return text.find(part) != std::string_view::npos;
 }
 
+/// How often a path holds a variable, for the same reason.
+inline int countOf(const QByteArray& path, std::string_view variable)
+{
+    const std::string_view text(path.constData(), size_t(path.size()));
+    int count = 0;
+    for (size_t at = text.find(variable); at != std::string_view::npos;
+         at = text.find(variable, at + variable.size()))
+        ++count;
+    return count;
+}
+
 /// How many variables a path holds at most: each begins with a bracket.
 inline int maxVariables(const QByteArray& path)
 {

@@ -67,31 +67,45 @@ public:
 
     void replaceIn(Text& text, bool keepCfgPath) const
     {
-        unsigned held = variablesIn(text, 0);
+        Held held = variablesIn(text, 0);
         for (int i = 0; i < pathVariableCount; ++i) {
             const auto variable = static_cast<PathVariable>(i);
             const bool isKept = keepCfgPath && variable == PathVariable::CfgPath;
-            if (isKept || (held >> i & 1U) == 0)
+            if (isKept || (held.variables >> i & 1U) == 0)
                 continue;
-            text.replace(Text(pathVariables[i]), valueOf(variable));
+            const Text value = valueOf(variable);
+            text.replace(Text(pathVariables[i]), value);
             // A value may hold a variable, or complete one with what stands around it.
-            held = variablesIn(text, i + 1);
+            if (!held.areAll || nextBracket(value, 0) < value.length)
+                held = variablesIn(text, i + 1);
         }
     }
 
 private:
-    /// One bit for each variable from this one on, found in one look at the text: most names hold
-    /// few.
-    static unsigned variablesIn(const Text& text, int first)
+    /// Variables that a text holds.
+    struct Held
     {
-        unsigned held = 0;
-        int at = kvdetail::findUnit(text.text, text.length, '[', 0);
-        while (at < text.length) {
-            for (int i = first; i < pathVariableCount; ++i) {
-                if (standsAt(text, at, pathVariables[i]))
-                    held |= 1U << i;
-            }
-            at = kvdetail::findUnit(text.text, text.length, '[', at + 1);
+        unsigned variables = 0; ///< one bit for each
+        bool areAll = true;     ///< every bracket in the text begins one
+    };
+
+    static int nextBracket(const Text& text, int from)
+    {
+        return kvdetail::findUnit(text.text, text.length, '[', from);
+    }
+
+    /// Of those from this one on, found in one look at the text: most names hold few.
+    static Held variablesIn(const Text& text, int first)
+    {
+        Held held;
+        for (int at = nextBracket(text, 0); at < text.length; at = nextBracket(text, at + 1)) {
+            int variable = first;
+            while (variable < pathVariableCount && !standsAt(text, at, pathVariables[variable]))
+                ++variable;
+            if (variable < pathVariableCount)
+                held.variables |= 1U << variable;
+            else
+                held.areAll = false;
         }
         return held;
     }

@@ -169,7 +169,7 @@ private:
         int longest = length;
         const int lastIteration = std::max(line.used.iterations - 1, 0);
         for (const char* variable : pathVariables) {
-            if (const int uses = path.count(variable); uses > 0)
+            if (const int uses = countOf(path, variable); uses > 0)
                 length += uses * (m_names.valueOf(line, variable, lastIteration).size() -
                                   int(qstrlen(variable)));
             longest = std::max(longest, length);
