@@ -197,7 +197,7 @@ private:
         const int length = int(std::find_if(name.text.rbegin(), name.text.rend(), isSeparator) -
                                name.text.rbegin());
         const char* const last = name.text.constData() + name.text.size() - length;
-        if (!std::equal(donePrefix, donePrefix + qstrlen(donePrefix), last))
+        if (qstrncmp(last, donePrefix, qstrlen(donePrefix)) != 0)
             return false;
         return last == donePrefix + QByteArray(hostVariable) ||
                (m_uses.givenMachines() > 0 && m_doneNames.contains(last));
