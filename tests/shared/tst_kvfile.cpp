@@ -43,6 +43,17 @@ void link(const QString& target, const QString& name)
         qFatal("can't make a link");
 }
 
+/// A mount anywhere makes the kernel start a walk again, and its count of links goes on.
+bool opensAtLast(const QString& name)
+{
+    constexpr int tries = 100;
+    for (int i = 0; i < tries; ++i) {
+        if (QFile(name).open(QIODevice::ReadOnly))
+            return true;
+    }
+    return false;
+}
+
 const QString pruefung = QString::fromLatin1("Pr\xFC"
                                              "fung");
 
@@ -324,8 +335,9 @@ private slots:
         for (const auto& [name, text] : {std::pair("41", "old"), std::pair("40", "new")}) {
             save(in(name), "new");
             QCOMPARE(contentOf(in("file")), QByteArray(text));
-            QCOMPARE(QFile(in(name)).open(QIODevice::ReadOnly), text == QByteArray("new"));
         }
+        QVERIFY(!QFile(in("41")).open(QIODevice::ReadOnly));
+        QVERIFY(opensAtLast(in("40")));
         QCOMPARE(linkOf(in("41")), QByteArray("40"));
     }
 
