@@ -31,45 +31,13 @@ int longestValueOf(const SeriesFacts& facts, const MachineValues& machine)
     return longest + maxNumbersAndAdditions;
 }
 
-int mostBytesInValueOf(const SeriesFacts& facts, const MachineValues& machine)
-{
-    int longest = facts.name.baseName.toUtf8().size();
-    QStringList values = facts.runFolder.split('/');
-    if (machine.computerName)
-        values += kvToQString(*machine.computerName);
-    if (machine.tempFolder)
-        values += kvToQString(*machine.tempFolder).replace('\\', '/').split('/');
-    if (machine.date)
-        values += *machine.date;
-    for (const QString& value : values)
-        longest = std::max(longest, value.toUtf8().size());
-    constexpr int maxDigits = 11; // of a number of 32 bits, which can follow the name of the series
-    return longest + maxDigits;
-}
-
 } // namespace
 
 NameExpander::NameExpander(const SeriesFacts& facts, MachineValues machine)
     : m_facts(facts)
     , m_machine(std::move(machine))
     , m_longestValue(longestValueOf(facts, m_machine))
-    , m_mostBytesInValue(mostBytesInValueOf(facts, m_machine))
 {}
-
-int NameExpander::mostBytesInName(const QByteArray& path) const
-{
-    constexpr int bytesBeyondAscii = 2; // of Latin-1
-    int longest = 0;
-    int bytes = 0;
-    for (const char c : path) {
-        const bool isAscii = static_cast<unsigned char>(c) < 128;
-        bytes += c == '[' ? m_mostBytesInValue : isAscii ? 1 : bytesBeyondAscii;
-        if (c == '/' || c == '\\')
-            bytes = 0;
-        longest = std::max(longest, bytes);
-    }
-    return longest;
-}
 
 void NameExpander::turnTo(const LineFact& line)
 {

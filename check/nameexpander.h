@@ -26,10 +26,6 @@ public:
     /// At least as long as what any variable stands for, in characters.
     int longestValue() const { return m_longestValue; }
 
-    /// A number of bytes that no name of a file or folder in a path exceeds in UTF-8. It is fast:
-    /// no variable is replaced.
-    int mostBytesInName(const QByteArray& path) const;
-
     /// The task as a record of the editor, as far as its files go: paths as the line has them.
     TestTask& record(const LineFact& line);
 
@@ -40,7 +36,6 @@ private:
     const SeriesFacts& m_facts;
     MachineValues m_machine;
     int m_longestValue;
-    int m_mostBytesInValue; ///< between two separators
     TestTask m_task;
     int m_file = -1;
 };

@@ -8,7 +8,8 @@
 #include "shared/kvtime.h"
 
 #include <algorithm>
-#include <limits>
+#include <array>
+#include <map>
 #include <unistd.h>
 
 namespace {
@@ -68,16 +69,18 @@ public:
     void replaceIn(Text& text, bool keepCfgPath) const
     {
         Held held = variablesIn(text, 0);
+        if (keepCfgPath)
+            held.uses[int(PathVariable::CfgPath)] = 0;
+        if (replaceAtOnce(text, held))
+            return;
         for (int i = 0; i < pathVariableCount; ++i) {
             const auto variable = static_cast<PathVariable>(i);
             const bool isKept = keepCfgPath && variable == PathVariable::CfgPath;
-            if (isKept || (held.variables >> i & 1U) == 0)
+            if (isKept || held.uses[i] == 0)
                 continue;
-            const Text value = valueOf(variable);
-            text.replace(Text(pathVariables[i]), value);
+            text.replace(Text(pathVariables[i]), valueOf(variable));
             // A value may hold a variable, or complete one with what stands around it.
-            if (!held.areAll || nextBracket(value, 0) < value.length)
-                held = variablesIn(text, i + 1);
+            held = variablesIn(text, i + 1);
         }
     }
 
@@ -85,9 +88,50 @@ private:
     /// Variables that a text holds.
     struct Held
     {
-        unsigned variables = 0; ///< one bit for each
-        bool areAll = true;     ///< every bracket in the text begins one
+        std::array<int, pathVariableCount> uses = {};
+        bool areAll = true; ///< every bracket in the text begins one
     };
+
+    /// Replaces the variables in one pass and returns true if the order does not matter: no value
+    /// brings a bracket, and the text is never too long on the way.
+    bool replaceAtOnce(Text& text, const Held& held) const
+    {
+        std::map<int, Text> values;
+        int length = text.length;
+        for (int i = 0; i < pathVariableCount; ++i) {
+            if (held.uses[i] == 0)
+                continue;
+            const Text value = valueOf(static_cast<PathVariable>(i));
+            if (value.isEqual(pathVariables[i]))
+                continue; // it stays as it is
+            if (!held.areAll || nextBracket(value, 0) < value.length)
+                return false;
+            length += held.uses[i] * (value.length - kvdetail::textLength(pathVariables[i]));
+            if (length > kvdetail::capacityOf(text))
+                return false;
+            values.emplace(i, value);
+        }
+        if (!values.empty())
+            text = withValues(text, values);
+        return true;
+    }
+
+    static Text withValues(const Text& text, const std::map<int, Text>& values)
+    {
+        Text result;
+        int copied = 0;
+        for (int at = nextBracket(text, 0); at < text.length; at = nextBracket(text, at + 1)) {
+            const int variable = variableAt(text, at, 0);
+            const auto value = values.find(variable);
+            if (value == values.end())
+                continue;
+            kvdetail::append(result, text.text + copied, at - copied);
+            result.add(value->second);
+            copied = at + kvdetail::textLength(pathVariables[variable]);
+        }
+        kvdetail::append(result, text.text + copied, text.length - copied);
+        return result;
+    }
 
     static int nextBracket(const Text& text, int from)
     {
@@ -99,15 +143,22 @@ private:
     {
         Held held;
         for (int at = nextBracket(text, 0); at < text.length; at = nextBracket(text, at + 1)) {
-            int variable = first;
-            while (variable < pathVariableCount && !standsAt(text, at, pathVariables[variable]))
-                ++variable;
+            const int variable = variableAt(text, at, first);
             if (variable < pathVariableCount)
-                held.variables |= 1U << variable;
+                ++held.uses[variable];
             else
                 held.areAll = false;
         }
         return held;
+    }
+
+    /// The variable that stands at a bracket, of those from this one on; behind the last if none.
+    static int variableAt(const Text& text, int bracket, int first)
+    {
+        int variable = first;
+        while (variable < pathVariableCount && !standsAt(text, bracket, pathVariables[variable]))
+            ++variable;
+        return variable;
     }
 
     /// The text's zero at its end matches no character of a variable.
@@ -188,8 +239,6 @@ private:
     const MachineValues& m_machine;
     const _kvString<maxPath> m_computerName;
 };
-
-static_assert(pathVariableCount <= std::numeric_limits<unsigned>::digits, "one bit for each");
 
 } // namespace
 

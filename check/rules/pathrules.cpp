@@ -7,6 +7,7 @@
 #include "check/text.h"
 #include "configset/filestocreate.h"
 #include "shared/kvpath.h"
+#include "shared/kvtext.h"
 
 #include <fmt/format.h>
 
@@ -105,6 +106,20 @@ constexpr Rule longPath = {
 /// Bytes that file systems take in a name.
 constexpr int maxNameBytes = 255;
 
+/// The bytes of the longest value of a variable, between two separators.
+int mostBytesInValueOf(const SeriesFacts& facts, const MachineValues& machine)
+{
+    int longest = facts.name.baseName.toUtf8().size();
+    QStringList values = facts.runFolder.split('/');
+    values += kvToQString(*machine.computerName);
+    values += kvToQString(*machine.tempFolder).replace('\\', '/').split('/');
+    values += *machine.date;
+    for (const QString& value : values)
+        longest = std::max(longest, value.toUtf8().size());
+    constexpr int maxDigits = 11; // of a number of 32 bits, which can follow the name of the series
+    return longest + maxDigits;
+}
+
 /// Finds the paths that are cut while their variables are replaced, and names that are too long.
 class LengthRule
 {
@@ -112,7 +127,9 @@ public:
     LengthRule(const SeriesFacts& facts, const CheckOptions& options, Findings& findings)
         : m_facts(facts)
         , m_findings(findings)
-        , m_names(facts, machineWithTheLongestName(options))
+        , m_machine(machineWithTheLongestName(options))
+        , m_mostBytesInValue(mostBytesInValueOf(facts, m_machine))
+        , m_names(facts, m_machine)
     {}
 
     void check(const LineFact& line, TaskPath which)
@@ -168,20 +185,35 @@ private:
             return length;
         int longest = length;
         const int lastIteration = std::max(line.used.iterations - 1, 0);
-        for (const char* variable : pathVariables) {
-            if (const int uses = countOf(path, variable); uses > 0)
-                length += uses * (m_names.valueOf(line, variable, lastIteration).size() -
-                                  int(qstrlen(variable)));
+        for (int i = 0; i < pathVariableCount; ++i) {
+            if (const int uses = countOf(path, pathVariables[i]); uses > 0)
+                length +=
+                    uses * (valueLength(line, i, lastIteration) - int(qstrlen(pathVariables[i])));
             longest = std::max(longest, length);
         }
         return longest;
+    }
+
+    /// Most values are the same in all lines of a file.
+    int valueLength(const LineFact& line, int variable, int iteration)
+    {
+        const VariesBy variation = variationOf(static_cast<PathVariable>(variable));
+        if (variation == VariesBy::Iteration || variation == VariesBy::Task)
+            return m_names.valueOf(line, pathVariables[variable], iteration).size();
+        if (line.file != m_file)
+            m_lengths.fill(-1);
+        m_file = line.file;
+        int& length = m_lengths[size_t(variable)];
+        if (length < 0)
+            length = m_names.valueOf(line, pathVariables[variable], iteration).size();
+        return length;
     }
 
     /// The bytes of the longest name of a file or folder in a path. Linux counts those of UTF-8,
     /// Windows characters.
     int longestNameIn(const LineFact& line, const QByteArray& path)
     {
-        if (m_names.mostBytesInName(path) <= maxNameBytes)
+        if (mostBytesInName(path) <= maxNameBytes)
             return 0;
         const QString full =
             m_names.resolve(line, path, std::max(line.used.iterations - 1, 0)).replace('\\', '/');
@@ -192,9 +224,29 @@ private:
         return longest;
     }
 
+    /// A number of bytes that no name in the path exceeds. It is fast: no variable is replaced.
+    int mostBytesInName(const QByteArray& path) const
+    {
+        constexpr int bytesBeyondAscii = 2; // of Latin-1
+        int longest = 0;
+        int bytes = 0;
+        for (const char c : path) {
+            const bool isAscii = static_cast<unsigned char>(c) < 128;
+            bytes += c == '[' ? m_mostBytesInValue : isAscii ? 1 : bytesBeyondAscii;
+            if (c == '/' || c == '\\')
+                bytes = 0;
+            longest = std::max(longest, bytes);
+        }
+        return longest;
+    }
+
     const SeriesFacts& m_facts;
     Findings& m_findings;
+    const MachineValues m_machine;
+    const int m_mostBytesInValue;
     NameExpander m_names;
+    int m_file = -1;
+    std::array<int, pathVariableCount> m_lengths = {}; ///< in the last file; -1 if unknown
 };
 
 constexpr Rule controlCharacter = {

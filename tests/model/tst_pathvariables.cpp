@@ -343,6 +343,22 @@ private slots:
         QCOMPARE(wide(task, "[date]", 0, 0, false, longDate), QString(500, 'd'));
         QCOMPARE(narrow(task, "[date]", 0, 0, false, longDate), QString(500, 'd'));
     }
+
+    void aTextThatIsTooLongOnTheWayIsCutThere()
+    {
+        const TestTask task = taskIn("/x/a.dpc");
+        // Behind 477 characters, what follows the machine's name just fits.
+        const auto cutOnTheWay = [&](int hostLength, const QString& expected) {
+            const QByteArray host(hostLength, 'h');
+            const char* const text = "[host][cfgTaskID]c[cfgTaskID]";
+            const MachineValues values = machine(host.constData());
+            QCOMPARE(wide(task, text, 7, 0, false, values), host + expected);
+            QCOMPARE(narrow(task, text, 7, 0, false, values), host + expected);
+        };
+        cutOnTheWay(477, "7c7");
+        cutOnTheWay(478, "7c[cfgTaskID");
+        cutOnTheWay(490, "[cfgTaskID");
+    }
 };
 
 QTEST_APPLESS_MAIN(TestPathVariables)
