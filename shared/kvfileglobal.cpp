@@ -19,7 +19,7 @@ _fileGLobal::_fileGLobal()
 
     // Only now, because two of these lie in the block.
     // NOLINTBEGIN(cppcoreguidelines-prefer-member-initializer)
-    sysBufferMode = -1;
+    sysBufferMode = defaultSysBufferMode;
     chunkWait = 0;
     chunkSize = 0;
     preallocate = false;

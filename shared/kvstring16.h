@@ -2,6 +2,7 @@
 
 #include "shared/kvfixedtext.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <limits>
 #include <type_traits>
@@ -106,7 +107,7 @@ public:
     /// Position of the first `ch` at or after `from`, or -1; a negative `from` counts as 0.
     constexpr int indexOf(const unsigned short& ch, int from) const
     {
-        return kvdetail::findText(text, length, &ch, 1, from < 0 ? 0 : from);
+        return kvdetail::findText(text, length, &ch, 1, std::max(from, 0));
     }
 
     /// Removes up to `count` characters at `pos`; a position outside the text changes nothing.
