@@ -120,36 +120,42 @@ private:
     {
         Text result;
         int copied = 0;
-        for (int at = nextBracket(text, 0); at < text.length; at = nextBracket(text, at + 1)) {
-            const int variable = variableAt(text, at, 0);
+        visitBrackets(text, 0, [&](int at, int variable) {
             const auto value = values.find(variable);
             if (value == values.end())
-                continue;
+                return;
             kvdetail::append(result, text.text + copied, at - copied);
             result.add(value->second);
             copied = at + kvdetail::textLength(pathVariables[variable]);
-        }
+        });
         kvdetail::append(result, text.text + copied, text.length - copied);
         return result;
-    }
-
-    static int nextBracket(const Text& text, int from)
-    {
-        return kvdetail::findUnit(text.text, text.length, '[', from);
     }
 
     /// Of those from this one on, found in one look at the text: most names hold few.
     static Held variablesIn(const Text& text, int first)
     {
         Held held;
-        for (int at = nextBracket(text, 0); at < text.length; at = nextBracket(text, at + 1)) {
-            const int variable = variableAt(text, at, first);
+        visitBrackets(text, first, [&](int, int variable) {
             if (variable < pathVariableCount)
                 ++held.uses[variable];
             else
                 held.areAll = false;
-        }
+        });
         return held;
+    }
+
+    /// Calls `visit` with the place of each bracket and the variable there.
+    template <class Visit>
+    static void visitBrackets(const Text& text, int first, const Visit& visit)
+    {
+        for (int at = nextBracket(text, 0); at < text.length; at = nextBracket(text, at + 1))
+            visit(at, variableAt(text, at, first));
+    }
+
+    static int nextBracket(const Text& text, int from)
+    {
+        return kvdetail::findUnit(text.text, text.length, '[', from);
     }
 
     /// The variable that stands at a bracket, of those from this one on; behind the last if none.

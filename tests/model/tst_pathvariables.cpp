@@ -166,6 +166,10 @@ private slots:
             // Another spelling is not a variable.
             const QString capitals = QString(variable).toUpper();
             QCOMPARE(expanded(task, capitals), capitals);
+            for (int i = 0; i < capitals.size(); ++i) {
+                const QString other = QString(variable).replace(i, 1, '#');
+                QCOMPARE(expanded(task, other), other);
+            }
         }
     }
 
