@@ -198,8 +198,8 @@ KeyedFolder FileKeys::lookAtFolder(const QByteArray& path, bool isSeen)
     }
     const int start = nameStart(path);
     m_folderCharacters += path.size();
-    const bool hasParent = start > (isSharePath(path) ? 2 : 1) && !path.endsWith('/') &&
-                           m_folderCharacters <= maxFolderCharacters;
+    const bool hasParent =
+        start > 2 && !path.endsWith('/') && m_folderCharacters <= maxFolderCharacters;
     if (hasParent) {
         folder.parent = folderAt(path.left(start - 1), isSeen);
         const QByteArray key = joined(m_folders[size_t(folder.parent)].key, toKey(path.mid(start)));

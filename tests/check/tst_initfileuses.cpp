@@ -75,6 +75,7 @@ private slots:
              {making("[cfgPath]/s.dat") + making("[cfgPath]/s.dat", 2048),
               making("[cfgPath]/s.dat", 2048) + making("[cfgPath]/s.dat"),
               making("[cfgPath]/s.dat", 2048) + making("[cfgPath]s.dat"),
+              making("[cfgPath]/s.dat", 2048) + making("[cfgPath]/e/../s.dat"),
               making("[cfgPath]/s.dat", 2048) + making(m_series->root().toLatin1() + "s.dat")}) {
             m_series->put("a_init.dpc", lines + dummy);
             QCOMPARE(m_series->said(), found);

@@ -94,6 +94,11 @@ private slots:
         QCOMPARE(m_series->hits("disk-space", lines), 1);
         m_series->setExisting("/mnt/y", mib);
         QCOMPARE(m_series->hits("disk-space", lines), 0);
+        // Told at the first line that needs some.
+        m_series->setExisting("/mnt/x", mib);
+        m_series->put("a.dpc", lines + goodLine({{11, "/mnt/z"}}));
+        setFree(mib - 1);
+        QCOMPARE(m_series->said({"disk-space"}), QStringList{"a.dpc:3:1 disk-space"});
     }
 
     void fileSystemsAreCountedApart()

@@ -377,6 +377,17 @@ private slots:
                  0);
     }
 
+    void aTaskThatOverwritesSeveralSourcesIsToldOnce()
+    {
+        m_series->setExisting("/s0", 5);
+        m_series->setExisting("/s1", 5);
+        const QByteArray readsBoth =
+            goodLine({{2, ""}, {3, ""}, {8, "2"}, {10, "/s[iter]"}, {11, ""}});
+        QCOMPARE(
+            m_series->hits("overwrites-source", readsBoth + goodLine({{8, "2"}, {11, "/s[iter]"}})),
+            1);
+    }
+
     void eachFolderIsNamedOnce()
     {
         QCOMPARE(m_series->hits("dest-folder", writing("/n/x") + writing("/n/y") + writing("/m/y")),
