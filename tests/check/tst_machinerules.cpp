@@ -101,6 +101,16 @@ private slots:
         QCOMPARE(m_series->said({"disk-space"}), QStringList{"a.dpc:3:1 disk-space"});
     }
 
+    void aFileMayNeedOneByteMore()
+    {
+        m_series->setExisting("/mnt/x", mib - 1);
+        setFree(0);
+        m_series->put("a.dpc", goodLine({{11, "/mnt/x"}}) + goodLine({{11, "/mnt/x"}}));
+        QCOMPARE(m_series->said({"disk-space"}), QStringList{"a.dpc:1:1 disk-space"});
+        setFree(1);
+        QCOMPARE(m_series->said({"disk-space"}), QStringList());
+    }
+
     void fileSystemsAreCountedApart()
     {
         m_series->options().environment.space = [](const QString& path) {

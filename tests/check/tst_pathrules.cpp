@@ -243,6 +243,7 @@ private slots:
         QVERIFY(isMeant("[CfgName.dat", "[cfgName]"));
         QVERIFY(isMeant("x_cfgNameID].dat", "[cfgNameID]"));
         QVERIFY(isMeant("x_CFGNAME].dat", "[cfgName]"));
+        QVERIFY(isMeant("[host]_cfgID]_host.dat", "[cfgID]"));
         QCOMPARE(m_series->hits("unknown-variable", writing("/d/[cfgN.dat")), 0);
         QCOMPARE(m_series->hits("unknown-variable", writing("/d/host.dat")), 0);
     }

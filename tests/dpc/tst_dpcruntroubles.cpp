@@ -371,8 +371,10 @@ void TestDpcRunTroubles::namesTheFilesThatItMayHaveMade()
                           : file == "full"     ? "echo x > " + path
                           : file == "a folder" ? "mkdir " + path
                                                : QByteArray(":");
+    // An end that is seen together with the signal is not a stop.
     if (isStopped)
-        commands += "; trap '' INT; kill -INT $PPID";
+        commands +=
+            "; trap told=1 INT; kill -INT $PPID; while [ -z \"$told\" ]; do sleep 0.05; done";
     putFio("case \"$*\" in *stage-0*) " + commands + ";; esac");
     const QByteArray section =
         "{ \"jobname\" : \"s0-l1-i0\", \"error\" : 0, "
