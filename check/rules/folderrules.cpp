@@ -330,8 +330,6 @@ private:
     bool isThere(const FileUse& use) const
     {
         const UsedName& name = m_uses.nameOf(use);
-        if (name.byTemp && m_uses.machines().size() > 1)
-            return false;
         const int machines = name.byHost ? int(m_uses.machines().size()) : 1;
         for (int machine = 0; machine < machines; ++machine) {
             const int place = m_uses.file(use, machine).path.folder;

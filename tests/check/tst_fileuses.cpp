@@ -419,6 +419,17 @@ private slots:
         QCOMPARE(uses.pathOn(use, 2), folder + "pc");
     }
 
+    void aNameMayBeCutOnlyForALongNameOfAMachine()
+    {
+        const QByteArray folder = "/d/" + QByteArray(437, 'f') + '/';
+        const QString host(59, 'h');
+        const FileUses& uses =
+            m_fixture->uses(copying("MEMORY", folder + "[host]"), {host + '1', host + '2'});
+        const FileUse& use = uses.use(0, DestPath, 0);
+        QCOMPARE(uses.pathOn(use, 0).size(), 500);
+        QCOMPARE(uses.fileOf(use, 0), uses.fileOf(use, 1));
+    }
+
     void diskIsAskedOnceForEachFolderAndFile()
     {
         QByteArray lines;

@@ -39,6 +39,13 @@ private slots:
         QCOMPARE(m_series->errorsAndWarnings(), QStringList());
     }
 
+    void aSourceThatNothingMakesHasNoSizeToCompare()
+    {
+        m_series->put("a_init.dpc", "# " + making("[cfgPath]/s.dat") + dummy);
+        const QByteArray two = reading("[cfgPath]/s.dat") + reading("[cfgPath]/s.dat", 2048);
+        QCOMPARE(m_series->hits("source-size", two), 0);
+    }
+
     /// With the source itself, which a save would put into the "_init" file.
     void sizesOfASourceThatNothingMakesYet()
     {

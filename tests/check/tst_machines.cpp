@@ -174,6 +174,8 @@ private slots:
             << QByteArray("pc1\0pc2\n", 8) << " can't be read: it is not a text file in UTF-8";
         QTest::newRow("escape") << QByteArray("\x1B[0mpc1\n")
                                 << " can't be read: it is not a text file in UTF-8";
+        QTest::newRow("unit separator")
+            << QByteArray("pc1\x1Fpc2\n") << " can't be read: it is not a text file in UTF-8";
         QTest::newRow("Latin-1") << QByteArray("pr\xFC"
                                                "fung\n")
                                  << " can't be read: it is not a text file in UTF-8";
