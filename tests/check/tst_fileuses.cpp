@@ -310,6 +310,15 @@ private slots:
         QCOMPARE(uses.machines()[2].inPath, QByteArray("pc1"));
     }
 
+    void namesTellTheirConfigFile()
+    {
+        const QByteArray line = copying("MEMORY", "[cfgPath]/x_[cfgID]");
+        m_fixture->put("a1.dpc", line);
+        const FileUses& uses = m_fixture->uses(line + "[cfgPath]/a1.dpc\n");
+        QCOMPARE(uses.uses().size(), size_t(2));
+        QVERIFY(uses.nameOf(uses.uses()[0]).text != uses.nameOf(uses.uses()[1]).text);
+    }
+
     void filesThatAllMachinesSee()
     {
         const auto isShared = [&](const QByteArray& path) {

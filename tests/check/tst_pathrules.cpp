@@ -175,9 +175,9 @@ private slots:
         m_series->options().hosts = QStringList{"pc1", QString(20, 'p')};
         QCOMPARE(m_series->hits("long-path", byHost), 1);
         // Also for a name that is longer than all other values.
-        m_series->options().hosts = QStringList{QString(60, 'p')};
-        QCOMPARE(m_series->hits("long-path", writing('/' + folders(439) + "[host]")), 0);
-        QCOMPARE(m_series->hits("long-path", writing('/' + folders(440) + "[host]")), 1);
+        m_series->options().hosts = QStringList{QString(120, 'p')};
+        QCOMPARE(m_series->hits("long-path", writing('/' + folders(379) + "[host]")), 0);
+        QCOMPARE(m_series->hits("long-path", writing('/' + folders(380) + "[host]")), 1);
     }
 
     /// Linux counts the bytes of UTF-8, Windows characters.

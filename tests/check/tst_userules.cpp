@@ -59,10 +59,17 @@ private slots:
     }
 
     /// Only this machine's folder for temporary files has a name that is known.
+    void csvThatIsTheLogOfATaskWithoutFiles()
+    {
+        QCOMPARE(m_series->hits("log-is-csv", task("MEMORY", "MEMORY", 1024, 1, "[cfgPath]/r.txt",
+                                                   "[cfgPath]/r.txt")),
+                 1);
+    }
+
     void namesThatMeetInTheTemporaryFolder()
     {
         const QByteArray temp = QDir::tempPath().toLatin1();
-        const QByteArray lines = task(temp + "/x", "[temp]/x");
+        const QByteArray lines = task("[temp]/x", temp + "/x");
         QCOMPARE(m_series->hits("same-file", lines), 1);
         m_series->options().hosts = QStringList{"pc1", "pc2"};
         QCOMPARE(m_series->hits("same-file", lines), 0);
