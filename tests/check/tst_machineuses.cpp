@@ -33,7 +33,7 @@ private slots:
         }
         m_series->setExisting(m_series->root() + "pc2/");
         QCOMPARE(m_series->hits("dest-folder-local", writing("[cfgPath]/[host]/x")), 0);
-        // What is made here tells nothing about the folder of another.
+        // A folder that is here tells nothing about that of another machine.
         m_series->options().hosts = QStringList{"pc1", "pc2"};
         m_series->put("a_init.dpc", making("[temp]/e/dummyFile", 0));
         QCOMPARE(m_series->hits("dest-folder-local", writing("[temp]/e/x_[host]")), 1);
