@@ -83,6 +83,8 @@ private:
             current_ = dialog;
             isAnswered_ = false;
             waiting_.start();
+            // It may only be on top until the code that opened the last one goes on.
+            return;
         }
         if (planned_.isEmpty() && !isAnswered_)
             giveUp("a dialog came that the test did not expect");

@@ -17,6 +17,7 @@ class TestDialogAnswer : public QObject
 private slots:
     void answersDialogsInOrder();
     void answersADialogThatAnAnswerOpens();
+    void waitsForTheDialogBelowOneThatCloses();
     void failsWhereAPlannedDialogNeverCame();
     void failsAndClosesADialogThatNobodyPlanned();
     void failsAndClosesADialogThatStaysOpen();
@@ -63,6 +64,23 @@ void TestDialogAnswer::answersADialogThatAnAnswerOpens()
     QDialog outer;
     QCOMPARE(outer.exec(), 8);
     QCOMPARE(innerResult, 9);
+}
+
+/// On a busy machine it is time to look again before the code under test goes on.
+void TestDialogAnswer::waitsForTheDialogBelowOneThatCloses()
+{
+    DialogAnswers answers;
+    answers.answerNext([](QDialog& dialog) {
+        QDialog inner(&dialog);
+        inner.exec();
+        dialog.done(8);
+    });
+    answers.answerNext([](QDialog& dialog) { dialog.done(9); });
+    QTimer work;
+    QObject::connect(&work, &QTimer::timeout, &work, [] { QTest::qSleep(30); });
+    work.start(0);
+    QDialog outer;
+    QCOMPARE(outer.exec(), 8);
 }
 
 void TestDialogAnswer::failsWhereAPlannedDialogNeverCame()
