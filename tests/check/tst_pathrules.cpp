@@ -160,6 +160,13 @@ private slots:
         QCOMPARE(m_series->hits("relative-path", writing("\xA0[cfgPath]/x")), 0);
     }
 
+    void emptyCsvAtTheEndOfTheLine()
+    {
+        QByteArray line = goodLine({{13, ""}});
+        line.truncate(line.indexOf("true"));
+        QCOMPARE(m_series->hits("empty-log", line + '\n'), 1);
+    }
+
     /// Exactly 500 characters fit, with the values of any machine.
     void pathThatIsLongByItsVariables()
     {
