@@ -86,6 +86,17 @@ private slots:
         QVERIFY(result.err.contains("dpc.rules' can't be read: it is a pipe\n"));
     }
 
+    void aFolderBelowAFileHasOneFinding()
+    {
+        m_series->put("f", "");
+        m_series->put(
+            "a.dpc",
+            goodLine({{11, "[cfgPath]/x"}, {12, "[cfgPath]/f/e/l.txt"}, {13, "[cfgPath]/c.csv"}}));
+        const DpcRun::Result result = run("check " + m_series->root() + "a.dpc");
+        QCOMPARE(result.out.count('\n'), 1);
+        QVERIFY(result.out.contains("can't lie below it"));
+    }
+
     void summaryTellsWhatWasNotChecked()
     {
         m_series->put("a.dpc", goodLine({{10, "C:\\a"}, {11, "C:\\b"}}) +
