@@ -61,15 +61,18 @@ private slots:
 
     void constructorSetsItsDefaults()
     {
-        const _fileGLobal io;
-        QVERIFY(io.errorText.isEmpty());
-        QCOMPARE(io.sysBufferMode, -1);
-        QCOMPARE(io.chunkWait, 0);
-        QCOMPARE(io.chunkSize, 0);
-        QVERIFY(!io.preallocate && !io.flush);
-        QCOMPARE(io.ioChunkWait, std::uint16_t(0));
-        QCOMPARE(io.generation, std::int64_t(1));
-        QCOMPARE(io.ioBufferSize, 1048576);
+        alignas(_fileGLobal) unsigned char memory[sizeof(_fileGLobal)];
+        std::memset(memory, 0xAA, sizeof memory);
+        auto* io = new (memory) _fileGLobal;
+        QVERIFY(io->errorText.isEmpty());
+        QCOMPARE(io->sysBufferMode, -1);
+        QCOMPARE(io->chunkWait, 0);
+        QCOMPARE(io->chunkSize, 0);
+        QVERIFY(!io->preallocate && !io->flush);
+        QCOMPARE(io->ioChunkWait, std::uint16_t(0));
+        QCOMPARE(io->generation, std::int64_t(1));
+        QCOMPARE(io->ioBufferSize, 1048576);
+        io->_fileGLobal::~_fileGLobal();
     }
 
     void blockIsZeroedWithItsGaps()

@@ -383,7 +383,7 @@ private slots:
             const char* left;
         };
         for (const Row& row : {Row{0, 1, "bcde"}, Row{4, 1, "abcd"}, Row{1, 3, "ae"},
-                               Row{2, 99, "ab"}, Row{0, 5, ""}, Row{5, 1, "abcde"},
+                               Row{2, 99, "ab"}, Row{2, 4, "ab"}, Row{0, 5, ""}, Row{5, 1, "abcde"},
                                Row{-1, 2, "abcde"}, Row{1, 0, "abcde"}, Row{1, -1, "abcde"}}) {
             _kvString<1000> text("abcde");
             text.remove(row.pos, row.count);
