@@ -109,8 +109,8 @@ InitFile::InitFile(const SeriesFacts& facts, const FileUses& uses)
         return;
     NameExpander names(facts, thisMachine());
     LineFact line;
-    line.file = facts.initFile;
     for (const InitUse& made : uses.init()) {
+        line.file = made.entry.file;
         const QString path = names.resolve(line, made.name);
         m_files.push_back({path, made.name, made.entry, uses.files()[size_t(made.file)].isOwn});
         if (!m_entries.contains(path) || made.entry.isActive)

@@ -98,6 +98,7 @@ enum class Origin
 {
     Task,   ///< an earlier task writes it
     Disk,   ///< it exists, or the "_init" file makes it
+    Folder, ///< a folder is in its place, and that has a finding of its own
     Unseen, ///< this system can't tell
     Nobody
 };
@@ -118,10 +119,6 @@ public:
         std::vector<const FileUse*> missing;
         for (int i = 0; i < m_uses.useCount(line, SourcePath); ++i) {
             const FileUse& source = m_uses.use(line, SourcePath, i);
-            const KeyedPath& path = m_uses.file(source, 0).path;
-            // A folder in the place of the source has a finding of its own.
-            if (path.namesFolder || path.kind == PathStatus::Kind::Folder)
-                continue;
             if (isOfMachine(source)) {
                 if (checkOfMachine(source))
                     return;
@@ -146,9 +143,11 @@ private:
     {
         const UsedName& name = m_uses.nameOf(source);
         if (name.byDate)
-            return sayDated(source);
-        if (m_uses.givenMachines() == 0)
-            return originOf(source, 0) != Origin::Task && sayLocal(source, {});
+            return originOf(source, 0) != Origin::Folder && sayDated(source);
+        if (m_uses.givenMachines() == 0) {
+            const Origin origin = originOf(source, 0);
+            return origin != Origin::Task && origin != Origin::Folder && sayLocal(source, {});
+        }
         std::vector<int> lacking;
         for (int machine = 0; machine < int(m_uses.machines().size()); ++machine) {
             const Origin origin = originOf(source, machine);
@@ -161,6 +160,8 @@ private:
     Origin originOf(const FileUse& source, int machine) const
     {
         const UsedFile& file = m_uses.file(source, machine);
+        if (file.path.namesFolder || file.path.kind == PathStatus::Kind::Folder)
+            return Origin::Folder;
         if (m_uses.isWrittenBefore(file, source))
             return Origin::Task;
         // The "_init" file runs on one machine, and makes nothing in the folders of the others.

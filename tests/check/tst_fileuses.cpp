@@ -404,6 +404,15 @@ private slots:
         QCOMPARE(uses.uses().size(), size_t(2 * (6 * 12 + 2)));
     }
 
+    void aRelativePathIsResolvedWithItsVariables()
+    {
+        m_fixture->uses(copying("MEMORY", "x/[cfgPath]/[cfgName]"));
+        NameExpander expander(m_fixture->facts(), noMachine());
+        const LineFact& line = m_fixture->facts().lines.front();
+        const QByteArray root = m_fixture->root();
+        QCOMPARE(expander.resolve(line, line.path(DestPath)).toLatin1(), root + 'x' + root + 'a');
+    }
+
     void variablesOfMachinesStayInNames()
     {
         const FileUses& uses = m_fixture->uses(copying("[temp]/[host]", "/d/[date]"));

@@ -172,6 +172,21 @@ private slots:
         QVERIFY(text("[temp]/s.dat").contains("is another file on each machine: "));
     }
 
+    /// The folder has a finding of its own, which says nothing of the other machines.
+    void folderInThePlaceOfOneMachinesSource()
+    {
+        m_series->options().hosts = QStringList{"pc1", "pc2", "pc3"};
+        const auto text = [&](const QByteArray& lines) {
+            m_series->put("a.dpc", lines);
+            return m_series->text("source-local");
+        };
+        m_series->setExisting("/d/pc1/");
+        QVERIFY(text(reading("/d/[host]")).contains("not there on pc2, pc3: "));
+        m_series->setExisting("/d/pc2/");
+        QVERIFY(text(reading("/d/[host]")).contains("not there on pc3: "));
+        QCOMPARE(text(reading("/d/[host]/")), QString());
+    }
+
     void foldersThatEachMachineNeeds()
     {
         m_series->options().hosts = QStringList{"pc1", "pc2"};
