@@ -335,6 +335,10 @@ private slots:
         QCOMPARE(m_series->hits("source-missing", reading("[cfgPath]/s_[cfgName].dat")), 1);
         QVERIFY(
             m_series->text("source-missing").contains("line 1 of the _init file is commented out"));
+        // Written by hand: the first iteration is number 0.
+        m_series->put("a_init.dpc", creating("[cfgPath]/s[iter].dat"));
+        QCOMPARE(m_series->hits("source-missing", reading("[cfgPath]/s0.dat")), 0);
+        QCOMPARE(m_series->hits("source-missing", reading("[cfgPath]/s1.dat")), 1);
     }
 
     void everyIterationNeedsItsSource()
