@@ -90,7 +90,6 @@ QString NameExpander::valueOf(const LineFact& line, const char* variable, int it
 TestTask& NameExpander::record(const LineFact& line)
 {
     turnTo(line);
-    m_task.method = line.used.method;
     m_task.io.fileSize = line.used.fileSize;
     // Names that don't tell the iteration are the same in all.
     int iterations = 0;
