@@ -413,6 +413,19 @@ private slots:
         QCOMPARE(expander.resolve(line, line.path(DestPath)).toLatin1(), root + 'x' + root + 'a');
     }
 
+    void aNameWithoutAConfigFileLeavesTheOthersAsTheyAre()
+    {
+        m_fixture->put("a1.dpc", copying("MEMORY", "[cfgName]_[cfgID]"));
+        m_fixture->uses(copying("MEMORY", "[cfgName]_[cfgID]") + "[cfgPath]/a1.dpc\n");
+        NameExpander expander(m_fixture->facts(), noMachine());
+        const LineFact& first = m_fixture->facts().lines.front();
+        const LineFact& last = m_fixture->facts().lines.back();
+        const QString root = m_fixture->root();
+        QCOMPARE(expander.resolve(first, first.path(DestPath)), root + "a_0");
+        QCOMPARE(expander.namelessInitName(last, last.path(DestPath), 0), QString("_1"));
+        QCOMPARE(expander.resolve(last, last.path(DestPath)), root + "a_1");
+    }
+
     void variablesOfMachinesStayInNames()
     {
         const FileUses& uses = m_fixture->uses(copying("[temp]/[host]", "/d/[date]"));
@@ -435,6 +448,16 @@ private slots:
         QCOMPARE(uses.fileOf(use, 0), uses.fileOf(use, 1));
         QVERIFY(uses.fileOf(use, 0) != uses.fileOf(use, 2));
         QCOMPARE(uses.pathOn(use, 2), folder + "pc");
+    }
+
+    void twoOfTheMachinesAreLookedAtHoweverManyNamesThereAre()
+    {
+        const QStringList hosts{"a", "b", "c"};
+        const QByteArray name = "/d/[host]_[iter]";
+        QCOMPARE(m_fixture->uses(copying("MEMORY", name, 50000), hosts).machines().size(),
+                 size_t(3));
+        QCOMPARE(m_fixture->uses(copying("MEMORY", name, 75001), hosts).machines().size(),
+                 size_t(2));
     }
 
     void aNameMayBeCutOnlyForALongNameOfAMachine()

@@ -82,6 +82,8 @@ private slots:
              {making("[cfgPath]/s.dat") + making("[cfgPath]/s.dat", 2048),
               making("[cfgPath]/s.dat", 2048) + making("[cfgPath]/s.dat"),
               making("[cfgPath]/s.dat", 2048) + making("[cfgPath]s.dat"),
+              making("[cfgPath]/s.dat", 2048) + making("[cfgPath]s.dat") +
+                  making("[cfgPath]/e/../s.dat", 4096),
               making("[cfgPath]/s.dat", 2048) + making("[cfgPath]/e/../s.dat"),
               making("[cfgPath]/s.dat", 2048) + making(m_series->root().toLatin1() + "s.dat")}) {
             m_series->put("a_init.dpc", lines + dummy);

@@ -167,6 +167,8 @@ private slots:
         QVERIFY(QDir(m_series->root()).rmdir("a1.dpc"));
         m_series->put("a1.dpc", goodLine());
         QCOMPARE(m_series->hits("init-unneeded", goodLine() + "[cfgPath]/a1.dpc\n"), 1);
+        QVERIFY(QFile::remove(m_series->root() + "a.dpc"));
+        QCOMPARE(m_series->said({"init-unneeded"}, "a1.dpc"), QStringList());
     }
 
     void linesForNamesOfAnyMachineAreNotUnneeded_data()
@@ -413,6 +415,9 @@ private slots:
         QCOMPARE(m_series->errorsAndWarnings(), QStringList{"a.dpc:1:46 folder-is-file"});
         m_series->put("a_init.dpc", (lineTo("[cfgPath]/o") + lineTo("[cfgPath]o")).toLatin1());
         QCOMPARE(m_series->said({"folder-is-file"}), QStringList{"a.dpc:1:46 folder-is-file"});
+        m_series->put("a.dpc", writing("[cfgPath]/o/x") + writing("[cfgPath]/o/y"));
+        QCOMPARE(m_series->said({"folder-is-file"}), QStringList{"a.dpc:1:46 folder-is-file"});
+        m_series->put("a.dpc", writing("[cfgPath]/o/x"));
         m_series->put("a_init.dpc", "# " + lineTo("[cfgPath]/o").toLatin1());
         QCOMPARE(m_series->said({"folder-is-file"}), QStringList());
         m_series->put("a_init.dpc", "");
@@ -427,6 +432,14 @@ private slots:
                                          {13, "[cfgPath]/c.csv"}}));
         QCOMPARE(m_series->said({"source-missing", "unreadable"}),
                  QStringList{"a_init.dpc:1:1 unreadable"});
+    }
+
+    void existingFileInThePlaceOfAFolderIsToldOnce()
+    {
+        m_series->setExisting(m_series->root() + "o");
+        m_series->put("a_init.dpc", lineTo("[cfgPath]/o").toLatin1());
+        m_series->put("a.dpc", goodLine({{11, "[cfgPath]/o/x"}}));
+        QCOMPARE(m_series->said({"folder-is-file"}), QStringList{"a.dpc:1:46 folder-is-file"});
     }
 
     /// They are there when the task runs, also if they still wait.

@@ -37,6 +37,8 @@ private slots:
         row("iterations", "size-overflow", goodLine({{8, "4294967297"}}), goodLine({{8, "100"}}));
         row("one iteration too many", "size-overflow", goodLine({{8, "2147483648"}}),
             goodLine({{8, "2147483647"}}));
+        row("one below the smallest wait", "size-overflow", goodLine({{4, "-2147483649"}}),
+            goodLine({{4, "-2147483648"}}));
         row("long number", "size-overflow", goodLine({{4, QByteArray(300, '9')}}));
         row("negative size", "negative-number", goodLine({{7, "-1"}}));
         row("negative wait", "negative-number", goodLine({{4, "-1"}}), goodLine({{4, "0"}}));

@@ -1,3 +1,5 @@
+#include "model/pathvariables.h"
+#include "shared/kvtext.h"
 #include "tests/check/seriesfolder.h"
 #include "tests/check/tasklines.h"
 
@@ -210,6 +212,12 @@ private slots:
         m_series->setExisting("/d/pc2/");
         for (const QByteArray& lines : all)
             QCOMPARE(m_series->hits("dest-folder-local", lines), 0);
+        // That of this machine can be seen.
+        const QString own = kvToQString(getComputerName());
+        m_series->options().hosts = QStringList{own};
+        QCOMPARE(m_series->hits("dest-folder-local", writing("[temp]/[host]/x")), 1);
+        m_series->setExisting(QDir::tempPath() + '/' + own + '/');
+        QCOMPARE(m_series->hits("dest-folder-local", writing("[temp]/[host]/x")), 0);
         // Without the names of the machines nobody can tell.
         m_series->options().hosts.clear();
         QCOMPARE(m_series->hits("dest-folder-local", all.first()), 1);

@@ -90,6 +90,8 @@ private slots:
         // One letter in UTF-8.
         row("C1 control character beside a letter", "control-character", writing("/d/\xE4\x9F"),
             writing("/d/\xC3\x9F"));
+        row("DEL beside a letter in UTF-8", "control-character", writing("/d/\xC3\x84\x7F"),
+            writing("/d/\xC3\x80"));
         row("no-break blank at the end", "control-character", writing("/d/a\xA0"),
             writing("/d/a b"));
         row("blank at the end of a folder", "control-character", writing("/d /a"));
@@ -206,6 +208,11 @@ private slots:
         QCOMPARE(m_series->hits("long-path", byHost), 0);
         m_series->options().hosts = QStringList{"pc1", "pc123"};
         QCOMPARE(m_series->hits("long-path", byHost), 1);
+        const QByteArray byLongHost = writing("/d/" + name.left(200) + "[host]");
+        m_series->options().hosts = QStringList{"pc1", QString(55, 'h')};
+        QCOMPARE(m_series->hits("long-path", byLongHost), 0);
+        m_series->options().hosts = QStringList{"pc1", QString(56, 'h')};
+        QCOMPARE(m_series->hits("long-path", byLongHost), 1);
         const QString chosen = QString(240, 'n') + ".dpc";
         m_series->put(chosen, writing("/d/" + name.left(15) + "[cfgName]"));
         QCOMPARE(m_series->said({"long-path"}, chosen), QStringList());
@@ -402,6 +409,29 @@ private slots:
         QCOMPARE(
             m_series->hits("overwrites-source", readsBoth + goodLine({{8, "2"}, {11, "/s[iter]"}})),
             1);
+    }
+
+    void aTaskThatOverwritesSeveralFilesReadLaterIsToldOnce()
+    {
+        m_series->setExisting("/s0", 5);
+        m_series->setExisting("/s1", 5);
+        const QByteArray readsBoth =
+            goodLine({{2, ""}, {3, ""}, {8, "2"}, {10, "/s[iter]"}, {11, ""}});
+        QCOMPARE(
+            m_series->hits("overwrites-source", goodLine({{8, "2"}, {11, "/s[iter]"}}) + readsBoth),
+            1);
+    }
+
+    void missingSourcesAreCountedBeyondThoseThatAreListed()
+    {
+        m_series->put("a.dpc", reading("/s.dat").repeated(maxFindingsPerRule + 3));
+        const auto findings = m_series->findings();
+        const auto ending =
+            std::find_if(findings.begin(), findings.end(), [](const Finding& finding) {
+                return finding.rule == ruleNamed("source-missing") && finding.more > 0;
+            });
+        QVERIFY(ending != findings.end());
+        QCOMPARE(ending->more, 3);
     }
 
     void eachFolderIsNamedOnce()

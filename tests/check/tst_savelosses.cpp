@@ -67,6 +67,13 @@ private slots:
         QCOMPARE(loss(goodLine()), QString("a.dpc is there twice"));
     }
 
+    void oneCharacterBehindTheLastFieldIsALoss()
+    {
+        const QByteArray line = goodLine().trimmed();
+        QCOMPARE(loss(line + '\n'), QString());
+        QCOMPARE(loss(line + "x\n"), QString("a.dpc:1 is cut when it is loaded"));
+    }
+
     void pathOfJustTheLimitIsKept()
     {
         const QByteArray path = '/' + QByteArray(maxPath - 1, 'x');

@@ -141,6 +141,9 @@ private slots:
         m_series->put("_wait/a.dpc", goodLine() + goodLine());
         QCOMPARE(m_series->said({"both-folders"}), QStringList{"_wait/a.dpc:1:1 both-folders"});
         QCOMPARE(m_series->severity("both-folders"), Severity::Warning);
+        // Of the same size.
+        m_series->put("_wait/a.dpc", goodLine().replace("/d/x", "/d/y"));
+        QCOMPARE(m_series->severity("both-folders"), Severity::Warning);
     }
 
     /// A start copies the file out of "_wait".

@@ -374,6 +374,10 @@ private slots:
         QCOMPARE(m_series->hits("many-iterations", writing("/" + longName + "[iter]", 1024, 20)),
                  1);
         QCOMPARE(m_series->hits("many-iterations", writing("/" + longName, 1024, 20)), 0);
+        // Each variable may stand for as much as the longest.
+        m_series->options().limits.nameCharacters = 20LL * 150;
+        const QByteArray variables = "/d/" + QByteArray("[cfgName]").repeated(10);
+        QCOMPARE(m_series->hits("many-iterations", writing(variables + "[iter]", 1024, 20)), 1);
     }
 
     void filesOfTheSeriesInAllIterationsAreOneFinding()
