@@ -92,7 +92,6 @@ std::string lossOfLength(const SeriesFacts& facts)
         text.addSignExtended(line.text.constData(), line.text.size());
         readTaskLine(task, text, kvToString8<maxPath>(file.path)); // the facts say that it is one
         const int number = renderer.files().size() - 1;
-        prepareTask(task, number);
         renderer.add(task);
         loss = lossOf(renderer.files()[number]);
         if (!loss.empty())

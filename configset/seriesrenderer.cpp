@@ -21,21 +21,16 @@ QString taskLine(const TestTask& task)
 
 } // namespace
 
-void prepareTask(TestTask& task, int fileNumber)
-{
-    if (task.waitForNextConfig)
-        return;
-    task.configId = fileNumber;
-    task.normalise();
-}
-
 void prepareTasks(TaskList& tasks)
 {
     int fileNumber = 0;
     for (TestTask& task : tasks) {
-        prepareTask(task, fileNumber);
-        if (task.waitForNextConfig)
+        if (task.waitForNextConfig) {
             ++fileNumber;
+            continue;
+        }
+        task.configId = fileNumber;
+        task.normalise();
     }
 }
 

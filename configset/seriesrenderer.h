@@ -29,11 +29,8 @@ enum class FollowUpFiles
     InSeriesFolder
 };
 
-/// Prepares a task of a file for a save: gives it the number of the file as its `configId`, and
-/// normalises it. A marker stays as it is.
-void prepareTask(TestTask& task, int fileNumber);
-
-/// Prepares all tasks of a series.
+/// Prepares the tasks of a series for a save: gives each the number of its file as its `configId`,
+/// and normalises it. Markers stay as they are.
 void prepareTasks(TaskList& tasks);
 
 /// Renders the config files of a series, task by task. The first file lies in "_wait" in any case.

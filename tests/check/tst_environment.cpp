@@ -135,6 +135,7 @@ private slots:
         QVERIFY(space && space->free > 0);
         QCOMPARE(space->fileSystem, m_real.space(m_root)->fileSystem);
         QVERIFY(!m_real.space("none at all"));
+        QCOMPARE(m_real.space("/none at all/none")->fileSystem, m_real.space("/")->fileSystem);
         // Of several file systems above a name, the nearest.
         struct stat process = {};
         QCOMPARE(::stat("/proc/self", &process), 0);

@@ -152,6 +152,11 @@ private slots:
         // Lines that end before the task does are not its parts.
         m_series->put("a.dpc", halves.left(halves.indexOf('\n') + 1) + "x;y\n");
         QCOMPARE(m_series->said({"split-line", "bad-line"}), QStringList{"a.dpc:2:1 bad-line"});
+        // Nor is a line behind a whole task.
+        m_series->put("a.dpc",
+                      QByteArray(halves).replace(";true;", ";true") + goodLine({{1, "Posx"}}));
+        QCOMPARE(m_series->said({"split-line", "bad-line"}),
+                 (QStringList{"a.dpc:1:58 split-line", "a.dpc:3:1 bad-line"}));
         // In the _init file, in which the line may be a comment as well.
         m_series->put("a.dpc", goodLine());
         m_series->put("a_init.dpc", "# " + split("/d/x.dat", "/d/x.dat\n"));

@@ -101,6 +101,17 @@ private slots:
         QCOMPARE(m_series->said({"disk-space"}), QStringList{"a.dpc:3:1 disk-space"});
     }
 
+    /// The size of the task is that of the file that is read, which may be larger.
+    void existingSourceTakesNoRoom()
+    {
+        m_series->setExisting("/mnt/s", 7 * mib);
+        m_series->setExisting("/mnt/t", 1);
+        const QByteArray lines = goodLine({{2, ""}, {3, ""}, {10, "/mnt/s"}, {11, "MEMORY"}}) +
+                                 goodLine({{2, ""}, {3, ""}, {10, "/mnt/t"}, {11, "MEMORY"}});
+        setFree(1);
+        QCOMPARE(m_series->hits("disk-space", lines), 0);
+    }
+
     void aFileMayNeedOneByteMore()
     {
         m_series->setExisting("/mnt/x", mib - 1);

@@ -94,8 +94,8 @@ private slots:
         QTest::newRow("commas") << " , ,"
                                 << "names no machine";
         for (const char* text :
-             {"pc[01-]", "pc[-2]", "pc[]", "pc[a-c]", "pc[2-1]", "pc[1-2", "pc1]", "p]1[",
-              "pc[1-2-3]", "pc[ 1-2]", "[[1-2]]", "pc[1,]", "pc[0-9999999999]", "[host]"})
+             {"pc[01-]", "pc[-2]", "pc[]", "pc[a-c]", "pc[2-1]", "pc[1-2", "pc1]", "p]1[", "[1",
+              "]1", "pc[1-2-3]", "pc[ 1-2]", "[[1-2]]", "pc[1,]", "pc[0-9999999999]", "[host]"})
             QTest::newRow(text) << text << '\'' + QString(text) + '\'' + noRange;
         QTest::newRow("too many") << "pc[0-999999999]"
                                   << "more than 100000 machines";

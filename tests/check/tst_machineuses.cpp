@@ -129,6 +129,21 @@ private slots:
         QCOMPARE(m_series->hits("source-local", reading("[temp]/s.dat")), 1);
     }
 
+    void sourcesOfAMachineAreLookedForInAllIterations()
+    {
+        m_series->options().hosts = QStringList{"pc1", "pc2"};
+        const QByteArray lines =
+            goodLine({{2, ""}, {3, ""}, {8, "2"}, {10, "/d/[host]_[iter]"}, {11, "MEMORY"}});
+        QCOMPARE(m_series->hits("source-local", lines), 1);
+        m_series->setExisting("/d/pc1_0");
+        m_series->setExisting("/d/pc2_0");
+        m_series->setExisting("/d/pc1_1");
+        QCOMPARE(m_series->hits("source-local", lines), 1);
+        QVERIFY(m_series->text("source-local").contains("not there on pc2: "));
+        m_series->setExisting("/d/pc2_1");
+        QCOMPARE(m_series->hits("source-local", lines), 0);
+    }
+
     /// It was there when the series was saved.
     void folderOfALineThatIsCommentedOutIsNotMade()
     {

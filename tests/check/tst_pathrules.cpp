@@ -201,6 +201,7 @@ private slots:
         const QByteArray umlauts(128, '\xFC');
         QCOMPARE(m_series->hits("long-path", writing("/d/" + umlauts)), 1);
         QCOMPARE(m_series->hits("long-path", writing("/d/" + umlauts.left(127))), 0);
+        QCOMPARE(m_series->hits("long-path", writing("/d/" + QByteArray(128, '\x80'))), 1);
         QCOMPARE(m_series->hits("long-path", writing("C:\\d\\" + umlauts)), 0);
         QCOMPARE(m_series->hits("long-path", writing("C:\\d\\x" + name)), 1);
         const QByteArray byHost = writing("/d/" + name.left(250) + "_[host]");

@@ -66,6 +66,14 @@ private slots:
                  1);
     }
 
+    void iterationInWhichSourceAndDestinationMeet()
+    {
+        m_series->put("a.dpc", goodLine({{8, "3"}, {10, "/d/1"}, {11, "/d/[iter]"}}));
+        QVERIFY(m_series->text("same-file").contains("are the same file '/d/1' in iteration 1: "));
+        m_series->put("a.dpc", goodLine({{8, "3"}, {10, "/d/0"}, {11, "/d/[iter]"}}));
+        QVERIFY(m_series->text("same-file").contains("are the same file '/d/0': "));
+    }
+
     void namesThatMeetInTheTemporaryFolder()
     {
         const QByteArray temp = QDir::tempPath().toLatin1();
