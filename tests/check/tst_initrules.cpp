@@ -199,6 +199,8 @@ private slots:
         row("o_p.d/y", "o_[host].d/x/y", 1);
         row("o_p.d/x/y/z", "o_[host].d/x/y", 1);
         row("dummyFile", "a_[host].dat", 0);
+        row("a.dat", "a.dat", 0);
+        row("b.dat", "a.dat", 1);
     }
 
     /// A file that a machine may use, or the folder of one.
