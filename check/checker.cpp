@@ -73,11 +73,6 @@ public:
     }
 
 private:
-    static QString shownPath(const SeriesFacts& facts, const QString& path)
-    {
-        return facts.runFolder == facts.name.folder ? facts.shownFolder + rulesFileName : path;
-    }
-
     const CheckOptions& m_options;
     std::vector<std::string>& m_problems;
     QHash<QString, std::set<const Rule*>> m_folders;

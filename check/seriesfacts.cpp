@@ -48,17 +48,6 @@ void readInit(SeriesFacts& facts, int index, int entryLimit)
     }
 }
 
-/// With the folder as the user spells it; the _init file may lie one folder above that.
-QString shownPath(const SeriesFacts& facts, const QString& path)
-{
-    if (path.startsWith(facts.name.folder))
-        return facts.shownFolder + path.mid(facts.name.folder.size());
-    const QString name = path.mid(facts.runFolder.size());
-    return facts.shownFolder.endsWith(waitFolder())
-               ? facts.shownFolder.chopped(waitFolder().size()) + name
-               : facts.shownFolder + "../" + name;
-}
-
 void addFile(SeriesFacts& facts, const QString& path, int number, bool waits, FileRole role)
 {
     FileFact file;
@@ -178,6 +167,16 @@ void countNames(SeriesFacts& facts, const ReadLimits& limits)
 }
 
 } // namespace
+
+QString shownPath(const SeriesFacts& facts, const QString& path)
+{
+    if (path.startsWith(facts.name.folder))
+        return facts.shownFolder + path.mid(facts.name.folder.size());
+    const QString name = path.mid(facts.runFolder.size());
+    return facts.shownFolder.endsWith(waitFolder())
+               ? facts.shownFolder.chopped(waitFolder().size()) + name
+               : facts.shownFolder + "../" + name;
+}
 
 int iterationsOf(const LineFact& line, const QByteArray& path)
 {

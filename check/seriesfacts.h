@@ -194,6 +194,10 @@ struct SeriesFacts
 /// How many names a path stands for.
 int iterationsOf(const LineFact& line, const QByteArray& path);
 
+/// A path as the user spells the folder of the series; its _init file and its rules may lie one
+/// folder above that.
+QString shownPath(const SeriesFacts& facts, const QString& path);
+
 /// Limits of the work on one series.
 struct ReadLimits
 {

@@ -69,9 +69,3 @@ std::vector<ResavedFile> resave(const SeriesFacts& facts)
     files.back().fullSize = 0;
     return files;
 }
-
-QString shownPath(const SeriesFacts& facts, const QString& path)
-{
-    const QString& folder = facts.name.folder;
-    return path.startsWith(folder) ? facts.shownFolder + path.mid(folder.size()) : path;
-}

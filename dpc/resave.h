@@ -21,6 +21,3 @@ struct ResavedFile
 /// the same name. Nothing is written. The "_init" file comes last; an empty list of tasks makes
 /// none.
 std::vector<ResavedFile> resave(const SeriesFacts& facts);
-
-/// The path of a file of the series as the user spells its folder.
-QString shownPath(const SeriesFacts& facts, const QString& path);

@@ -200,7 +200,7 @@ std::optional<Planned> planOf(Request& request, const Output& output, int& statu
         return std::nullopt;
     PlanResult result = planSeries(*facts, request.plan);
     const QString rulesPath = facts->runFolder + rulesFileName;
-    const RulesFile rules = readRulesFile(rulesPath, rulesPath);
+    const RulesFile rules = readRulesFile(rulesPath, shownPath(*facts, rulesPath));
     result.misuse.insert(result.misuse.end(), rules.problems.begin(), rules.problems.end());
     for (const std::string& sentence : result.misuse)
         fail(output, sentence);

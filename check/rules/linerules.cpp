@@ -107,9 +107,10 @@ void checkSplit(const LineFact& line, Findings& findings)
 {
     if (line.splitEnd > 0)
         findings.add(splitLine, line, int(line.length) + 1,
-                     fmt::format("a line end splits the task, which goes on to line {}: the first "
-                                 "part loads as another task, and the rest does not load",
-                                 line.splitEnd));
+                     fmt::format("a line end splits the task, which goes on to line {}: {}the rest "
+                                 "does not load",
+                                 line.splitEnd,
+                                 isTask(line) ? "the first part loads as another task, and " : ""));
 }
 
 constexpr Rule badLine = {

@@ -152,6 +152,10 @@ private slots:
         // Lines that end before the task does are not its parts.
         m_series->put("a.dpc", halves.left(halves.indexOf('\n') + 1) + "x;y\n");
         QCOMPARE(m_series->said({"split-line", "bad-line"}), QStringList{"a.dpc:2:1 bad-line"});
+        // The first part may not load either.
+        m_series->put("a.dpc", QByteArray(halves).replace(";10;", ";x;"));
+        QCOMPARE(m_series->said({"split-line", "bad-line"}),
+                 (QStringList{"a.dpc:1:22 bad-line", "a.dpc:1:57 split-line"}));
         // Nor is a line behind a whole task.
         m_series->put("a.dpc",
                       QByteArray(halves).replace(";true;", ";true") + goodLine({{1, "Posx"}}));

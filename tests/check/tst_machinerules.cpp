@@ -112,6 +112,20 @@ private slots:
         QCOMPARE(m_series->hits("disk-space", lines), 0);
     }
 
+    /// The machine that runs the _init file makes those of others only if it names them.
+    void sourcesThatTheInitFileMakesNeedRoom()
+    {
+        m_series->put("a_init.dpc", lineTo("/mnt/pc2").toLatin1());
+        const QByteArray line = goodLine({{2, ""}, {3, ""}, {10, "/mnt/[host]"}, {11, "MEMORY"}});
+        setFree(2 * mib);
+        QCOMPARE(m_series->hits("disk-space", line), 0);
+        setFree(2 * mib - 1);
+        QCOMPARE(m_series->hits("disk-space", line), 1);
+        m_series->put("a_init.dpc", "");
+        setFree(mib);
+        QCOMPARE(m_series->hits("disk-space", line), 0);
+    }
+
     void aFileMayNeedOneByteMore()
     {
         m_series->setExisting("/mnt/x", mib - 1);

@@ -42,6 +42,22 @@ private slots:
         QCOMPARE(rulesFound("b.dpc"), QStringList{"unknown-word"});
     }
 
+    void rulesFileIsNamedAsTheFolderOfTheSeriesIs()
+    {
+        m_series->put("dpc.rules", "bad-lime: here\n");
+        m_series->put("_wait/b.dpc", goodLine());
+        const QString before = QDir::currentPath();
+        QVERIFY(QDir::setCurrent(m_series->root()));
+        const QByteArray here = run("check a.dpc").err;
+        const QByteArray below = run("check _wait/b.dpc").err;
+        QVERIFY(QDir::setCurrent("_wait"));
+        const QByteArray above = run("check b.dpc").err;
+        QVERIFY(QDir::setCurrent(before));
+        QVERIFY2(here.startsWith("dpc: 'dpc.rules'"), here.constData());
+        QVERIFY2(below.startsWith("dpc: 'dpc.rules'"), below.constData());
+        QVERIFY2(above.startsWith("dpc: '../dpc.rules'"), above.constData());
+    }
+
     void rulesFileThatCannotBeUsedIsStatus2_data()
     {
         QTest::addColumn<QByteArray>("content");
