@@ -269,6 +269,17 @@ private slots:
         QCOMPARE(m_series->said({"long-name"}, name).size(), 1);
         m_series->put("a.dpc", goodLine());
         QCOMPARE(m_series->said({"long-name"}), QStringList());
+        for (const int length : {maxFileName, maxFileName + 1}) {
+            const QString file = m_series->root() + folder + '/' + folder + "/a.dpc";
+            const QString path = file.left(length - 4).leftJustified(length - 4, 'n') + ".dpc";
+            test::put(path, goodLine());
+            const auto findings = checkAll({path}, m_series->options()).findings;
+            QCOMPARE(std::count_if(findings.begin(), findings.end(),
+                                   [](const Finding& finding) {
+                                       return finding.rule == ruleNamed("long-name");
+                                   }),
+                     length - maxFileName);
+        }
     }
 
     void lettersOutsideLatin1()
