@@ -122,7 +122,6 @@ void FileScanner::scanEntry(LineFact& fact, const _kvString<maxLine>& line)
     }
     ++m_facts.entryCount;
     fact.text = latin1(line);
-    m_task = TestTask();
     if (!readTaskLineAsIs(m_task, line, m_path, &fact.problem)) {
         fact.kind = LineFact::Kind::Rejected;
         fact.fields = splitTaskLine(line);

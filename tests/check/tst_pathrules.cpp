@@ -435,6 +435,13 @@ private slots:
         QCOMPARE(ending->more, 3);
     }
 
+    void datedSourceOfAllIterationsIsToldOnce()
+    {
+        const QByteArray lines =
+            goodLine({{2, ""}, {3, ""}, {8, "3"}, {10, "/d/[date]_[iter]"}, {11, "MEMORY"}});
+        QCOMPARE(m_series->hits("source-date", lines), 1);
+    }
+
     void eachFolderIsNamedOnce()
     {
         QCOMPARE(m_series->hits("dest-folder", writing("/n/x") + writing("/n/y") + writing("/m/y")),
