@@ -218,7 +218,11 @@ private slots:
             writing("[cfgPath]/out/.x"));
         row("destination ends in two dots", "file-is-folder", writing("[cfgPath]/out/x/.."),
             writing("[cfgPath]/out..") + writing("[cfgPath]/x"));
-        row("destination is a drive", "file-is-folder", writing("d:"), writing("d:x"));
+        for (const char letter : {'a', 'd', 'z', 'A', 'Z'}) {
+            const QByteArray drive = QByteArray(1, letter) + ':';
+            row(qPrintable("destination is the drive " + drive), "file-is-folder", writing(drive),
+                writing(drive + 'x'));
+        }
         row("destination is a server", "file-is-folder", writing("\\\\nas"),
             writing("\\\\nas\\e\\x"));
         row("source is a share", "file-is-folder", reading("//nas/e"), reading("//nas/e/x"));
