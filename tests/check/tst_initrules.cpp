@@ -412,6 +412,10 @@ private slots:
             "a.dpc",
             goodLine({{11, "[cfgPath]/x"}, {12, "[cfgPath]/f/e/l.txt"}, {13, "[cfgPath]/c.csv"}}));
         QCOMPARE(m_series->errorsAndWarnings(), QStringList{"a.dpc:1:58 folder-is-file"});
+        m_series->put(
+            "a.dpc",
+            goodLine({{11, "[cfgPath]/x"}, {12, "[cfgPath]/x/l.txt"}, {13, "[cfgPath]/c.csv"}}));
+        QCOMPARE(m_series->said({"folder-is-file"}), QStringList{"a.dpc:1:46 folder-is-file"});
         m_series->put("a_init.dpc", lineTo("[cfgPath]/o").toLatin1());
         m_series->put("a.dpc", writing("[cfgPath]/o/x"));
         QCOMPARE(m_series->errorsAndWarnings(), QStringList{"a.dpc:1:46 folder-is-file"});

@@ -25,6 +25,10 @@ private slots:
         row("date does not help", "shared-output", {{11, "[cfgPath]/[date]"}}, {{11, "[temp]/x"}});
         row("log", "shared-results", {{12, "[cfgPath]/l.txt"}}, {{12, "[cfgPath]/[host].txt"}});
         row("csv", "shared-results", {{13, "[cfgPath]/c.csv"}}, {{13, "[cfgPath]/[host].csv"}});
+        row("log alone", "shared-results", {{10, ""}, {11, ""}, {12, "[cfgPath]/l.txt"}, {13, ""}},
+            {{10, ""}, {11, ""}, {12, "[cfgPath]/[host].txt"}, {13, ""}});
+        row("csv alone", "shared-results", {{10, ""}, {11, ""}, {12, ""}, {13, "[cfgPath]/c.csv"}},
+            {{10, ""}, {11, ""}, {12, ""}, {13, "[cfgPath]/[host].csv"}});
         row("any folder", "maybe-shared", {{11, "/mnt/x"}}, {{11, "/mnt/[host]"}});
     }
 
@@ -110,6 +114,13 @@ private slots:
                                  goodLine({{2, ""}, {3, ""}, {10, "/mnt/t"}, {11, "MEMORY"}});
         setFree(1);
         QCOMPARE(m_series->hits("disk-space", lines), 0);
+        // Nor has a task without a source anything to do with the files of the task before.
+        m_series->setExisting("/mnt/c.csv", 7 * mib);
+        setFree(mib);
+        QCOMPARE(m_series->hits("disk-space",
+                                goodLine({{10, "/mnt/s"}, {11, "MEMORY"}, {13, "/mnt/c.csv"}}) +
+                                    goodLine({{11, "/mnt/x"}})),
+                 0);
     }
 
     /// The machine that runs the _init file makes those of others only if it names them.

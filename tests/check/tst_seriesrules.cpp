@@ -105,6 +105,9 @@ private slots:
         m_series->put("720.dpc", goodLine());
         QCOMPARE(m_series->said({"number-limit"}, "7.dpc"),
                  QStringList{"720.dpc:1:1 number-limit"});
+        m_series->put("799.dpc", goodLine());
+        QCOMPARE(m_series->said({"number-limit"}, "7.dpc"),
+                 (QStringList{"720.dpc:1:1 number-limit", "799.dpc:1:1 number-limit"}));
     }
 
     void linkIsTakenForTheFileThatItLeadsTo()
