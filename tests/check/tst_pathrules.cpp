@@ -66,7 +66,7 @@ private slots:
                 writing("/d/a$b{c}d<e>f%g%(h)!i!@j@(dats)(my temp)"));
         row("temporary folder without a separator", "folder-variable", writing("[temp]x"),
             writing("[temp]/x"));
-        row("temporary folder by itself", "folder-variable", writing("[temp]\\..[temp]"),
+        row("temporary folder by itself", "folder-variable", writing("/d/[temp]/x"),
             writing("[temp]"));
         row("folder inside of a path", "folder-variable", writing("/d/[cfgPath]/x"),
             writing("[cfgPath]x"));

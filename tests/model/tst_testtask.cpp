@@ -113,6 +113,14 @@ private slots:
     void defaults()
     {
         TestTask task;
+        task.method = IoMethod::Posix;
+        task.io.sysBufferMode = 1;
+        task.io.preallocate = task.io.flush = true;
+        task.io.cacheMode = 2;
+        task.iterations = 5;
+        task.writeDone = false;
+        task.waitForNextConfig = true;
+        task.configId = 3;
         task.setDefaults();
         QCOMPARE(task.method, IoMethod::Stream);
         QCOMPARE(task.io.sysBufferMode, -1);
