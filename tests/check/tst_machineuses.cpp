@@ -113,6 +113,8 @@ private slots:
         m_series->options().hosts = QStringList{"pc1", "pc2"};
         QCOMPARE(m_series->hits("done-name", line), 1);
         QCOMPARE(m_series->hits("done-name", writing("[cfgPath]/done_pc3")), 0);
+        m_series->options().hosts = QStringList{"pc2"};
+        QCOMPARE(m_series->hits("done-name", line), 1);
     }
 
     void machinesWhoseSourcesAreNotThere()
