@@ -171,6 +171,17 @@ private slots:
         QCOMPARE(m_series->said({"init-unneeded"}, "a1.dpc"), QStringList());
     }
 
+    void linesAreComparedWithTheFirstOfVeryManyIterations()
+    {
+        m_series->put("a_init.dpc",
+                      lineTo("[cfgPath]/s0").toLatin1() + lineTo("[cfgPath]/x0").toLatin1());
+        m_series->put(
+            "a.dpc",
+            goodLine(
+                {{2, ""}, {3, ""}, {8, "2147483647"}, {10, "[cfgPath]/s[iter]"}, {11, "MEMORY"}}));
+        QCOMPARE(m_series->said({"init-unneeded"}), QStringList{"a_init.dpc:2:1 init-unneeded"});
+    }
+
     void linesForNamesOfAnyMachineAreNotUnneeded_data()
     {
         QTest::addColumn<QByteArray>("made");

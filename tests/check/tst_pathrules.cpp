@@ -185,6 +185,13 @@ private slots:
         QCOMPARE(m_series->hits("long-path", byHost), 0);
         m_series->options().hosts = QStringList{"pc1", QString(20, 'p')};
         QCOMPARE(m_series->hits("long-path", byHost), 1);
+        // The last iteration has seven digits.
+        m_series->options().hosts = QStringList{QString(60, 'p')};
+        const auto iterations = [](const char* count) {
+            return goodLine({{8, count}, {11, '/' + folders(432) + "[host][iter]"}});
+        };
+        QCOMPARE(m_series->hits("long-path", iterations("10000000")), 0);
+        QCOMPARE(m_series->hits("long-path", iterations("10000001")), 1);
         // Also for a name that is longer than all other values.
         m_series->options().hosts = QStringList{QString(120, 'p')};
         QCOMPARE(m_series->hits("long-path", writing('/' + folders(379) + "[host]")), 0);
